@@ -1,0 +1,100 @@
+// The program's entry: one instance, a hidden window, the message loop.
+#include <windows.h>
+
+#include <commctrl.h>
+#include <objbase.h>
+
+#include "app/app_state.h"
+#include "app/command_line.h"
+#include "app/main_window.h"
+#include "app/settings_store.h"
+#include "app/startup.h"
+#include "base/debug_output.h"
+#include "base/handles.h"
+#include "switches/joystick.h"
+#include "switches/switch_outputs.h"
+
+namespace veltra {
+namespace {
+
+constexpr int kAnotherInstanceRuns = 6;  // exit code
+
+// The running instance opens its power meter.
+void CallRunningInstance() {
+  if (const HWND running = FindWindowW(kMainWindowClass, nullptr))
+    SendMessageW(running, WM_COMMAND, kOpenPowerMeterCommand, 0);
+}
+
+void RegisterMainWindowClass(HINSTANCE instance) {
+  WNDCLASSEXW windowClass = {};
+  windowClass.cbSize = sizeof(windowClass);
+  windowClass.style = CS_HREDRAW | CS_VREDRAW;
+  windowClass.lpfnWndProc = MainWindowProc;
+  windowClass.hInstance = instance;
+  windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+  windowClass.lpszClassName = kMainWindowClass;
+  RegisterClassExW(&windowClass);
+}
+
+void CreateMainWindow() {
+  AppState& state = GetAppState();
+  state.hMainWnd = CreateWindowExW(WS_EX_APPWINDOW, kMainWindowClass, kMainWindowClass, WS_OVERLAPPEDWINDOW,
+                                   0, 0, 0, 0, nullptr, nullptr, state.hInstance, nullptr);
+}
+
+int RunMessageLoop() {
+  MSG message = {};
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  return static_cast<int>(message.wParam);
+}
+
+// A negative delay would be an endless one.
+void WaitBeforeStart() {
+  const int32_t delay = GetAppState().StartupDelay;
+  if (delay > 0) Sleep(static_cast<DWORD>(delay));
+}
+
+int RunTool(HINSTANCE instance) {
+  CoInitialize(nullptr);
+  Trace(TEXT("Veltra Device tool started"));
+  GetAppState().hInstance = instance;
+  StartVirtualJoystick();
+  RegisterMainWindowClass(instance);
+  InitCommonControls();
+
+  const CommandLine options = ParseCommandLine(GetCommandLineW());
+  for (const WideText& refused : options.refused) Trace(TEXT("%s"), refused);
+  if (options.help) {
+    MessageBoxW(nullptr, TEXT("Hoe gebruiken?"), TEXT("Help"), MB_OK);
+    return 0;
+  }
+
+  CreateMainWindow();
+  LoadSettings();
+  WaitBeforeStart();
+  RunStartupSequence(false);
+  const int exitCode = RunMessageLoop();
+
+  if (HasAppState()) {  // the end of a Windows session has done all this already
+    ReleaseHeldSwitches();
+    StopVirtualJoystick();
+    RunShutdownSequence();
+  }
+  return exitCode;
+}
+
+}  // namespace
+}  // namespace veltra
+
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
+  const veltra::UniqueKernelObject singleInstance(CreateMutexW(nullptr, TRUE, TEXT("VeltraInternal")));
+  if (GetLastError() == ERROR_ALREADY_EXISTS) {
+    veltra::CallRunningInstance();
+    return veltra::kAnotherInstanceRuns;
+  }
+  return veltra::RunTool(instance);
+}

@@ -1,0 +1,252 @@
+#include "app/main_window.h"
+
+#include <dbt.h>
+
+#include <optional>
+
+#include "app/app_state.h"
+#include "app/folders.h"
+#include "app/language.h"
+#include "app/power_events.h"
+#include "app/startup.h"
+#include "app/windows_version.h"
+#include "base/debug_output.h"
+#include "link/identity_updates.h"
+#include "link/infrared.h"
+#include "link/pic_comm.h"
+#include "link/pic_receiver.h"
+#include "link/send_queue.h"
+#include "link/serial_input.h"
+#include "resources/resource_ids.h"
+#include "switches/switch_events.h"
+
+namespace veltra {
+namespace {
+
+// Private messages of other programs.
+constexpr UINT WM_QUERY_PIC_FIRMWARE = WM_APP + 0xDF;
+constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
+constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
+constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
+
+struct WindowMessage {
+  HWND window;
+  UINT message;
+  WPARAM wParam;
+  LPARAM lParam;
+};
+
+// Empty: the default window procedure gives the result.
+using Result = std::optional<LRESULT>;
+
+// ---- the window's life
+// ----------------------------------------------------------------------------------------------
+
+Result OnClose(const WindowMessage& m) {
+  DestroyWindow(m.window);
+  return 0;
+}
+
+Result OnDestroy(const WindowMessage&) {
+  PostQuitMessage(0);
+  return 0;
+}
+
+Result OnEndSession(const WindowMessage& m) {
+  if (!m.wParam) return 0;
+  RunShutdownSequence();
+  PostQuitMessage(0);
+  return 0;
+}
+
+// ---- copied data
+// ----------------------------------------------------------------------------------------------------
+
+constexpr ULONG_PTR kInfraredRequest = 0;
+constexpr ULONG_PTR kInfraredRequestToo = 1;
+constexpr ULONG_PTR kInfraredCancel = 3;
+
+Result OnCopyData(const WindowMessage& m) {
+  const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(m.lParam);
+  if (!data) return {};
+  Bytes payload;
+  if (data->lpData) payload = {static_cast<const uint8_t*>(data->lpData), data->cbData};
+  const HWND sender = reinterpret_cast<HWND>(m.wParam);
+  const ULONG_PTR tag = data->dwData;
+  if (tag >= kFirstIdentityUpdate && tag <= kLastIdentityUpdate) {
+    UpdateIdentity(static_cast<uint32_t>(tag), payload);
+    return {};
+  }
+  if (tag == kInfraredRequest || tag == kInfraredRequestToo) {
+    ForwardInfraredRequest(sender, payload);
+    return 1;
+  }
+  if (tag == kInfraredCancel) {
+    ForwardInfraredCancel(sender, payload);
+    return 1;
+  }
+  return {};
+}
+
+// ---- menu commands
+// --------------------------------------------------------------------------------------------------
+
+void ConfirmClose(HWND window) {
+  const WideText question = LoadResString(IDS_CONFIRM_CLOSE);
+  if (MessageBoxW(window, question.c_str(), GetDeviceModelName().c_str(), MB_YESNO) == IDYES)
+    SendMessageW(window, WM_CLOSE, 0, 0);
+}
+
+void ChooseLanguage(size_t index) {
+  const auto& languages = GetAppState().Languages;
+  if (index < languages.size()) SetLanguage(languages[index].id);
+}
+
+Result OnCommand(const WindowMessage& m) {
+  const WORD command = LOWORD(m.wParam);
+  if (command == kCloseCommand) ConfirmClose(m.window);
+  if (command >= kFirstLanguageCommand && command <= kLastLanguageCommand)
+    ChooseLanguage(command - kFirstLanguageCommand);
+  return 0;
+}
+
+// ---- timers
+// ---------------------------------------------------------------------------------------------------------
+
+struct TimerRow {
+  UINT_PTR timer;
+  void (*handle)(UINT_PTR timer);
+};
+
+constexpr TimerRow kTimerRows[] = {
+    {kResumeTimer, [](UINT_PTR) { OnResumeTimer(); }},
+    {kMiddleButtonTimer, OnLongPressTimer},
+    {kTopButtonTimer, OnLongPressTimer},
+    {kBottomButtonTimer, OnLongPressTimer},
+    {PORT_RETRY_TIMER, [](UINT_PTR) { OnPortRetryTimer(); }},
+};
+
+Result OnTimer(const WindowMessage& m) {
+  for (const TimerRow& row : kTimerRows)
+    if (row.timer == m.wParam) row.handle(row.timer);
+  return 0;
+}
+
+// ---- power and devices
+// ----------------------------------------------------------------------------------------------
+
+Result OnPowerBroadcast(const WindowMessage& m) {
+  OnPowerEvent(m.wParam);
+  return 1;
+}
+
+Result OnDeviceChange(const WindowMessage& m) {
+  Trace(TEXT("OnDeviceChange %08X\r\n"), static_cast<DWORD>(m.wParam));
+  if (m.wParam != DBT_DEVICEARRIVAL && m.wParam != DBT_DEVICEREMOVECOMPLETE) return 1;
+  const auto* device = reinterpret_cast<const DEV_BROADCAST_HDR*>(m.lParam);
+  if (!device) return 1;
+  const bool arrived = m.wParam == DBT_DEVICEARRIVAL;
+  if (!IsWindows7OrLater()) {
+    Trace(arrived ? TEXT("Arrival of type %d\r\n") : TEXT("Removal of type %d\r\n"), device->dbch_devicetype);
+    return 1;
+  }
+  Trace(TEXT("win devtype %d"), device->dbch_devicetype);
+  if (device->dbch_devicetype != DBT_DEVTYP_PORT) return 1;
+  const auto* port = reinterpret_cast<const DEV_BROADCAST_PORT_W*>(device);
+  OnPicPortChange(UpperAscii(WideView(port->dbcp_name)), arrived);
+  return 1;
+}
+
+// ---- the controller
+// -------------------------------------------------------------------------------------------------
+
+Result OnPicByteMessage(const WindowMessage& m) {
+  OnPicByte(static_cast<uint8_t>(m.wParam));
+  return {};
+}
+
+Result OnPicLineLostMessage(const WindowMessage&) {
+  OnPicLineLost();
+  return 0;
+}
+
+Result OnQueryPicFirmware(const WindowMessage&) {
+  constexpr int kOldestWanted = 95;
+  return std::atoi(GetAppState().identity.firmwareVersionText.c_str()) >= kOldestWanted ? 1 : 0;
+}
+
+Result OnStatusLedRequest(const WindowMessage& m) {
+  constexpr WPARAM kLastLedState = 3;
+  SendText("SetStatusLed=" + std::to_string(m.wParam <= kLastLedState ? m.wParam : 0));
+  return {};
+}
+
+// ---- requests of the maker's applications
+// ---------------------------------------------------------------------------
+
+constexpr WPARAM kQueryPowerSource = 12;
+constexpr WPARAM kQueryCapacity = 13;
+constexpr WPARAM kQuerySpeakerVolume = 20;
+
+Result OnDeviceToolRequest(const WindowMessage& m) {
+  AppState& state = GetAppState();
+  if (m.wParam == kQueryPowerSource) return static_cast<LRESULT>(state.battery.GetPowerSource());
+  if (m.wParam == kQueryCapacity) return state.battery.capacity;
+  if (m.wParam == kQuerySpeakerVolume) {
+    Trace(TEXT("Kavo3 tool: GetSpeakerVolume invoked"));
+    return 0x10000 + (state.audio.SpeakerVol & 0xFFFF);
+  }
+  Trace(TEXT("Kavo3 tool: device operation %d %d invoked"), static_cast<int32_t>(m.wParam),
+        static_cast<int32_t>(m.lParam));
+  return {};
+}
+
+Result OnCodecStatusQuery(const WindowMessage&) {
+  return GetAppState().audio.codecReady ? 1 : 2;
+}
+
+// ---- the table
+// ------------------------------------------------------------------------------------------------------
+
+struct MessageRow {
+  UINT message;
+  bool needsState;  // not handled any more after the end of the session
+  Result (*handle)(const WindowMessage&);
+};
+
+constexpr MessageRow kMessageRows[] = {
+    {WM_CLOSE, false, OnClose},
+    {WM_DESTROY, false, OnDestroy},
+    {WM_ENDSESSION, true, OnEndSession},
+    {WM_COPYDATA, true, OnCopyData},
+    {WM_COMMAND, true, OnCommand},
+    {WM_TIMER, true, OnTimer},
+    {WM_POWERBROADCAST, true, OnPowerBroadcast},
+    {WM_DEVICECHANGE, true, OnDeviceChange},
+    {WM_PIC_BYTE, true, OnPicByteMessage},
+    {WM_PIC_LINE_LOST, true, OnPicLineLostMessage},
+    {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
+    {kDeviceToolRequest, true, OnDeviceToolRequest},
+    {kStatusLedRequest, true, OnStatusLedRequest},
+    {kCodecStatusQuery, true, OnCodecStatusQuery},
+};
+
+Result Handle(const WindowMessage& m) {
+  const std::shared_ptr<AppState> state = KeepAppState();  // a session may end inside a handler that waits
+  for (const MessageRow& row : kMessageRows)
+    if (row.message == m.message && (state || !row.needsState)) return row.handle(m);
+  return {};
+}
+
+}  // namespace
+
+LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  try {
+    if (const Result result = Handle({window, message, wParam, lParam})) return *result;
+  } catch (...) {
+    Trace(TEXT("message %X ended by an exception"), message);
+  }
+  return DefWindowProcW(window, message, wParam, lParam);
+}
+
+}  // namespace veltra

@@ -1,0 +1,80 @@
+#include "app/startup.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include "app/app_state.h"
+#include "link/pic_comm.h"
+#include "link/send_queue.h"
+#include "switches/switch_outputs.h"
+
+namespace veltra {
+namespace {
+
+constexpr const char* kStartupQueries[] = {
+    "Ready",          "GetSerial",       "GetPCBSerial",     "GetPCBVersion",
+    "GetTouchSerial", "GetTouchVersion", "GetTouchFirmware",
+};
+
+void ShowBoardError(const WCHAR* format, int32_t code, const WCHAR* caption) {
+  MessageBoxW(nullptr, FormatText(format, code).c_str(), caption, MB_OK | MB_ICONERROR);
+}
+
+void StartBoardLibrary() {
+  AppState& state = GetAppState();
+  state.board = LoadBoardLibrary();
+  if (!state.board.KEApiLibInitialize) return;
+  if (const int32_t code = state.board.KEApiLibInitialize())
+    ShowBoardError(TEXT("Error during KEApiLibInitialize: %d"), code, TEXT("I2CInit"));
+}
+
+void StopBoardLibrary(const BoardLibrary& board) {
+  if (!board.KEApiLibUnInitialize) return;
+  if (const int32_t code = board.KEApiLibUnInitialize())
+    ShowBoardError(TEXT("Error during KEApiLibUnInitialize: %d"), code, TEXT("I2CDeinit"));
+}
+
+void SwitchDisplayOn() {
+  constexpr LPARAM kMonitorOn = -1;
+  constexpr DWORD kMousePauseMs = 20;
+  SendMessageW(GetDesktopWindow(), WM_SYSCOMMAND, SC_MONITORPOWER, kMonitorOn);
+  mouse_event(MOUSEEVENTF_MOVE, 0, 1, 0, 0);
+  Sleep(kMousePauseMs);
+  mouse_event(MOUSEEVENTF_MOVE, 0, static_cast<DWORD>(-1), 0, 0);
+}
+
+void Start() {
+  StartBoardLibrary();
+  GetAppState().log.WriteDetail(TEXT("Startup"), TEXT("Application starting"));
+  StartPicComm();
+  for (const char* query : kStartupQueries) SendText(query);
+}
+
+void Resume() {
+  GetAppState().log.WriteDetail(TEXT("Resume"), TEXT("Device resuming from suspend"));
+  ReopenLostLine();
+  SendText("Ready");
+  SwitchDisplayOn();
+}
+
+}  // namespace
+
+void RunStartupSequence(bool resume) {
+  if (resume)
+    Resume();
+  else
+    Start();
+}
+
+// The port is not stopped here but left to the end of the process: its monitor thread may hang in a driver,
+// and the end of a session must not wait for that.
+void RunShutdownSequence() {
+  ReleaseHeldSwitches();
+  const BoardLibrary board = std::move(GetAppState().board);
+  DestroyAppState();
+  StopBoardLibrary(board);
+  CoUninitialize();
+}
+
+}  // namespace veltra

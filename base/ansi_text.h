@@ -1,0 +1,15 @@
+// 8-bit text in the thread's ANSI code page, for neighbours that speak no UTF-16.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "base/text.h"
+
+namespace veltra {
+
+// Empty when Windows cannot convert the text. Characters that the code page lacks become its default
+// character.
+std::optional<std::string> ConvertToAnsi(WideView text);
+
+}  // namespace veltra

@@ -1,0 +1,19 @@
+#include "board/board_library.h"
+
+#include "app/folders.h"
+#include "base/debug_output.h"
+
+namespace veltra {
+
+BoardLibrary LoadBoardLibrary() {
+  BoardLibrary library;
+  library.module.Reset(LoadOwnLibrary(TEXT("keapi.dll")));
+  const HMODULE module = library.module.Get();
+  if (!module) Trace(TEXT("keapi.dll is missing: board features are off"));
+  library.KEApiLibInitialize = FindExport<decltype(library.KEApiLibInitialize)>(module, "KEApiLibInitialize");
+  library.KEApiLibUnInitialize =
+      FindExport<decltype(library.KEApiLibUnInitialize)>(module, "KEApiLibUnInitialize");
+  return library;
+}
+
+}  // namespace veltra

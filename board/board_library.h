@@ -1,0 +1,22 @@
+// The board vendor's embedded API library.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+#include "base/handles.h"
+
+namespace veltra {
+
+// The library's functions, __stdcall without decoration; 0 is success. Null when the library or the export is
+// missing, which is an ordinary state of a machine: the board's features are off then.
+struct BoardLibrary {
+  UniqueModule module;
+  int32_t(__stdcall* KEApiLibInitialize)() = nullptr;
+  int32_t(__stdcall* KEApiLibUnInitialize)() = nullptr;
+};
+
+BoardLibrary LoadBoardLibrary();
+
+}  // namespace veltra

@@ -1,0 +1,49 @@
+# The tool, room by room. Pure cores call nothing of Windows: they are what is fuzzed and benchmarked.
+add_library(veltra_cores STATIC
+  base/text.cpp
+  app/command_line.cpp
+  link/frame.cpp
+)
+
+add_library(veltra_tool STATIC
+  base/ansi_text.cpp
+  base/debug_output.cpp
+  app/app_state.cpp
+  app/diagnostic_log.cpp
+  app/folders.cpp
+  app/language.cpp
+  app/main_window.cpp
+  app/power_events.cpp
+  app/settings_store.cpp
+  app/startup.cpp
+  app/windows_version.cpp
+  board/board_library.cpp
+  link/identity_store.cpp
+  link/identity_updates.cpp
+  link/infrared.cpp
+  link/pic_comm.cpp
+  link/pic_messages.cpp
+  link/pic_receiver.cpp
+  link/send_queue.cpp
+  link/serial_input.cpp
+  power/battery_status.cpp
+  switches/injected_input.cpp
+  switches/joystick.cpp
+  switches/joystick_library.cpp
+  switches/mouse_filter.cpp
+  switches/mouse_filter_library.cpp
+  switches/switch_events.cpp
+  switches/switch_outputs.cpp
+)
+target_link_libraries(veltra_tool PUBLIC veltra_cores)
+
+if(WIN32)
+  # The entry is in the executable itself: nothing refers to it, so that a library would not bring it.
+  add_executable(veltratool WIN32 app/entry.cpp resources/veltratool.rc)
+  target_link_libraries(veltratool PRIVATE veltra_tool version comctl32 shell32 ole32 advapi32 user32 gdi32)
+  target_link_options(veltratool PRIVATE -municode -s)
+  target_compile_options(veltratool PRIVATE $<$<COMPILE_LANGUAGE:RC>:-c65001>)
+else()
+  target_sources(veltra_tool PRIVATE app/entry.cpp)
+  target_link_libraries(veltra_tool PUBLIC pal)
+endif()

@@ -1,0 +1,44 @@
+#include "link/frame.h"
+
+namespace veltra {
+namespace {
+
+void AppendEscaped(std::vector<uint8_t>& frame, uint8_t byte) {
+  if (byte == kFrameTrailer || byte == kFrameEscape || byte == kFrameHeader) frame.push_back(kFrameEscape);
+  frame.push_back(byte);
+}
+
+}  // namespace
+
+std::vector<uint8_t> EncodeFrame(std::span<const uint8_t> message) {
+  std::vector<uint8_t> frame;
+  frame.reserve(2 * message.size() + 5);
+  frame.assign({kFrameHeader, kFrameHeader});
+  uint8_t sum = 0;
+  for (const uint8_t byte : message) {
+    sum = static_cast<uint8_t>(sum + byte);
+    AppendEscaped(frame, byte);
+  }
+  AppendEscaped(frame, static_cast<uint8_t>(-sum));
+  frame.push_back(kFrameTrailer);
+  return frame;
+}
+
+// The message stays in the buffer until the next header byte. When it ends in 05, that byte counts as a
+// pending escape from here on: the first header byte of the next frame takes its place, the second one
+// empties the buffer.
+FrameReceiver::Outcome FrameReceiver::EndFrame() {
+  const bool good = sum_ == 0;
+  if (good) {
+    --length_;
+    sum_ = static_cast<uint8_t>(sum_ - buffer_[length_]);
+  }
+  escapePending_ = length_ > 0 && buffer_[length_ - 1] == kFrameEscape;
+  return good ? Outcome::kMessage : Outcome::kBadChecksum;
+}
+
+void FrameReceiver::Grow() {
+  buffer_.resize(2 * buffer_.size());
+}
+
+}  // namespace veltra

@@ -1,0 +1,18 @@
+// Identification updates: other programs give the tablet its serial numbers and versions through the tool.
+#pragma once
+
+#include "base/text.h"
+
+namespace veltra {
+
+constexpr uint32_t kFirstIdentityUpdate =
+    12344;  // data tags of WM_COPYDATA, in the order of the update table
+constexpr uint32_t kLastIdentityUpdate = 12350;
+constexpr size_t kLongestIdentityUpdate = 31;  // bytes
+
+// Stores the value as if the controller had reported it and sends the controller the update. `tag` is one of
+// the range above. A value that is longer than 31 bytes, or than its field, is refused whole: nothing stored,
+// nothing sent, a line in the log.
+void UpdateIdentity(uint32_t tag, Bytes value);
+
+}  // namespace veltra

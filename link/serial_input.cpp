@@ -1,0 +1,261 @@
+#include "link/serial_input.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/ansi_text.h"
+
+namespace VeltraFramework {
+namespace {
+
+using veltra::FormatText;
+using veltra::UniqueKernelObject;
+using veltra::WideText;
+
+constexpr uint32_t kBaudRate = 57600;
+constexpr uint8_t kByteSize = 8;
+constexpr uint32_t kReadChunk = 512;  // bytes a read asks for
+constexpr DWORD kShareMode = FILE_SHARE_READ | FILE_SHARE_WRITE;
+constexpr DWORD kWriteMsPerByte = 10;
+constexpr DWORD kWriteMs = 1000;
+constexpr DWORD kPostRetryMs = 10;  // between two tries to post into a full message queue
+constexpr DWORD kStopRetryMs = 50;  // between two requests to stop waiting for events
+
+bool ApplyTimeouts(HANDLE port) {
+  COMMTIMEOUTS timeouts = {};
+  GetCommTimeouts(port, &timeouts);
+  timeouts.ReadIntervalTimeout = MAXDWORD;  // with both totals 0: a read returns at once with what is there
+  timeouts.ReadTotalTimeoutMultiplier = 0;
+  timeouts.ReadTotalTimeoutConstant = 0;
+  timeouts.WriteTotalTimeoutMultiplier = kWriteMsPerByte;
+  timeouts.WriteTotalTimeoutConstant = kWriteMs;
+  return SetCommTimeouts(port, &timeouts) != FALSE;
+}
+
+bool ApplyLineSettings(HANDLE port) {
+  DCB dcb = {};
+  dcb.DCBlength = sizeof(dcb);
+  if (!GetCommState(port, &dcb)) return false;
+  dcb.BaudRate = kBaudRate;
+  dcb.ByteSize = kByteSize;
+  dcb.Parity = NOPARITY;
+  dcb.StopBits = ONESTOPBIT;
+  dcb.fOutxCtsFlow = FALSE;
+  dcb.fRtsControl = RTS_CONTROL_ENABLE;
+  return SetCommState(port, &dcb) != FALSE;
+}
+
+// Waits for a transfer that the driver has taken over; returns the error it ended with, 0 when it was done.
+DWORD AwaitTransfer(HANDLE port, OVERLAPPED& overlapped, DWORD& transferred) {
+  for (;;) {
+    if (GetOverlappedResult(port, &overlapped, &transferred, TRUE)) return ERROR_SUCCESS;
+    const DWORD error = GetLastError();
+    if (error != ERROR_IO_INCOMPLETE) return error;
+  }
+}
+
+DWORD TakeErrorFlags(HANDLE port) {
+  DWORD flags = 0;
+  ClearCommError(port, &flags, nullptr);
+  return flags;
+}
+
+void ShowReadError(const WCHAR* format, DWORD number) {
+  MessageBoxW(nullptr, FormatText(format, number).c_str(), nullptr, MB_OK);
+}
+
+}  // namespace
+
+// What the owner's thread and the monitor thread share. Reads and writes have an OVERLAPPED each, so that
+// they may overlap.
+struct CSerialInput::Line {
+  std::atomic<HANDLE> port = INVALID_HANDLE_VALUE;
+  OVERLAPPED readOverlapped = {};
+  OVERLAPPED writeOverlapped = {};
+  UniqueKernelObject readDone;  // the events of the two, manual-reset
+  UniqueKernelObject writeDone;
+  UniqueKernelObject
+      monitorStopped;  // manual-reset, so that asking IsMonitoring does not take it from StopMon
+  UniqueKernelObject stopRequested;  // manual-reset
+  HWND targetWindow = nullptr;
+  DataCallback dataCallback = nullptr;
+  int32_t portNumber = 0;
+
+  ~Line() { ClosePort(); }
+
+  void ClosePort() {
+    const HANDLE open = port.exchange(INVALID_HANDLE_VALUE);
+    if (open != INVALID_HANDLE_VALUE) CloseHandle(open);
+  }
+
+  [[nodiscard]] bool IsStopRequested() const {
+    return WaitForSingleObject(stopRequested.Get(), 0) == WAIT_OBJECT_0;
+  }
+
+  // Windows refuses a message when 10,000 wait for the thread already, as happens when it sleeps while the
+  // device is chatty. Waits then and posts again. False when the port is being closed or the window is gone.
+  bool Post(UINT message, WPARAM wParam) {
+    while (!PostMessageW(targetWindow, message, wParam, portNumber)) {
+      if (GetLastError() != ERROR_NOT_ENOUGH_QUOTA) return false;
+      if (WaitForSingleObject(stopRequested.Get(), kPostRetryMs) != WAIT_TIMEOUT) return false;
+    }
+    return true;
+  }
+
+  void Deliver(std::span<const uint8_t> bytes) {
+    if (!targetWindow) {
+      if (dataCallback) dataCallback(portNumber, bytes.data(), static_cast<uint32_t>(bytes.size()));
+      return;
+    }
+    for (const uint8_t byte : bytes)
+      if (!Post(WM_PIC_BYTE, byte)) return;
+  }
+};
+
+CSerialInput::CSerialInput(int32_t portNumber, WideText name)
+    : portNumber_(portNumber), name_(std::move(name)), line_(std::make_shared<Line>()) {
+  line_->portNumber = portNumber;
+  CSerialInput::Open();
+}
+
+CSerialInput::~CSerialInput() = default;  // the line closes with its last owner
+
+bool CSerialInput::Open() {
+  Line& line = *line_;
+  const WideText path = FormatText(TEXT("\\\\.\\COM%d"), portNumber_);
+  line.port = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, kShareMode, nullptr, OPEN_EXISTING,
+                          FILE_FLAG_OVERLAPPED, nullptr);
+  if (line.port == INVALID_HANDLE_VALUE) return false;
+  line.readDone.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  line.writeDone.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  line.readOverlapped = {};
+  line.writeOverlapped = {};
+  line.readOverlapped.hEvent = line.readDone.Get();
+  line.writeOverlapped.hEvent = line.writeDone.Get();
+  isOpen_ = line.readDone && line.writeDone && ApplyTimeouts(line.port) && ApplyLineSettings(line.port);
+  if (!isOpen_) Close();
+  return isOpen_;
+}
+
+void CSerialInput::Close() {
+  line_->ClosePort();
+  line_->readDone.Reset();
+  line_->writeDone.Reset();
+  isOpen_ = false;
+}
+
+bool CSerialInput::WriteString(const WideText& text) {
+  const std::optional<std::string> ansi = veltra::ConvertToAnsi(text);
+  if (!ansi || ansi->empty()) return false;
+  const veltra::Bytes bytes = veltra::BytesOf(*ansi);
+  return Write(bytes.data(), static_cast<uint32_t>(bytes.size()));
+}
+
+bool CSerialInput::Write(const uint8_t* bytes, uint32_t count) {
+  Line& line = *line_;
+  DWORD written = 0;
+  if (WriteFile(line.port, bytes, count, &written, &line.writeOverlapped)) return true;
+  if (GetLastError() == ERROR_IO_PENDING &&
+      AwaitTransfer(line.port, line.writeOverlapped, written) == ERROR_SUCCESS)
+    return true;
+  TakeErrorFlags(line.port);
+  return false;
+}
+
+bool CSerialInput::StartMon(HWND targetWindow, DataCallback dataCallback) {
+  Line& line = *line_;
+  if (line.port == INVALID_HANDLE_VALUE) return false;
+  line.targetWindow = targetWindow;
+  line.dataCallback = dataCallback;
+  PurgeComm(line.port, PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR);
+  line.monitorStopped.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  line.stopRequested.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+
+  auto argument = std::make_unique<std::shared_ptr<Line>>(line_);
+  UniqueKernelObject thread;
+  if (line.monitorStopped && line.stopRequested)
+    thread.Reset(CreateThread(nullptr, 0, CommThreadProc, argument.get(), 0, nullptr));
+  if (!thread) {
+    line.monitorStopped.Reset();
+    Close();
+    return false;
+  }
+  static_cast<void>(argument.release());  // the thread owns it now
+  return true;
+}
+
+// An event mask of 0 ends the thread's wait. A driver may overlook a mask that is set just as bytes arrive,
+// so it is set again until the thread is through.
+void CSerialInput::StopMon() {
+  Line& line = *line_;
+  if (!line.monitorStopped) return;
+  SetEvent(line.stopRequested.Get());
+  while (line.port != INVALID_HANDLE_VALUE) {
+    SetCommMask(line.port, 0);
+    if (WaitForSingleObject(line.monitorStopped.Get(), kStopRetryMs) != WAIT_TIMEOUT) break;
+  }
+}
+
+bool CSerialInput::IsMonitoring() const {
+  return line_->monitorStopped && WaitForSingleObject(line_->monitorStopped.Get(), 0) == WAIT_TIMEOUT;
+}
+
+uint32_t CSerialInput::GetBaudRate() const {
+  return kBaudRate;
+}
+
+DWORD WINAPI CSerialInput::CommThreadProc(void* line) {
+  const std::unique_ptr<std::shared_ptr<Line>> owned(static_cast<std::shared_ptr<Line>*>(line));
+  try {
+    Monitor(**owned);
+  } catch (...) {
+    OutputDebugStringW(TEXT("serial monitor ended by an exception\r\n"));
+  }
+  return 0;
+}
+
+void CSerialInput::Monitor(Line& line) {
+  if (!SetCommMask(line.port, EV_RXCHAR)) {
+    line.ClosePort();
+    return;
+  }
+  while (line.port != INVALID_HANDLE_VALUE && !line.IsStopRequested()) {
+    DWORD events = 0;
+    if (!WaitCommEvent(line.port, &events, nullptr)) break;
+    if (events & EV_RXCHAR) Drain(line);
+  }
+  SetEvent(line.monitorStopped.Get());
+  if (!line.IsStopRequested() && line.targetWindow) line.Post(WM_PIC_LINE_LOST, 0);
+}
+
+void CSerialInput::Drain(Line& line) {
+  std::array<uint8_t, kReadChunk> buffer;
+  uint32_t count = 0;
+  do {
+    count = Read(line, buffer.data(), kReadChunk);
+    line.Deliver({buffer.data(), count});
+  } while (count == kReadChunk);
+}
+
+uint32_t CSerialInput::Read(Line& line, uint8_t* buffer, uint32_t maximum) {
+  const HANDLE port = line.port;
+  COMSTAT status = {};
+  DWORD errors = 0;
+  if (!ClearCommError(port, &errors, &status)) return 0;
+  const DWORD wanted = std::min<DWORD>(maximum, status.cbInQue);
+  if (wanted == 0) return 0;
+
+  DWORD received = 0;
+  if (ReadFile(port, buffer, wanted, &received, &line.readOverlapped)) return received;
+  if (GetLastError() != ERROR_IO_PENDING) {
+    if (const DWORD flags = TakeErrorFlags(port)) ShowReadError(TEXT("<CE3-%u>"), flags);
+    return 0;
+  }
+  const DWORD error = AwaitTransfer(port, line.readOverlapped, received);
+  if (error == ERROR_SUCCESS) return received;
+  ShowReadError(TEXT("<CE1-%u>"), error);
+  if (const DWORD flags = TakeErrorFlags(port)) ShowReadError(TEXT("<CE2-%u>"), flags);
+  return received;
+}
+
+}  // namespace VeltraFramework

@@ -1,0 +1,12 @@
+// The mouse-filter library, which turns a short press of the middle side button into a right click.
+#pragma once
+
+#include <cstdint>
+
+namespace veltra {
+
+// Calls the library with 1 (short press) or 0 (long press). Loads it at the first call; nothing when it is
+// missing.
+void MouseFilter(int32_t mode);
+
+}  // namespace veltra

@@ -1,0 +1,143 @@
+#include "switches/switch_events.h"
+
+#include <utility>
+
+#include "app/app_state.h"
+#include "switches/injected_input.h"
+#include "switches/maker_applications.h"
+#include "switches/mouse_filter.h"
+#include "switches/switch_outputs.h"
+
+namespace veltra {
+namespace {
+
+constexpr int kIndicatorControl = 1106;  // of the options dialog
+
+// ---- side buttons
+// ---------------------------------------------------------------------------------------------------
+
+void MiddleShortPress() {
+  MouseFilter(1);
+}
+
+void MiddleLongPress() {
+  MouseFilter(0);
+  MessageBeep(MB_OK);
+  InjectKey(VK_ESCAPE, true);
+  InjectKey(VK_ESCAPE, false);
+}
+
+void TopOrBottomLongPress() {
+  MessageBeep(MB_OK);
+}
+
+struct SideButton {
+  WCHAR pressed;
+  WCHAR released;
+  WPARAM source;  // in the registered message
+  UINT_PTR timer;
+  bool AppState::*held;
+  bool needsAllowEscape;
+  void (*shortPress)();  // null: none
+  void (*longPress)();
+};
+
+constexpr SideButton kSideButtons[] = {
+    {'E', 'e', 3, kMiddleButtonTimer, &AppState::escHeld, true, MiddleShortPress, MiddleLongPress},
+    {'Y', 'y', 4, kTopButtonTimer, &AppState::fn1Held, false, nullptr, TopOrBottomLongPress},
+    {'Z', 'z', 5, kBottomButtonTimer, &AppState::fn2Held, false, nullptr, TopOrBottomLongPress},
+};
+
+void OnSideButton(const SideButton& button, bool pressed) {
+  AppState& state = GetAppState();
+  if (button.needsAllowEscape && !state.AllowEscape) return;
+  if (state.SwitchInputMessage != 0)
+    SendNotifyMessageW(HWND_BROADCAST, state.SwitchInputMessage, button.source, pressed ? 1 : 0);
+  if (pressed) {
+    SetTimer(state.hMainWnd, button.timer, kLongPressMs, nullptr);
+    state.*button.held = true;
+    return;
+  }
+  KillTimer(state.hMainWnd, button.timer);
+  const bool wasHeld = std::exchange(state.*button.held, false);
+  if (wasHeld && button.shortPress) button.shortPress();
+}
+
+// ---- switches
+// -------------------------------------------------------------------------------------------------------
+
+struct SwitchLetter {
+  WCHAR letter;
+  WCHAR swapped;  // the same event of the other switch
+  SwitchIndex index;
+  bool pressed;
+};
+
+constexpr SwitchLetter kSwitchLetters[] = {
+    {'D', 'J', kSwitch1, true},
+    {'d', 'j', kSwitch1, false},
+    {'J', 'D', kSwitch2, true},
+    {'j', 'd', kSwitch2, false},
+};
+
+void ShowInIndicator(const SwitchLetter& event) {
+  SwitchIndicator& indicator = GetAppState().switchIndicator;
+  const int bit = 1 << event.index;
+  indicator.pressedMask = event.pressed ? indicator.pressedMask | bit : indicator.pressedMask & ~bit;
+  RECT area = {};
+  GetWindowRect(GetDlgItem(indicator.dialogWindow, kIndicatorControl), &area);
+  MapWindowPoints(nullptr, indicator.dialogWindow, reinterpret_cast<POINT*>(&area), 2);
+  InvalidateRect(indicator.dialogWindow, &area, TRUE);
+}
+
+// Whether somebody else takes the event: the maker's communication or keyboard application, or the options
+// dialog.
+bool HandToOthers(const SwitchLetter& event) {
+  const AppState& state = GetAppState();
+  if (const HWND talkBuilder = FindWindowW(kTalkBuilderClass, nullptr)) {
+    SendMessageW(talkBuilder, kSwitchLetterMessage, 0, event.letter);
+    return true;
+  }
+  if (const HWND lexora = FindWindowW(kLexoraClass, nullptr)) {
+    SendMessageW(lexora, kSwitchLetterMessage, 0, state.LexoraRevSw ? event.swapped : event.letter);
+    return true;
+  }
+  if (!state.switchIndicator.dialogWindow) return false;
+  ShowInIndicator(event);
+  return true;
+}
+
+void OnSwitch(const SwitchLetter& event) {
+  if (HandToOthers(event)) {
+    // What an earlier press holds down would stay so: this release goes elsewhere.
+    if (!event.pressed) ReleaseHeldSwitch(event.index);
+    return;
+  }
+  if (event.pressed)
+    PressSwitch(event.index);
+  else
+    ReleaseSwitch(event.index);
+}
+
+}  // namespace
+
+void HandleSwitchEvent(WCHAR letter) {
+  SetThreadExecutionState(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED);  // switches the display on
+  for (const SideButton& button : kSideButtons)
+    if (letter == button.pressed || letter == button.released)
+      return OnSideButton(button, letter == button.pressed);
+  for (const SwitchLetter& event : kSwitchLetters)
+    if (letter == event.letter) return OnSwitch(event);
+}
+
+void OnLongPressTimer(UINT_PTR timer) {
+  AppState& state = GetAppState();
+  for (const SideButton& button : kSideButtons) {
+    if (timer != button.timer) continue;
+    KillTimer(state.hMainWnd, button.timer);
+    state.*button.held = false;
+    button.longPress();
+  }
+}
+
+}  // namespace veltra

@@ -1,0 +1,37 @@
+// What the switches hold down at the moment: records.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace veltra {
+
+enum SwitchIndex : size_t { kSwitch1 = 0, kSwitch2 = 1 };
+
+// Values of Sw1CmdVal and Sw2CmdVal. From 50000 to 50007: joystick buttons 1 to 8. Any other: a virtual-key
+// code.
+constexpr int32_t kSwitchNormal = 0;
+constexpr int32_t kSwitchLeftClick = -1;
+constexpr int32_t kSwitchRightClick = -2;
+constexpr int32_t kSwitchFirstJoystickButton = 50000;
+constexpr int32_t kSwitchLastJoystickButton = 50007;
+
+struct HeldOutput {
+  std::optional<int32_t>
+      value;  // the switch value that is pressed now: a mouse button, a joystick button or a key
+  bool releasedEarly =
+      false;  // it was let go before the switch was; the break to come has nothing left to release
+};
+using HeldOutputs = std::array<HeldOutput, 2>;
+
+// Which switches are held while the options dialog is open.
+struct SwitchIndicator {
+  int pressedMask = 0;          // bit 0 switch 1, bit 1 switch 2
+  HWND dialogWindow = nullptr;  // the open options dialog
+};
+
+}  // namespace veltra
