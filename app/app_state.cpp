@@ -10,12 +10,11 @@ std::weak_ptr<AppState> last;  // the current one, or one that ended and is stil
 
 }  // namespace
 
-AppState::AppState()
-    : SwitchInputMessage(RegisterWindowMessageW(TEXT("Veltra_SwitchInput"))),
-      Languages({{TEXT("English"), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK)},
-                 {TEXT("Nederlands"), MAKELANGID(LANG_DUTCH, SUBLANG_DUTCH)}}),
-      dataFolder(FindDataFolder()),
-      log(dataFolder) {}
+AppState::AppState() : dataFolder(FindDataFolder()), log(dataFolder) {
+  SwitchInputMessage = RegisterWindowMessageW(TEXT("Veltra_SwitchInput"));
+  Languages = {{TEXT("English"), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK)},
+               {TEXT("Nederlands"), MAKELANGID(LANG_DUTCH, SUBLANG_DUTCH)}};
+}
 
 AppState& GetAppState() {
   if (const std::shared_ptr<AppState> held = last.lock()) return *held;

@@ -70,6 +70,8 @@ int RunTool(HINSTANCE instance) {
   for (const WideText& refused : options.refused) Trace(TEXT("%s"), refused);
   if (options.help) {
     MessageBoxW(nullptr, TEXT("Hoe gebruiken?"), TEXT("Help"), MB_OK);
+    StopVirtualJoystick();
+    DestroyAppState();
     return 0;
   }
 

@@ -39,8 +39,7 @@ struct WindowMessage {
 // Empty: the default window procedure gives the result.
 using Result = std::optional<LRESULT>;
 
-// ---- the window's life
-// ----------------------------------------------------------------------------------------------
+// ---- the window's life ------------------------------------------------------------------------------------
 
 Result OnClose(const WindowMessage& m) {
   DestroyWindow(m.window);
@@ -59,8 +58,7 @@ Result OnEndSession(const WindowMessage& m) {
   return 0;
 }
 
-// ---- copied data
-// ----------------------------------------------------------------------------------------------------
+// ---- copied data ------------------------------------------------------------------------------------------
 
 constexpr ULONG_PTR kInfraredRequest = 0;
 constexpr ULONG_PTR kInfraredRequestToo = 1;
@@ -88,8 +86,7 @@ Result OnCopyData(const WindowMessage& m) {
   return {};
 }
 
-// ---- menu commands
-// --------------------------------------------------------------------------------------------------
+// ---- menu commands ----------------------------------------------------------------------------------------
 
 void ConfirmClose(HWND window) {
   const WideText question = LoadResString(IDS_CONFIRM_CLOSE);
@@ -110,8 +107,7 @@ Result OnCommand(const WindowMessage& m) {
   return 0;
 }
 
-// ---- timers
-// ---------------------------------------------------------------------------------------------------------
+// ---- timers -----------------------------------------------------------------------------------------------
 
 struct TimerRow {
   UINT_PTR timer;
@@ -132,8 +128,7 @@ Result OnTimer(const WindowMessage& m) {
   return 0;
 }
 
-// ---- power and devices
-// ----------------------------------------------------------------------------------------------
+// ---- power and devices ------------------------------------------------------------------------------------
 
 Result OnPowerBroadcast(const WindowMessage& m) {
   OnPowerEvent(m.wParam);
@@ -157,8 +152,7 @@ Result OnDeviceChange(const WindowMessage& m) {
   return 1;
 }
 
-// ---- the controller
-// -------------------------------------------------------------------------------------------------
+// ---- the controller ---------------------------------------------------------------------------------------
 
 Result OnPicByteMessage(const WindowMessage& m) {
   OnPicByte(static_cast<uint8_t>(m.wParam));
@@ -181,8 +175,7 @@ Result OnStatusLedRequest(const WindowMessage& m) {
   return {};
 }
 
-// ---- requests of the maker's applications
-// ---------------------------------------------------------------------------
+// ---- requests of the maker's applications -----------------------------------------------------------------
 
 constexpr WPARAM kQueryPowerSource = 12;
 constexpr WPARAM kQueryCapacity = 13;
@@ -205,8 +198,7 @@ Result OnCodecStatusQuery(const WindowMessage&) {
   return GetAppState().audio.codecReady ? 1 : 2;
 }
 
-// ---- the table
-// ------------------------------------------------------------------------------------------------------
+// ---- the table --------------------------------------------------------------------------------------------
 
 struct MessageRow {
   UINT message;

@@ -13,8 +13,8 @@ namespace veltra {
 // missing, which is an ordinary state of a machine: the board's features are off then.
 struct BoardLibrary {
   UniqueModule module;
-  int32_t(__stdcall* KEApiLibInitialize)() = nullptr;
-  int32_t(__stdcall* KEApiLibUnInitialize)() = nullptr;
+  int32_t(WINAPI* KEApiLibInitialize)() = nullptr;
+  int32_t(WINAPI* KEApiLibUnInitialize)() = nullptr;
 };
 
 BoardLibrary LoadBoardLibrary();

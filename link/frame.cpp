@@ -1,7 +1,13 @@
 #include "link/frame.h"
 
+#include <numeric>
+
 namespace veltra {
 namespace {
+
+uint8_t AddBytes(uint8_t a, uint8_t b) {
+  return static_cast<uint8_t>(a + b);
+}
 
 void AppendEscaped(std::vector<uint8_t>& frame, uint8_t byte) {
   if (byte == kFrameTrailer || byte == kFrameEscape || byte == kFrameHeader) frame.push_back(kFrameEscape);
@@ -28,11 +34,14 @@ std::vector<uint8_t> EncodeFrame(std::span<const uint8_t> message) {
 // pending escape from here on: the first header byte of the next frame takes its place, the second one
 // empties the buffer.
 FrameReceiver::Outcome FrameReceiver::EndFrame() {
+  sum_ = std::accumulate(buffer_.begin() + static_cast<ptrdiff_t>(summedLength_),
+                         buffer_.begin() + static_cast<ptrdiff_t>(length_), sum_, AddBytes);
   const bool good = sum_ == 0;
   if (good) {
     --length_;
     sum_ = static_cast<uint8_t>(sum_ - buffer_[length_]);
   }
+  summedLength_ = length_;
   escapePending_ = length_ > 0 && buffer_[length_ - 1] == kFrameEscape;
   return good ? Outcome::kMessage : Outcome::kBadChecksum;
 }

@@ -19,8 +19,8 @@ constexpr uint8_t kFrameHeader = 0x55;
 // The frame of one message, header and trailer included.
 std::vector<uint8_t> EncodeFrame(std::span<const uint8_t> message);
 
-// Takes the line byte by byte. Costs a constant time for every byte, whatever comes, and allocates only when
-// a frame is longer than every frame before it.
+// Takes the line byte by byte. Costs a constant time for every byte on average, whatever comes, and allocates
+// only when a frame is longer than every frame before it.
 class FrameReceiver {
  public:
   enum class Outcome {
@@ -31,35 +31,42 @@ class FrameReceiver {
 
   Outcome OnByte(uint8_t byte) {
     if (escapePending_) {
-      sum_ = static_cast<uint8_t>(sum_ - kFrameEscape + byte);
-      buffer_[length_ - 1] = byte;
-      escapePending_ = false;
+      TakeEscaped(byte);
       return Outcome::kNothing;
     }
     if (byte == kFrameHeader) {
       length_ = 0;
+      summedLength_ = 0;
       sum_ = 0;
       return Outcome::kNothing;
     }
     if (byte == kFrameTrailer && length_ > 0) return EndFrame();
+    if (byte == kFrameEscape) escapePending_ = true;
     if (length_ == buffer_.size()) Grow();
-    buffer_[length_++] = byte;
-    sum_ = static_cast<uint8_t>(sum_ + byte);
-    escapePending_ = byte == kFrameEscape;
+    buffer_[length_++] = static_cast<char8_t>(byte);
     return Outcome::kNothing;
   }
 
   // After Outcome::kMessage and until the next byte. May be empty.
-  [[nodiscard]] std::span<const uint8_t> Message() const { return {buffer_.data(), length_}; }
+  [[nodiscard]] std::span<const uint8_t> Message() const {
+    return {reinterpret_cast<const uint8_t*>(buffer_.data()), length_};
+  }
 
  private:
+  void TakeEscaped(uint8_t byte) {
+    if (summedLength_ == length_) sum_ = static_cast<uint8_t>(sum_ - kFrameEscape + byte);
+    buffer_[length_ - 1] = static_cast<char8_t>(byte);
+    escapePending_ = false;
+  }
   Outcome EndFrame();
   void Grow();
 
-  std::vector<uint8_t> buffer_ = std::vector<uint8_t>(512);
-  size_t length_ = 0;           // bytes of the frame so far, unescaped, the checksum included
-  uint8_t sum_ = 0;             // of these bytes
-  bool escapePending_ = false;  // the last of them is an escape byte: the next byte takes its place as data
+  // char8_t aliases nothing else, so that a loop over OnByte keeps the members in registers.
+  std::vector<char8_t> buffer_ = std::vector<char8_t>(512);
+  size_t length_ = 0;        // bytes of the frame so far, unescaped, the checksum included
+  size_t summedLength_ = 0;  // of these, how many are in the sum already
+  uint8_t sum_ = 0;
+  bool escapePending_ = false;  // the last byte is an escape byte: the next one takes its place as data
 };
 
 }  // namespace veltra

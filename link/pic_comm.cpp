@@ -1,6 +1,7 @@
 #include "link/pic_comm.h"
 
 #include "app/app_state.h"
+#include "link/send_queue.h"
 #include "link/serial_input.h"
 #include "switches/switch_outputs.h"
 
@@ -41,6 +42,7 @@ void StopPicComm() {
   const auto port = std::move(state.picPort);
   state.picPort = nullptr;
   ReleaseHeldSwitches();
+  ClearPicQueue();
   if (!port) return;
   port->StopMon();
   port->Close();

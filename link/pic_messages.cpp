@@ -15,8 +15,7 @@
 namespace veltra {
 namespace {
 
-// ---- text messages (type 0x0A)
-// --------------------------------------------------------------------------------------
+// ---- text messages (type 0x0A) ----------------------------------------------------------------------------
 
 bool IsOne(std::string_view value) {
   return value.starts_with('1');
@@ -107,8 +106,7 @@ void OnText(std::string_view text) {
     if (EqualIgnoringAsciiCase(text, row.text)) return HandleSwitchEvent(row.letter);
 }
 
-// ---- replies (type 0x0B)
-// --------------------------------------------------------------------------------------------
+// ---- replies (type 0x0B) ----------------------------------------------------------------------------------
 
 void ForwardReply(HWND target, Bytes reply) {
   std::vector<uint8_t> copy(reply.begin(), reply.end());
@@ -152,8 +150,7 @@ void OnReply(Bytes reply) {
   if (!queue.empty() && !queue.front().transmitted) TransmitHead();
 }
 
-// ---- the other types
-// ------------------------------------------------------------------------------------------------
+// ---- the other types --------------------------------------------------------------------------------------
 
 void OnLogLine(Bytes line) {
   GetAppState().log.Write(TEXT("Pic Log"), Widen(TextOf(line)));

@@ -12,7 +12,7 @@ namespace veltra {
 // The function is null when the library or the export is missing.
 struct MouseFilterLibrary {
   UniqueModule module;
-  void(__stdcall* MouseFilter)(int32_t mode) = nullptr;
+  void(WINAPI* MouseFilter)(int32_t mode) = nullptr;
 };
 
 MouseFilterLibrary LoadMouseFilterLibrary();

@@ -13,8 +13,7 @@ namespace {
 
 constexpr int kIndicatorControl = 1106;  // of the options dialog
 
-// ---- side buttons
-// ---------------------------------------------------------------------------------------------------
+// ---- side buttons -----------------------------------------------------------------------------------------
 
 void MiddleShortPress() {
   MouseFilter(1);
@@ -63,8 +62,7 @@ void OnSideButton(const SideButton& button, bool pressed) {
   if (wasHeld && button.shortPress) button.shortPress();
 }
 
-// ---- switches
-// -------------------------------------------------------------------------------------------------------
+// ---- switches ---------------------------------------------------------------------------------------------
 
 struct SwitchLetter {
   WCHAR letter;
@@ -84,9 +82,11 @@ void ShowInIndicator(const SwitchLetter& event) {
   SwitchIndicator& indicator = GetAppState().switchIndicator;
   const int bit = 1 << event.index;
   indicator.pressedMask = event.pressed ? indicator.pressedMask | bit : indicator.pressedMask & ~bit;
-  RECT area = {};
-  GetWindowRect(GetDlgItem(indicator.dialogWindow, kIndicatorControl), &area);
-  MapWindowPoints(nullptr, indicator.dialogWindow, reinterpret_cast<POINT*>(&area), 2);
+  RECT screen = {};
+  GetWindowRect(GetDlgItem(indicator.dialogWindow, kIndicatorControl), &screen);
+  POINT corners[] = {{screen.left, screen.top}, {screen.right, screen.bottom}};
+  for (POINT& corner : corners) ScreenToClient(indicator.dialogWindow, &corner);
+  const RECT area = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
   InvalidateRect(indicator.dialogWindow, &area, TRUE);
 }
 

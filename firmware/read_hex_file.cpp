@@ -1,0 +1,48 @@
+#include "firmware/read_hex_file.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <new>
+
+#include "base/handles.h"
+
+namespace veltra {
+namespace {
+
+constexpr size_t kPieceSize = 64 * 1024;
+
+bool ReadPiece(const UniqueFile& file, std::vector<char>& piece, uint64_t left) {
+  piece.resize(static_cast<size_t>(std::min<uint64_t>(left, kPieceSize)));
+  DWORD read = 0;
+  if (!ReadFile(file.Get(), piece.data(), static_cast<DWORD>(piece.size()), &read, nullptr)) return false;
+  piece.resize(read);
+  return read > 0;
+}
+
+// To the size that the file has now; a file that ends earlier cannot be read.
+HexBytes ReadToSize(const UniqueFile& file, uint64_t size) {
+  HexReader reader;
+  std::vector<char> piece;
+  for (uint64_t left = size; left > 0; left -= piece.size()) {
+    if (!ReadPiece(file, piece, left)) return {};
+    if (!reader.Take({piece.data(), piece.size()})) return {};
+  }
+  return reader.Finish().bytes;
+}
+
+}  // namespace
+
+HexBytes ReadHexFile(const WideText& path) {
+  const UniqueFile file(
+      CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+  LARGE_INTEGER size = {};
+  if (!file || !GetFileSizeEx(file.Get(), &size)) return {};
+  try {
+    return ReadToSize(file, static_cast<uint64_t>(size.QuadPart));
+  } catch (const std::bad_alloc&) {  // a file far larger than any firmware, on a 32-bit Windows
+    return {};
+  }
+}
+
+}  // namespace veltra

@@ -1,0 +1,36 @@
+// The languages of threads and of the user.
+#include "pal/state.h"
+#include "pal/thread_language.h"
+
+using namespace pal;
+
+ThreadLanguage& pal::CurrentThreadLanguage() {
+  thread_local ThreadLanguage language;
+  return language;
+}
+
+LCID WINAPI GetThreadLocale() {
+  return CurrentThreadLanguage().locale;
+}
+
+BOOL WINAPI SetThreadLocale(LCID locale) {
+  const Call call("SetThreadLocale");
+  if (call.Fails()) return FALSE;
+  if (LANGIDFROMLCID(locale) == 0) return Refuse(ERROR_INVALID_PARAMETER, FALSE);
+  CurrentThreadLanguage().locale = locale;
+  call->Emit(LanguageSet{LANGIDFROMLCID(locale)});
+  return TRUE;
+}
+
+LANGID WINAPI SetThreadUILanguage(LANGID language) {
+  const Call call("SetThreadUILanguage");
+  if (call.Fails()) return 0;
+  if (language == 0) Die("SetThreadUILanguage: only the choice of a language is known");
+  CurrentThreadLanguage().userInterface = language;
+  call->Emit(LanguageSet{language});
+  return language;
+}
+
+LANGID WINAPI GetUserDefaultLangID() {
+  return kUserLanguage;
+}

@@ -1,0 +1,77 @@
+// The process, time and power.
+#include <chrono>
+
+#include "pal/state.h"
+#include "pal/tick_count.h"
+
+using namespace pal;
+
+namespace {
+
+constexpr DWORD kProcessId = 2400;
+constexpr DWORD kOutsideThreadId = 4;  // of a caller that is no thread of the program
+
+std::chrono::sys_time<std::chrono::milliseconds> ToHost(const SYSTEMTIME& time) {
+  using namespace std::chrono;
+  return sys_days(year(time.wYear) / time.wMonth / time.wDay) + hours(time.wHour) + minutes(time.wMinute) +
+         seconds(time.wSecond) + milliseconds(time.wMilliseconds);
+}
+
+SYSTEMTIME FromHost(std::chrono::sys_time<std::chrono::milliseconds> time) {
+  using namespace std::chrono;
+  const sys_days day = floor<days>(time);
+  const year_month_day date(day);
+  const hh_mm_ss clock(time - day);
+  SYSTEMTIME result{};
+  result.wYear = static_cast<WORD>(static_cast<int>(date.year()));
+  result.wMonth = static_cast<WORD>(static_cast<unsigned>(date.month()));
+  result.wDayOfWeek = static_cast<WORD>(weekday(day).c_encoding());
+  result.wDay = static_cast<WORD>(static_cast<unsigned>(date.day()));
+  result.wHour = static_cast<WORD>(clock.hours().count());
+  result.wMinute = static_cast<WORD>(clock.minutes().count());
+  result.wSecond = static_cast<WORD>(clock.seconds().count());
+  result.wMilliseconds = static_cast<WORD>(clock.subseconds().count());
+  return result;
+}
+
+}  // namespace
+
+DWORD WINAPI GetCurrentThreadId() {
+  const Thread* self = Scheduler::Current();
+  return self ? self->id : kOutsideThreadId;
+}
+
+DWORD WINAPI GetCurrentProcessId() { return kProcessId; }
+
+LPWSTR WINAPI GetCommandLineW() {
+  const Call call;
+  return call->commandLine.data();
+}
+
+ULONGLONG WINAPI GetTickCount64() { return TickCount64(CurrentState().scheduler.Now()); }
+
+void WINAPI GetLocalTime(LPSYSTEMTIME time) {
+  const Call call;
+  const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(call->scheduler.Now());
+  *time = FromHost(ToHost(call->localTimeAtStart) + passed);
+}
+
+BOOL WINAPI QueryPerformanceCounter(LARGE_INTEGER* count) {
+  count->QuadPart = (CurrentState().scheduler.Now() + kUptimeAtStart).count() * kPerformanceTicksPerMicrosecond;
+  return TRUE;
+}
+
+BOOL WINAPI QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
+  frequency->QuadPart = kPerformanceTicksPerMicrosecond * 1'000'000;
+  return TRUE;
+}
+
+EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags) {
+  const Call call("SetThreadExecutionState");
+  if (call.Fails()) return 0;
+  if (flags & ~(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED | ES_CONTINUOUS)) Die("SetThreadExecutionState with an unknown flag");
+  call->Emit(ExecutionState{flags});
+  const EXECUTION_STATE before = call->executionState;
+  if (flags & ES_CONTINUOUS) call->executionState = flags;
+  return before;
+}

@@ -1,0 +1,26 @@
+// The machine's registry, disk, resources and modules.
+#pragma once
+
+#include "pal/disk.h"
+#include "pal/modules.h"
+#include "pal/registry_store.h"
+#include "pal/resource_table.h"
+
+namespace pal {
+
+struct WindowsVersion {
+  WORD major = 6;
+  WORD minor = 1;
+  WORD servicePack = 1;
+};
+
+struct DataState {
+  RegistryStore registry;
+  Disk disk;
+  ResourceTable resources;
+  Modules modules;
+  WindowsVersion windowsVersion;
+  bool hasCommonDocuments = true;
+};
+
+}  // namespace pal

@@ -1,0 +1,86 @@
+// The machine's disk: Windows paths below a temporary directory of the host.
+#pragma once
+
+#include <windows.h>
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pal {
+
+// Where a Windows path leads to. Names are found without regard to case; a new file gets the spelling asked
+// for.
+struct DiskPath {
+  DWORD error = ERROR_SUCCESS;  // why it leads nowhere: it is no path, or a directory on the way is missing
+  std::u16string windows;       // in full: drive, single backslashes, no "." and ".."
+  std::filesystem::path host;
+  bool exists = false;
+  bool isDirectory = false;
+  bool isReadOnly = false;
+
+  [[nodiscard]] bool IsFile() const { return exists && !isDirectory; }
+  [[nodiscard]] DWORD Attributes() const;  // FILE_ATTRIBUTE_...
+  // The error of a call that needs the file or directory: the path's own, or that nothing is there.
+  [[nodiscard]] DWORD ErrorIfMissing() const;
+};
+
+// One opening of a file, by the program or by another one. The file is closed with it.
+struct Opening {
+  ~Opening();
+  Opening() = default;
+  Opening(const Opening&) = delete;
+  Opening& operator=(const Opening&) = delete;
+
+  int descriptor = -1;
+  bool reads = false;
+  bool writes = false;
+  DWORD share = 0;  // FILE_SHARE_...: what others may do meanwhile
+  dev_t device = 0;
+  ino_t file = 0;
+};
+
+class Disk {
+ public:
+  Disk();
+  ~Disk();
+  Disk(const Disk&) = delete;
+  Disk& operator=(const Disk&) = delete;
+
+  // A relative path starts in the program's directory.
+  [[nodiscard]] DiskPath Locate(std::u16string_view path) const;
+
+  // Opens a file that exists; `access` and `share` as for CreateFileW. Null when the share modes of this
+  // opening and of those before it do not agree.
+  std::shared_ptr<Opening> Open(const std::filesystem::path& host, DWORD access, DWORD share);
+  // Whether no opening forbids that the file is deleted, renamed or replaced.
+  [[nodiscard]] bool MayDelete(const std::filesystem::path& host) const;
+
+  // What the outside does to the disk. Directories on the way are made.
+  void Write(std::u16string_view path, std::string_view content);
+  [[nodiscard]] std::optional<std::string> Read(std::u16string_view path) const;
+  void Remove(std::u16string_view path);
+  // Another program has the file open for reading and writing and lets others read it.
+  void Hold(std::u16string_view path, bool held);
+  // The path on the host, whether something is there or not; dies when it is no path of the disk.
+  [[nodiscard]] std::filesystem::path HostPath(std::u16string_view path) const;
+  void MakeDirectories(std::u16string_view path) const;
+
+ private:
+  struct Holder {
+    std::u16string path;
+    std::shared_ptr<Opening> opening;
+  };
+  std::filesystem::path root_;
+  std::vector<std::weak_ptr<Opening>> openings_;
+  std::vector<Holder> holders_;
+};
+
+void SetHostReadOnly(const std::filesystem::path& host, bool readOnly);
+
+}  // namespace pal

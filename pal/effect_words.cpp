@@ -1,0 +1,46 @@
+#include "pal/effect_words.h"
+
+#include <cstdio>
+
+#include "pal/unicode.h"
+
+namespace pal {
+
+std::string Hex(uint64_t number, int digits) {
+  char text[24];
+  std::snprintf(text, sizeof(text), "0x%0*llX", digits, static_cast<unsigned long long>(number));
+  return text;
+}
+
+std::string HexBytes(std::span<const uint8_t> bytes) {
+  std::string text;
+  for (const uint8_t byte : bytes) text += (text.empty() ? "" : " ") + Hex(byte, 2).substr(2);
+  return text;
+}
+
+std::string OneLine(std::u16string_view text) {
+  while (text.ends_with(u'\r') || text.ends_with(u'\n')) text.remove_suffix(1);
+  std::string line;
+  for (const char c : ToUtf8(text)) {
+    const auto byte = static_cast<uint8_t>(c);
+    if (c == '\n')
+      line += "\\n";
+    else if (c == '\r')
+      line += "\\r";
+    else if (c == '\t')
+      line += "\\t";
+    else if (byte < 0x20 || byte == 0x7F)
+      line += "\\x" + Hex(byte, 2).substr(2);
+    else
+      line.push_back(c);
+  }
+  return line;
+}
+
+std::string OneLine(std::string_view bytes) {
+  std::u16string text;
+  for (const char c : bytes) text.push_back(static_cast<uint8_t>(c));
+  return OneLine(text);
+}
+
+}  // namespace pal

@@ -1,0 +1,20 @@
+// Texts and numbers as the descriptions of effects show them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace pal {
+
+// "0x1B", with at least that many digits.
+std::string Hex(uint64_t number, int digits);
+// "55 0A FF".
+std::string HexBytes(std::span<const uint8_t> bytes);
+// UTF-8 on one line: line ends at the end are left out, other control characters stand as \n, \t, \x1B.
+std::string OneLine(std::u16string_view text);
+// 8-bit text, one character a byte, in the same way.
+std::string OneLine(std::string_view bytes);
+
+}  // namespace pal

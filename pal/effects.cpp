@@ -1,0 +1,139 @@
+// Effects in words.
+#include "pal/effects.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "pal/effect_words.h"
+#include "pal/modules.h"
+
+namespace pal {
+namespace {
+
+constexpr std::u16string_view kEverybody = u"*";
+
+std::string FileName(std::u16string_view path) {
+  return OneLine(FileNameOf(path));
+}
+
+std::string Quoted(std::u16string_view text) {
+  return "\"" + OneLine(text) + "\"";
+}
+
+std::string DescribeValue(const RegistryWrite& write) {
+  if (write.type == REG_DWORD && write.data.size() == sizeof(int32_t)) {
+    int32_t number = 0;
+    std::memcpy(&number, write.data.data(), sizeof(number));
+    return std::to_string(number);
+  }
+  if (write.type != REG_SZ) return HexBytes(write.data);
+  std::u16string text;
+  for (size_t at = 0; at + 1 < write.data.size(); at += 2)
+    text.push_back(static_cast<char16_t>(write.data[at] | write.data[at + 1] << 8));
+  while (text.ends_with(u'\0')) text.pop_back();
+  return Quoted(text);
+}
+
+struct MouseRow {
+  uint32_t flag;
+  std::string_view words;
+};
+constexpr MouseRow kMouseRows[] = {
+    {MOUSEEVENTF_LEFTDOWN, "left down"},     {MOUSEEVENTF_LEFTUP, "left up"},
+    {MOUSEEVENTF_RIGHTDOWN, "right down"},   {MOUSEEVENTF_RIGHTUP, "right up"},
+    {MOUSEEVENTF_MIDDLEDOWN, "middle down"}, {MOUSEEVENTF_MIDDLEUP, "middle up"},
+};
+
+struct ButtonRow {
+  int button;
+  std::string_view word;
+};
+constexpr ButtonRow kButtonRows[] = {{IDOK, "ok"},       {IDCANCEL, "cancel"}, {IDABORT, "abort"},
+                                     {IDRETRY, "retry"}, {IDIGNORE, "ignore"}, {IDYES, "yes"},
+                                     {IDNO, "no"}};
+
+// One wording for each kind of effect.
+struct Words {
+  std::string operator()(const DebugOutput& e) const { return "debug " + OneLine(e.text); }
+  std::string operator()(const RegistryWrite& e) const {
+    return "registry " + (e.name.empty() ? "(unnamed)" : OneLine(e.name)) + " = " + DescribeValue(e);
+  }
+  std::string operator()(const FileWrite& e) const {
+    return "file " + FileName(e.path) + ": " + OneLine(e.bytes);
+  }
+  std::string operator()(const SerialOpened& e) const {
+    return "serial COM" + std::to_string(e.port) + " opened";
+  }
+  std::string operator()(const SerialClosed& e) const {
+    return "serial COM" + std::to_string(e.port) + " closed";
+  }
+  std::string operator()(const SerialWrite& e) const {
+    return "serial COM" + std::to_string(e.port) + " " + HexBytes(e.bytes);
+  }
+  std::string operator()(const MouseInput& e) const {
+    std::string words = "mouse";
+    uint32_t rest = e.flags;
+    for (const MouseRow& row : kMouseRows) {
+      if ((e.flags & row.flag) != 0) words += " " + std::string(row.words);
+      rest &= ~row.flag;
+    }
+    if ((e.flags & MOUSEEVENTF_WHEEL) != 0) words += " wheel " + std::to_string(static_cast<int32_t>(e.data));
+    if ((e.flags & MOUSEEVENTF_MOVE) != 0) {
+      words += (e.flags & MOUSEEVENTF_ABSOLUTE) != 0 ? " move to " : " move ";
+      words += std::to_string(e.dx) + " " + std::to_string(e.dy);
+    }
+    rest &= ~(MOUSEEVENTF_WHEEL | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE);
+    return rest == 0 ? words : words + " flags " + Hex(rest, 4);
+  }
+  std::string operator()(const KeyInput& e) const {
+    const uint32_t rest = e.flags & ~(KEYEVENTF_KEYUP | KEYEVENTF_EXTENDEDKEY);
+    return "key " + Hex(e.virtualKey, 2) + ((e.flags & KEYEVENTF_KEYUP) != 0 ? " up" : " down") +
+           ((e.flags & KEYEVENTF_EXTENDEDKEY) != 0 ? " extended" : "") +
+           (rest == 0 ? "" : " flags " + Hex(rest, 4));
+  }
+  std::string operator()(const ExecutionState& e) const {
+    if (e.flags == (ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED)) return "awake";
+    return "execution state " + Hex(e.flags, 8);
+  }
+  std::string operator()(const Beep& e) const { return e.type == MB_OK ? "beep" : "beep " + Hex(e.type, 2); }
+  std::string operator()(const BoxShown& e) const {
+    return "box " + Quoted(e.caption) + ": " + OneLine(e.text);
+  }
+  std::string operator()(const BoxAnswered& e) const {
+    const auto* row = std::ranges::find(kButtonRows, e.button, &ButtonRow::button);
+    return "answer " + (row == std::end(kButtonRows) ? std::to_string(e.button) : std::string(row->word));
+  }
+  std::string operator()(const ForeignMessageSent& e) const {
+    if (e.message == WM_COPYDATA)
+      return "data " + std::to_string(e.copyDataTag) + " to " + OneLine(e.className) + ": " +
+             HexBytes(e.payload);
+    const std::string parameters = " " + std::to_string(e.wParam) + " " + std::to_string(e.lParam);
+    if (e.className == kEverybody) return "notify " + Hex(e.message, 4) + parameters;
+    return "message " + Hex(e.message, 4) + " to " + OneLine(e.className) + parameters;
+  }
+  std::string operator()(const TimerSet& e) const {
+    return "timer " + std::to_string(e.id) + " set " + std::to_string(e.periodMs) + " ms";
+  }
+  std::string operator()(const TimerKilled& e) const { return "timer " + std::to_string(e.id) + " killed"; }
+  std::string operator()(const LanguageSet& e) const { return "language " + Hex(e.language, 4); }
+  std::string operator()(const ModuleLoaded& e) const { return "library " + FileName(e.path) + " loaded"; }
+  std::string operator()(const ModuleFreed& e) const { return "library " + FileName(e.path) + " freed"; }
+  std::string operator()(const DeviceCall& e) const { return e.device + " " + e.call; }
+  std::string operator()(const ProgramStarted& e) const {
+    return "program starts: " + OneLine(e.commandLine);
+  }
+  std::string operator()(const ProgramEnded& e) const {
+    return "program ends with " + std::to_string(e.exitCode);
+  }
+};
+
+}  // namespace
+
+std::string Describe(const Effect& effect) {
+  return std::visit(Words(), effect.detail);
+}
+
+}  // namespace pal

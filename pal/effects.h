@@ -1,0 +1,70 @@
+// What the program did to the machine: one typed record for each thing, in one ordered stream.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace pal {
+
+using Time = std::chrono::microseconds;
+
+struct DebugOutput { std::u16string text; };
+struct RegistryWrite { std::u16string key; std::u16string name; uint32_t type = 0; std::vector<uint8_t> data; };
+struct FileWrite { std::u16string path; std::string bytes; };
+struct SerialOpened { int port = 0; };
+struct SerialClosed { int port = 0; };
+struct SerialWrite { int port = 0; std::vector<uint8_t> bytes; };
+struct MouseInput { uint32_t flags = 0; int32_t dx = 0, dy = 0; uint32_t data = 0; };
+struct KeyInput { uint8_t virtualKey = 0; uint8_t scanCode = 0; uint32_t flags = 0; };
+struct ExecutionState { uint32_t flags = 0; };
+struct Beep { uint32_t type = 0; };
+struct BoxShown { std::u16string text; std::u16string caption; uint32_t type = 0; };
+struct BoxAnswered { int button = 0; };
+// A message that left the program: to a window of another program, or to all of them (className "*").
+struct ForeignMessageSent {
+  std::u16string className;
+  uint32_t message = 0;
+  uint64_t wParam = 0;
+  int64_t lParam = 0;
+  uint64_t copyDataTag = 0;
+  std::vector<uint8_t> payload;
+};
+struct TimerSet { uint64_t id = 0; uint32_t periodMs = 0; };
+struct TimerKilled { uint64_t id = 0; };
+struct LanguageSet { uint16_t language = 0; };
+struct ModuleLoaded { std::u16string path; };
+struct ModuleFreed { std::u16string path; };
+// What a simulated device behind a module was told: "joystick", "mouse filter", "board".
+struct DeviceCall { std::string device; std::string call; };
+struct ProgramStarted { std::u16string commandLine; };
+struct ProgramEnded { int exitCode = 0; };
+
+using EffectDetail =
+    std::variant<DebugOutput, RegistryWrite, FileWrite, SerialOpened, SerialClosed, SerialWrite, MouseInput, KeyInput,
+                 ExecutionState, Beep, BoxShown, BoxAnswered, ForeignMessageSent, TimerSet, TimerKilled, LanguageSet,
+                 ModuleLoaded, ModuleFreed, DeviceCall, ProgramStarted, ProgramEnded>;
+
+struct Effect {
+  Time at{0};
+  EffectDetail detail;
+};
+
+// One line for people and scenario files, without the time: "mouse left down", "key 0x1B up",
+// "serial COM2 55 55 0A ...". The same wording everywhere.
+std::string Describe(const Effect& effect);
+// One JSON object without a line end: {"t_us":..., "kind":"mouse", ...}.
+std::string ToJson(const Effect& effect);
+
+// All effects of one kind.
+template <class Detail>
+std::vector<Detail> Select(const std::vector<Effect>& effects) {
+  std::vector<Detail> found;
+  for (const Effect& effect : effects)
+    if (const auto* detail = std::get_if<Detail>(&effect.detail)) found.push_back(*detail);
+  return found;
+}
+
+}  // namespace pal

@@ -1,0 +1,157 @@
+// The machine's outside: registry, disk, resources, modules and the version of Windows.
+#include <fstream>
+#include <iterator>
+
+#include "pal/data_state.h"
+#include "pal/machine.h"
+#include "pal/state.h"
+#include "pal/unicode.h"
+
+namespace pal {
+namespace {
+
+std::shared_ptr<RegistryKey> RootOf(const State& state, HKEY root) {
+  auto key = state.data->registry.Root(root);
+  if (!key) Die("no root of the registry");
+  return key;
+}
+
+std::optional<std::string> ReadHostFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return std::nullopt;
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+std::u16string ModulePath(std::u16string_view fileName) {
+  return std::u16string(Machine::kProgramDirectory) + std::u16string(fileName);
+}
+
+}  // namespace
+
+std::shared_ptr<DataState> MakeDataState() {
+  return std::make_shared<DataState>();
+}
+
+// Keys, files, searches and modules are in the handle table, and the language belongs to the thread.
+void ReleaseProgramData(State& /*state*/) {}
+
+// ---- registry -----------------------------------------------------------------------------------------------
+
+void Machine::SetRegistryValue(HKEY root, std::u16string_view path, std::u16string_view name, DWORD type,
+                               std::span<const uint8_t> data) {
+  const MachineLock lock(state_->mutex);
+  RegistryStore::Create(RootOf(*state_, root), path)->SetValue(name, type, {data.begin(), data.end()});
+}
+
+void Machine::SetRegistryDword(HKEY root, std::u16string_view path, std::u16string_view name,
+                               uint32_t value) {
+  uint8_t bytes[sizeof(value)];
+  for (size_t i = 0; i < sizeof(value); ++i) bytes[i] = static_cast<uint8_t>(value >> (8 * i));
+  SetRegistryValue(root, path, name, REG_DWORD, bytes);
+}
+
+std::optional<uint32_t> Machine::RegistryDword(HKEY root, std::u16string_view path,
+                                               std::u16string_view name) const {
+  const MachineLock lock(state_->mutex);
+  const auto key = RegistryStore::Find(RootOf(*state_, root), path);
+  const RegistryValue* value = key ? key->FindValue(name) : nullptr;
+  if (!value || value->type != REG_DWORD || value->data.size() != sizeof(uint32_t)) return std::nullopt;
+  uint32_t number = 0;
+  for (size_t i = sizeof(number); i-- > 0;) number = number << 8 | value->data[i];
+  return number;
+}
+
+std::vector<std::u16string> Machine::RegistryValueNames(HKEY root, std::u16string_view path) const {
+  const MachineLock lock(state_->mutex);
+  std::vector<std::u16string> names;
+  if (const auto key = RegistryStore::Find(RootOf(*state_, root), path))
+    for (const RegistryValue& value : key->values) names.push_back(value.name);
+  return names;
+}
+
+void Machine::DeleteRegistryKey(HKEY root, std::u16string_view path) {
+  const MachineLock lock(state_->mutex);
+  RegistryStore::Delete(RootOf(*state_, root), path);
+}
+
+void Machine::DeleteRegistryValue(HKEY root, std::u16string_view path, std::u16string_view name) {
+  const MachineLock lock(state_->mutex);
+  if (const auto key = RegistryStore::Find(RootOf(*state_, root), path)) key->DeleteValue(name);
+}
+
+// ---- disk ---------------------------------------------------------------------------------------------------
+
+std::filesystem::path Machine::HostPath(std::u16string_view windowsPath) const {
+  const MachineLock lock(state_->mutex);
+  return state_->data->disk.HostPath(windowsPath);
+}
+
+void Machine::WriteFile(std::u16string_view windowsPath, std::string_view content) {
+  const MachineLock lock(state_->mutex);
+  state_->data->disk.Write(windowsPath, content);
+}
+
+std::optional<std::string> Machine::ReadFile(std::u16string_view windowsPath) const {
+  const MachineLock lock(state_->mutex);
+  return state_->data->disk.Read(windowsPath);
+}
+
+void Machine::RemoveFile(std::u16string_view windowsPath) {
+  const MachineLock lock(state_->mutex);
+  state_->data->disk.Remove(windowsPath);
+}
+
+void Machine::SetReadOnly(std::u16string_view windowsPath, bool readOnly) {
+  const MachineLock lock(state_->mutex);
+  const DiskPath path = state_->data->disk.Locate(windowsPath);
+  if (!path.IsFile()) Die("SetReadOnly of a file that is not there: " + ToUtf8(windowsPath));
+  SetHostReadOnly(path.host, readOnly);
+}
+
+void Machine::HoldForWriting(std::u16string_view windowsPath, bool held) {
+  const MachineLock lock(state_->mutex);
+  state_->data->disk.Hold(windowsPath, held);
+}
+
+void Machine::SetCommonDocuments(bool present) {
+  const MachineLock lock(state_->mutex);
+  state_->data->hasCommonDocuments = present;
+}
+
+// A file that the script names is looked for in the script's directory and in those above it.
+void Machine::LoadResources(const std::filesystem::path& script) {
+  const std::filesystem::path whole = std::filesystem::absolute(script);
+  const auto load = [&whole](const std::string& name) -> std::optional<std::string> {
+    std::filesystem::path directory = whole.parent_path();
+    for (;;) {
+      if (auto content = ReadHostFile(directory / name)) return content;
+      if (directory == directory.parent_path()) return std::nullopt;
+      directory = directory.parent_path();
+    }
+  };
+  const std::optional<std::string> text = ReadHostFile(whole);
+  if (!text) Die("cannot read the resource script " + whole.string());
+  CompiledResources compiled = CompileResourceScript(*text, load, whole.string());
+  if (!compiled.error.empty()) Die(compiled.error);
+  const MachineLock lock(state_->mutex);
+  state_->data->resources.Load(std::move(compiled.resources));
+}
+
+// ---- modules and Windows ------------------------------------------------------------------------------------
+
+void Machine::AddModule(std::u16string_view fileName, std::vector<Export> exports) {
+  const MachineLock lock(state_->mutex);
+  state_->data->modules.Add({ModulePath(fileName), std::move(exports)});
+}
+
+void Machine::RemoveModule(std::u16string_view fileName) {
+  const MachineLock lock(state_->mutex);
+  state_->data->modules.Remove(ModulePath(fileName));
+}
+
+void Machine::SetWindowsVersion(WORD major, WORD minor, WORD servicePack) {
+  const MachineLock lock(state_->mutex);
+  state_->data->windowsVersion = {major, minor, servicePack};
+}
+
+}  // namespace pal

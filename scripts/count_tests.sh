@@ -1,0 +1,110 @@
+# Sourced by test: runs what it is told, counts it, and prints the closing line. Output of what passes goes to
+# build/logs; of what fails, its end is shown.
+
+passed=0
+failed=0
+skipped=0
+logs=build/logs
+mkdir -p "$logs"
+
+step() { echo "== $1"; }
+
+skip() {
+  echo "skipped: $1: $2"
+  skipped=$((skipped + 1))
+}
+
+fail() {
+  echo "FAILED: $1"
+  failed=$((failed + 1))
+}
+
+log_of() { echo "$logs/$(echo "$1" | tr -c 'a-zA-Z0-9\n' '-').log"; }
+
+# run_check NAME COMMAND...: one test that passes when the command succeeds.
+run_check() {
+  local name=$1 log
+  shift
+  log=$(log_of "$name")
+  if "$@" >"$log" 2>&1; then
+    passed=$((passed + 1))
+  else
+    tail -n 40 "$log"
+    fail "$name"
+  fi
+}
+
+need_library() {
+  echo "#include <$1>" | g++ -std=c++20 -fsyntax-only -x c++ - 2>/dev/null || install_packages "$2"
+}
+
+# build PRESET: configures and builds; a failure counts as one failed test.
+build() {
+  step "build $1"
+  local log
+  log=$(log_of "build $1")
+  cmake --preset "$1" >"$log" 2>&1 && cmake --build --preset "$1" >>"$log" 2>&1 && return 0
+  grep -E "error|Error|FAILED" "$log" | head -n 40
+  fail "build of $1"
+  return 1
+}
+
+# run_ctest PRESET [CTEST ARGUMENTS]: counts ctest's own tests.
+run_ctest() {
+  local preset=$1 log total broken
+  shift
+  step "test $preset"
+  log=$(log_of "test $preset")
+  ctest --test-dir "build/$preset" --output-on-failure --timeout 300 -j 2 "$@" >"$log" 2>&1
+  total=$(sed -nE 's/.*tests failed out of ([0-9]+).*/\1/p' "$log")
+  broken=$(sed -nE 's/.* ([0-9]+) tests? failed out of.*/\1/p' "$log")
+  if [ -z "$total" ] || [ -z "$broken" ]; then
+    tail -n 20 "$log"
+    fail "$preset ran no tests"
+    return
+  fi
+  passed=$((passed + total - broken))
+  failed=$((failed + broken))
+  [ "$broken" = 0 ] || grep -vE "Passed +[0-9.]+ sec|^ +Start" "$log" | tail -n 120
+}
+
+# count_gtest NAME LOG STATUS: counts a GoogleTest program's own summary.
+count_gtest() {
+  local name=$1 log=$2 status=$3 good bad
+  good=$(grep -c "^\[       OK \]" "$log")
+  bad=$(grep -c "^\[  FAILED  \].*ms)" "$log")
+  passed=$((passed + good))
+  failed=$((failed + bad))
+  if [ "$bad" != 0 ]; then
+    grep -vE "^\[( RUN|       OK|-)" "$log" | tail -n 80
+  elif [ "$status" != 0 ] || [ "$good" = 0 ]; then
+    tail -n 40 "$log"
+    fail "$name ended with $status after $good tests"
+  fi
+}
+
+run_fuzzers() {
+  local program name
+  for program in build/fuzz/bin/*_fuzz; do
+    name=$(basename "$program")
+    run_check "$name" "$program" -runs=20000 -seed=1 -max_len=4096 "fuzz/corpus/${name%_fuzz}"
+  done
+}
+
+run_windows_tests() {
+  local log
+  for program in build/windows-x64/bin/pal_contract_test.exe; do
+    log=$(log_of "$(basename "$program")")
+    tests/windows/run_exe.sh "$program" >"$log" 2>&1
+    count_gtest "$(basename "$program")" "$log" $?
+  done
+  log=$(log_of windows_test)
+  build/native-asan/bin/windows_test --exe-dir build/windows-x64/bin >"$log" 2>&1
+  count_gtest windows_test "$log" $?
+}
+
+finish() {
+  echo "$passed passed, $failed failed, $skipped skipped"
+  [ "$failed" = 0 ]
+  exit
+}

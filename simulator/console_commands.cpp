@@ -1,0 +1,356 @@
+#include <algorithm>
+#include <ostream>
+
+#include "simulator/board.h"
+#include "simulator/console.h"
+#include "simulator/controller_commands.h"
+#include "simulator/joystick.h"
+
+namespace simulator {
+namespace {
+
+constexpr pal::Time kPatience = std::chrono::seconds(30);
+
+std::string_view Argument(Words words, size_t index) {
+  return index < words.size() ? std::string_view(words[index]) : std::string_view();
+}
+
+// ---- the tool and the person
+// --------------------------------------------------------------------------------
+
+Problem RunStart(Console& console, Words words) {
+  console.Tablet().Start(Utf16(words.size() > 1 ? JoinWords(words.subspan(1)) : "-s"));
+  return {};
+}
+
+Problem RunWait(Console& console, Words words) {
+  const auto time = words.size() == 2 ? ParseTime(words[1]) : std::nullopt;
+  if (!time) return ExpectedArguments("TIME");
+  console.Tablet().Advance(*time);
+  return {};
+}
+
+Problem RunTap(Console& console, Words words) {
+  const auto* name = std::ranges::find(kButtonNames, Argument(words, 1), &ButtonName::command);
+  const auto held = words.size() == 3 ? ParseTime(words[2]) : std::chrono::milliseconds(100);
+  if (name == std::end(kButtonNames) || !held || words.size() > 3) return ExpectedArguments("BUTTON [TIME]");
+  console.Tablet().Press(name->button);
+  console.Tablet().Advance(*held);
+  console.Tablet().Release(name->button);
+  return {};
+}
+
+Problem RunClose(Console& console, Words) {
+  pal::Machine& machine = console.Tablet().Machine();
+  if (!machine.Post(console.Tablet().MainWindow(), WM_CLOSE, 0, 0)) return "the tool has no window";
+  machine.AdvanceUntil([&machine] { return machine.ExitCode().has_value(); }, kPatience);
+  return {};
+}
+
+Problem RunQuit(Console& console, Words) {
+  if (!console.Tablet().MainWindow()) return "the tool has no window";
+  return console.Tablet().Quit() ? Problem() : "the tool did not end";
+}
+
+Problem RunExit(Console& console, Words) {
+  console.End();
+  return {};
+}
+
+Problem RunAnswer(Console& console, Words words) {
+  struct Row {
+    std::string_view word;
+    int button;
+  };
+  constexpr Row kButtons[] = {{"ok", IDOK}, {"yes", IDYES}, {"no", IDNO}};
+  const auto* row = std::ranges::find(kButtons, Argument(words, 1), &Row::word);
+  if (row == std::end(kButtons) || words.size() != 2) return ExpectedArguments("ok|yes|no");
+  if (console.Tablet().Machine().OpenMessageBoxes().empty()) return "no message box is open";
+  console.Tablet().Machine().AnswerMessageBox(row->button);
+  return {};
+}
+
+// ---- settings
+// -----------------------------------------------------------------------------------------------
+
+Problem SetRegistry(Console& console, HKEY root, Words words) {
+  const std::optional<int64_t> value = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
+  if (!value) return ExpectedArguments("NAME NUMBER");
+  console.Tablet().Machine().SetRegistryDword(root, SimulatedTablet::kUserKey, Utf16(words[1]),
+                                              static_cast<uint32_t>(*value));
+  return {};
+}
+
+Problem RunSet(Console& console, Words words) {
+  return SetRegistry(console, HKEY_CURRENT_USER, words);
+}
+Problem RunMachine(Console& console, Words words) {
+  return SetRegistry(console, HKEY_LOCAL_MACHINE, words);
+}
+
+Problem RunRegistry(Console& console, Words words) {
+  if (words.size() > 2) return ExpectedArguments("[NAME]");
+  pal::Machine& machine = console.Tablet().Machine();
+  for (const std::u16string& name :
+       machine.RegistryValueNames(HKEY_CURRENT_USER, SimulatedTablet::kUserKey)) {
+    if (words.size() == 2 && Ascii(name) != words[1]) continue;
+    const auto value = machine.RegistryDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, name);
+    console.Out() << "           " << Ascii(name) << " = "
+                  << (value ? std::to_string(static_cast<int32_t>(*value)) : "no number") << "\n";
+  }
+  return {};
+}
+
+// ---- what stands around the tool
+// ----------------------------------------------------------------------------
+
+Problem RunApp(Console& console, Words words) {
+  const std::string_view action = Argument(words, 1);
+  if (words.size() != 3 || (action != "open" && action != "close"))
+    return ExpectedArguments("open|close NAME");
+  if (action == "open") {
+    console.Tablet().TheDesk().Open(words[2]);
+    return {};
+  }
+  return console.Tablet().TheDesk().Close(words[2]) ? Problem() : "that application is not open";
+}
+
+Problem RunJoystick(Console& console, Words words) {
+  struct Row {
+    std::string_view word;
+    Joystick state;
+  };
+  constexpr auto kNobody = Joystick::Owner::kNobody;
+  constexpr Row kStates[] = {
+      {"free", {}},
+      {"disabled", {.enabled = false}},
+      {"mismatch", {.versionsMatch = false}},
+      {"busy", {.owner = Joystick::Owner::kAnotherProgram}},
+      {"taken", {.acquireFails = true, .owner = kNobody}},
+  };
+  const std::string_view word = Argument(words, 1);
+  if (words.size() == 2 && word == "absent") {
+    console.Tablet().TheDesk().Remove(Library::kJoystick);
+    return {};
+  }
+  const auto* row = std::ranges::find(kStates, word, &Row::word);
+  if (row == std::end(kStates) || words.size() != 2)
+    return ExpectedArguments("absent|free|disabled|mismatch|busy|taken");
+  TheJoystick() = row->state;
+  return {};
+}
+
+Problem RunMouseFilter(Console& console, Words words) {
+  const std::string_view word = Argument(words, 1);
+  if (words.size() != 2 || (word != "absent" && word != "plain")) return ExpectedArguments("absent|plain");
+  if (word == "absent")
+    console.Tablet().TheDesk().Remove(Library::kMouseFilter);
+  else
+    console.Tablet().TheDesk().InstallPlainMouseFilter();
+  return {};
+}
+
+Problem RunBoard(Console& console, Words words) {
+  const std::string_view word = Argument(words, 1);
+  if (words.size() == 2 && word == "absent") {
+    console.Tablet().TheDesk().Remove(Library::kBoard);
+    return {};
+  }
+  const std::optional<int64_t> error = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
+  if (!error || (word != "start-error" && word != "stop-error"))
+    return ExpectedArguments("absent|start-error CODE|stop-error CODE");
+  (word == "start-error" ? TheBoard().initializeError : TheBoard().uninitializeError) =
+      static_cast<int32_t>(*error);
+  return {};
+}
+
+Problem RunOtherCopy(Console& console, Words) {
+  console.Tablet().Machine().AddForeignMutex(SimulatedTablet::kMainWindowClass);
+  console.Tablet().TheDesk().Open(Ascii(SimulatedTablet::kMainWindowClass));
+  return {};
+}
+
+// ---- what Windows and other programs tell the tool
+// ----------------------------------------------------------
+
+// Puts an answer on the timeline, so that expectations see it.
+Problem Answered(Console& console, std::optional<LRESULT> answer) {
+  if (!answer)
+    return console.Tablet().MainWindow() ? "the tool did not answer within 30 seconds"
+                                         : "the tool has no window";
+  console.TheTimeline().Add(
+      {console.Tablet().Machine().Now(), "result", "result " + std::to_string(*answer)});
+  return {};
+}
+
+Problem Delivered(Console& console, std::optional<LRESULT> answer) {
+  if (answer) return {};
+  return Answered(console, answer);
+}
+
+Problem RunSuspend(Console& console, Words) {
+  return Delivered(console, console.Tablet().SendPowerEvent(PBT_APMSUSPEND));
+}
+Problem RunResume(Console& console, Words) {
+  return Delivered(console, console.Tablet().SendPowerEvent(PBT_APMRESUMEAUTOMATIC));
+}
+Problem RunEndSession(Console& console, Words) {
+  return Delivered(console, console.Tablet().Ask(WM_ENDSESSION, TRUE));
+}
+
+Problem RunPort(Console& console, Words words) {
+  constexpr std::string_view kArguments = "remove|arrive [NAME], or vanish|return";
+  SimulatedTablet& tablet = console.Tablet();
+  const std::string_view action = Argument(words, 1);
+  if (words.size() == 2 && action == "vanish") {
+    tablet.VanishPort();
+    return {};
+  }
+  if (words.size() == 2 && action == "return") {
+    tablet.ReturnPort();
+    return {};
+  }
+  if (words.size() > 3 || (action != "remove" && action != "arrive")) return ExpectedArguments(kArguments);
+  const bool arrived = action == "arrive";
+  if (words.size() == 3) return Delivered(console, tablet.NotifyPort(arrived, Utf16(words[2])));
+  if (arrived)
+    tablet.ReturnPort();
+  else
+    tablet.VanishPort();
+  const std::string name = "COM" + std::to_string(SimulatedTablet::kControllerPort);
+  return Delivered(console, tablet.NotifyPort(arrived, Utf16(name)));
+}
+
+Problem RunSendData(Console& console, Words words) {
+  const bool named = words.size() >= 4 && words[words.size() - 2] == "from";
+  const size_t rest = named ? words.size() - 2 : words.size();
+  const std::optional<int64_t> tag = words.size() > 1 ? ParseNumber(words[1]) : std::nullopt;
+  if (!tag || *tag < 0 || rest > 3) return ExpectedArguments("TAG [TEXT] [from NAME]");
+  const HWND sender = named ? console.Tablet().TheDesk().Find(words.back()) : nullptr;
+  if (named && !sender) return "no application of that name is open";
+  const std::string payload = rest == 3 ? words[2] : std::string();
+  return Answered(
+      console, console.Tablet().SendData(sender, static_cast<uint64_t>(*tag),
+                                         {reinterpret_cast<const uint8_t*>(payload.data()), payload.size()}));
+}
+
+Problem RunRequest(Console& console, Words words) {
+  const std::optional<int64_t> operation = ParseNumber(Argument(words, 1));
+  const std::optional<int64_t> value = words.size() > 2 ? ParseNumber(words[2]) : 0;
+  if (!operation || !value || words.size() > 3) return ExpectedArguments("OPERATION [VALUE]");
+  return Answered(console,
+                  console.Tablet().Ask(SimulatedTablet::kDeviceToolRequest, static_cast<WPARAM>(*operation),
+                                       static_cast<LPARAM>(*value)));
+}
+
+Problem RunLed(Console& console, Words words) {
+  const std::optional<int64_t> value = words.size() == 2 ? ParseNumber(words[1]) : std::nullopt;
+  if (!value) return ExpectedArguments("NUMBER");
+  return Delivered(console,
+                   console.Tablet().Ask(SimulatedTablet::kStatusLedRequest, static_cast<WPARAM>(*value)));
+}
+
+Problem RunAskFirmware(Console& console, Words) {
+  return Answered(console, console.Tablet().Ask(SimulatedTablet::kQueryFirmware));
+}
+
+// ---- what is printed
+// ----------------------------------------------------------------------------------------
+
+Problem RunShow(Console& console, Words words) {
+  if (words.size() != 2 || words[1] != "log") return ExpectedArguments("log");
+  const auto log = console.Tablet().Machine().ReadFile(SimulatedTablet::kLogFile);
+  if (!log) return "there is no log yet";
+  console.Out() << *log;
+  return {};
+}
+
+Problem RunBytes(Console& console, Words words) {
+  const std::optional<bool> on = words.size() == 2 ? ParseOnOff(words[1]) : std::nullopt;
+  if (!on) return ExpectedArguments("on|off");
+  console.TheTimeline().ShowBytes(*on);
+  return {};
+}
+
+Problem RunTimeline(Console& console, Words words) {
+  const std::string_view word = Argument(words, 1);
+  if (words.size() != 2 || (word != "all" && word != "brief")) return ExpectedArguments("all|brief");
+  console.TheTimeline().ShowAll(word == "all");
+  return {};
+}
+
+Problem RunSay(Console& console, Words words) {
+  console.Out() << "\n" << JoinWords(words.subspan(1)) << "\n\n";
+  return {};
+}
+
+Problem RunMark(Console& console, Words) {
+  console.TheTimeline().SkipToNow();
+  return {};
+}
+
+Problem RunHelp(Console& console, Words);
+
+constexpr ConsoleCommand kCommands[] = {
+    {"start", "[ARGUMENTS]", "start the tool (-s: without a dialog)", true, RunStart},
+    {"wait", "TIME", "let time pass: 3s, 20ms", false, RunWait},
+    {"tap", "BUTTON [TIME]", "press a button and release it after 100ms, or after TIME", true, RunTap},
+    {"close", "", "close the tool's window", true, RunClose},
+    {"quit", "", "close the tool from its menu and answer its question with yes", true, RunQuit},
+    {"answer", "ok|yes|no", "answer the message box that is open", true, RunAnswer},
+    {"set", "NAME NUMBER", "a user setting in the registry, for the next start", true, RunSet},
+    {"machine", "NAME NUMBER", "a machine setting in the registry, for the next start", true, RunMachine},
+    {"registry", "[NAME]", "print the user settings in the registry", false, RunRegistry},
+    {"app", "open|close NAME", "one of the maker's applications, by its window's class", true, RunApp},
+    {"joystick", "absent|free|disabled|...", "the virtual joystick; also mismatch, busy, taken", true,
+     RunJoystick},
+    {"mouse-filter", "absent|plain", "the mouse filter's library: none, or its 64-bit form", true,
+     RunMouseFilter},
+    {"board", "absent|start-error CODE|...", "the board's library; also stop-error CODE", true, RunBoard},
+    {"other-copy", "", "another copy of the tool runs already", true, RunOtherCopy},
+    {"port", "remove|arrive [NAME]|...",
+     "the controller's port goes or comes; vanish, return: without a word", true, RunPort},
+    {"suspend", "", "Windows announces standby", true, RunSuspend},
+    {"resume", "", "Windows is back from standby", true, RunResume},
+    {"end-session", "", "Windows ends the session", true, RunEndSession},
+    {"send-data", "TAG [TEXT] [from NAME]", "copied data from an application", true, RunSendData},
+    {"request", "OPERATION [VALUE]", "a device tool request from an application", true, RunRequest},
+    {"led", "NUMBER", "a status LED request from an application", true, RunLed},
+    {"ask-firmware", "", "an application asks whether the firmware is new enough", true, RunAskFirmware},
+    {"expect", "[no] [exactly] TEXT", "a line that holds TEXT, or is TEXT, must have come", false, RunExpect},
+    {"at", "TIME expect TEXT", "and at that time; +TIME counts from the last command", false, RunAt},
+    {"check", "WHAT ...", "registry NAME NUMBER, [no] log TEXT, [no] box TEXT, exit CODE, line", false,
+     RunCheck},
+    {"mark", "", "expectations look from here on", false, RunMark},
+    {"show", "log", "print the tool's log file", false, RunShow},
+    {"bytes", "on|off", "show the bytes of every frame", false, RunBytes},
+    {"timeline", "all|brief", "show every effect, or what a person would notice", false, RunTimeline},
+    {"say", "TEXT", "print TEXT", false, RunSay},
+    {"help", "", "this list", false, RunHelp},
+    {"exit", "", "leave", false, RunExit},
+};
+
+void PrintRow(std::ostream& out, std::string_view name, std::string_view arguments, std::string_view help) {
+  std::string usage = std::string(name) + " " + std::string(arguments);
+  constexpr size_t kColumn = 42;
+  usage.resize(std::max(kColumn, usage.size() + 1), ' ');
+  out << "  " << usage << help << "\n";
+}
+
+Problem RunHelp(Console& console, Words) {
+  console.Out() << "The controller:\n";
+  for (const ControllerCommand& row : ControllerCommands())
+    PrintRow(console.Out(), row.name, row.arguments, row.help);
+  console.Out() << "The tablet around it:\n";
+  for (const ConsoleCommand& row : kCommands) PrintRow(console.Out(), row.name, row.arguments, row.help);
+  return {};
+}
+
+}  // namespace
+
+const ConsoleCommand* FindConsoleCommand(std::string_view name) {
+  const auto* row = std::ranges::find(kCommands, name, &ConsoleCommand::name);
+  return row == std::end(kCommands) ? nullptr : row;
+}
+
+}  // namespace simulator

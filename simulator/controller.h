@@ -1,0 +1,154 @@
+// The tablet's microcontroller as the tool meets it on the serial line. It knows neither the platform layer
+// nor the tool: bytes come in, bytes go out, and time is whatever the host says it is. The same controller
+// lives on the simulated machine, behind a pty in wall time, and in tests.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/wire.h"
+
+namespace simulator {
+
+using Duration = std::chrono::microseconds;
+
+// What the controller needs from where it lives. All three are called, and may call back, on one thread.
+struct ControllerHost {
+  std::function<void(std::span<const uint8_t>)> send;                // to the tool
+  std::function<void(Duration delay, std::function<void()>)> after;  // run once, later
+  std::function<Duration()> now;
+};
+
+// The switch sockets and the side buttons.
+enum class Button { kSwitch1, kSwitch2, kMiddle, kTop, kBottom };
+
+struct ButtonName {
+  Button button;
+  std::string_view command;  // what people type: "sw1"
+  std::string_view wire;     // what the controller sends before "Make" and "Break": "Sw1"
+};
+inline constexpr ButtonName kButtonNames[] = {
+    {Button::kSwitch1, "sw1", "Sw1"}, {Button::kSwitch2, "sw2", "Sw2"}, {Button::kMiddle, "esc", "Esc"},
+    {Button::kTop, "fn1", "Fn1"},     {Button::kBottom, "fn2", "Fn2"},
+};
+
+// Faults that can be armed. Each is used up by what it spoils.
+enum class Fault {
+  kFlip,     // one bit of the next frame sent is wrong
+  kDrop,     // one byte of the next frame sent is missing
+  kDouble,   // one byte of the next frame sent comes twice
+  kGarbage,  // bytes that are no frame go before the next frame sent
+  kMute,     // the next request gets no reply, nor the text that belongs to it
+  kEmpty,    // the next reply has no content
+  kTwice,    // the next reply comes twice
+  kAgain,    // the next request counts as not understood: the controller asks for it again
+};
+
+struct FaultName {
+  Fault fault;
+  std::string_view command;
+};
+inline constexpr FaultName kFaultNames[] = {
+    {Fault::kFlip, "flip"},       {Fault::kDrop, "drop"},   {Fault::kDouble, "double"},
+    {Fault::kGarbage, "garbage"}, {Fault::kMute, "mute"},   {Fault::kEmpty, "empty"},
+    {Fault::kTwice, "twice"},     {Fault::kAgain, "again"},
+};
+
+// What the controller says about the tablet.
+struct Identity {
+  std::string firmware = "112";
+  std::string serial = "SV5-0012345";
+  std::string pcbSerial = "B-20310077";
+  std::string pcbVersion = "3.1";
+  std::string touchSerial = "T-99120034";
+  std::string touchVersion = "2.4";
+  std::string touchFirmware = "1.07";
+};
+
+// One thing that happened on the line.
+struct Traffic {
+  enum class Direction { kFromTool, kToTool };
+  Duration at{0};
+  Direction direction = Direction::kFromTool;
+  std::vector<uint8_t> message;  // empty for bytes that are no message
+  std::vector<uint8_t> wire;     // as transmitted, faults included
+  std::string remark;            // what is wrong with it; empty when nothing is
+};
+// "Sw1Make", "reply OK (one bit flipped)".
+std::string Describe(const Traffic& traffic);
+
+struct ReceivedRequest {
+  Duration at{0};
+  std::vector<uint8_t> message;  // type byte first
+};
+
+class Controller {
+ public:
+  explicit Controller(ControllerHost host) : host_(std::move(host)) {}
+  Controller(const Controller&) = delete;
+  Controller& operator=(const Controller&) = delete;
+
+  // Bytes from the tool.
+  void Receive(std::span<const uint8_t> bytes);
+
+  void Press(Button button);
+  void Release(Button button);
+  void SendText(std::string_view text);
+  void SendLogLine(std::string_view line);
+  // A reply that nobody asked for.
+  void SendReply(std::string_view content);
+  // Bytes as they are, without a frame.
+  void SendRaw(std::span<const uint8_t> bytes);
+  // What a controller says on power-up, before anyone asks: a log line and its firmware version.
+  void PowerUp();
+
+  void Arm(Fault fault, int times = 1) { armed_[fault] += times; }
+  // Time between a request and its reply. Default 2 ms.
+  void SetReplyDelay(Duration delay) { replyDelay_ = delay; }
+  // Sends at 57600 baud, 10 bits a byte, instead of at once.
+  void SetPaced(bool paced) { paced_ = paced; }
+
+  Identity identity;
+  // The reply to "IRRecord" and to texts that the controller does not know, as it forwards these to its
+  // infrared part.
+  std::string infraredReply = std::string("\x01\x04\x05\x55\x00\xFF", 6) + "code";
+
+  void OnTraffic(std::function<void(const Traffic&)> listener) { onTraffic_ = std::move(listener); }
+  // Everything that asked for a reply, in order; repeats that the controller asked for included.
+  [[nodiscard]] const std::vector<ReceivedRequest>& Requests() const { return requests_; }
+  // What the tool did wrong: bad frames, and requests sent before the one before was answered.
+  [[nodiscard]] const std::vector<std::string>& Violations() const { return violations_; }
+
+ private:
+  void OnEvent(const WireEvent& event);
+  void OnRequest(const std::vector<uint8_t>& message);
+  void Answer(const std::vector<uint8_t>& message);
+  // The content of the reply to a text; sends texts that belong to it and keeps what the text changes.
+  std::string Act(std::string_view text);
+  void SendMessage(std::vector<uint8_t> message);
+  void Transmit(const std::vector<uint8_t>& message, std::vector<uint8_t> frame, std::string remark);
+  void Spoil(std::vector<uint8_t>& frame, std::string& remark);
+  bool UseUp(Fault fault);
+
+  ControllerHost host_;
+  FrameReader reader_;
+  std::function<void(const Traffic&)> onTraffic_;
+  std::map<Fault, int> armed_;
+  Duration replyDelay_ = std::chrono::milliseconds(2);
+  bool paced_ = false;
+  Duration lineFreeAt_{0};
+  std::vector<uint8_t> lastMessage_;  // what "Resend" repeats
+  std::vector<uint8_t> unanswered_;   // the request whose reply has not been sent
+  bool askedAgain_ = false;           // a repeat of that request is on its way
+  std::vector<ReceivedRequest> requests_;
+  std::vector<std::string> violations_;
+};
+
+}  // namespace simulator

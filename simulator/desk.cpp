@@ -1,0 +1,93 @@
+#include "simulator/desk.h"
+
+#include <cstdlib>
+#include <vector>
+
+#include "simulator/board.h"
+#include "simulator/joystick.h"
+#include "simulator/mouse_filter.h"
+#include "simulator/report.h"
+#include "simulator/words.h"
+
+namespace simulator {
+namespace {
+
+template <class Function>
+pal::Machine::Export MakeExport(const char* name, Function* function) {
+  return {name, reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function))};
+}
+
+struct LibraryRow {
+  Library library;
+  std::u16string_view fileName;
+  std::vector<pal::Machine::Export> exports;
+};
+
+const std::vector<LibraryRow>& Libraries() {
+  static const std::vector<LibraryRow> libraries = {
+      {Library::kJoystick,
+       u"vJoyInterface.dll",
+       {MakeExport("vJoyEnabled", vJoyEnabled), MakeExport("DriverMatch", DriverMatch),
+        MakeExport("GetVJDStatus", GetVJDStatus), MakeExport("AcquireVJD", AcquireVJD),
+        MakeExport("RelinquishVJD", RelinquishVJD), MakeExport("ResetVJD", ResetVJD),
+        MakeExport("SetBtn", SetBtn)}},
+      {Library::kMouseFilter, u"portmon.dll", {MakeExport("_MouseFilter@4", MouseFilter)}},
+      {Library::kBoard,
+       u"keapi.dll",
+       {MakeExport("KEApiLibInitialize", KEApiLibInitialize),
+        MakeExport("KEApiLibUnInitialize", KEApiLibUnInitialize)}},
+  };
+  return libraries;
+}
+
+const LibraryRow& Row(Library library) {
+  for (const LibraryRow& row : Libraries())
+    if (row.library == library) return row;
+  std::abort();
+}
+
+}  // namespace
+
+void Report(const char* device, const std::string& call) {
+  pal::CurrentMachine().Emit(pal::DeviceCall{device, call});
+}
+
+Desk::Desk(pal::Machine& machine) : machine_(machine) {
+  TheJoystick() = {};
+  TheBoard() = {};
+  for (const LibraryRow& row : Libraries()) Install(row.library);
+}
+
+void Desk::Install(Library library) {
+  machine_.AddModule(Row(library).fileName, Row(library).exports);
+}
+void Desk::Remove(Library library) {
+  machine_.RemoveModule(Row(library).fileName);
+}
+
+void Desk::InstallPlainMouseFilter() {
+  Remove(Library::kMouseFilter);
+  machine_.AddModule(Row(Library::kMouseFilter).fileName, {MakeExport("MouseFilter", MouseFilter)});
+}
+
+HWND Desk::Open(std::string_view windowClass) {
+  if (const HWND open = Find(windowClass)) return open;
+  const HWND window = machine_.AddForeignWindow(Utf16(windowClass));
+  windows_.emplace(windowClass, window);
+  return window;
+}
+
+bool Desk::Close(std::string_view windowClass) {
+  const auto entry = windows_.find(windowClass);
+  if (entry == windows_.end()) return false;
+  machine_.RemoveForeignWindow(entry->second);
+  windows_.erase(entry);
+  return true;
+}
+
+HWND Desk::Find(std::string_view windowClass) const {
+  const auto entry = windows_.find(windowClass);
+  return entry == windows_.end() ? nullptr : entry->second;
+}
+
+}  // namespace simulator

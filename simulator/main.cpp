@@ -1,0 +1,89 @@
+// The tool on the simulated tablet: a demonstration, a script, or a prompt.
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "simulator/console.h"
+#include "simulator/demonstration.h"
+
+namespace {
+
+constexpr char kUsage[] =
+    "tablet [--script FILE] [--trace FILE]\n"
+    "\n"
+    "Runs the tool on a simulated tablet in virtual time and prints what happens. Without a script it plays "
+    "a\n"
+    "demonstration; then, on a terminal, it takes commands.\n"
+    "  --script FILE   plays the commands in FILE instead and ends; exit code 1 when one of them fails\n"
+    "  --trace FILE    writes everything that the tool does as one JSON object a line\n";
+
+struct Options {
+  std::string script;
+  std::string trace;
+};
+
+bool ParseOptions(int count, char** arguments, Options& options) {
+  for (int i = 1; i < count; i += 2) {
+    const std::string name = arguments[i];
+    std::string* value = name == "--script" ? &options.script : name == "--trace" ? &options.trace : nullptr;
+    if (!value || i + 1 == count) return false;
+    *value = arguments[i + 1];
+  }
+  return true;
+}
+
+int Fail(const std::string& what) {
+  std::cout.flush();
+  std::cerr << "tablet: " << what << "\n";
+  return 1;
+}
+
+void Prompt(simulator::Console& console) {
+  std::cout
+      << "\nThe tablet is yours. Time stands still until you say \"wait 1s\"; \"help\" lists the commands, "
+         "\"exit\" leaves.\n";
+  std::string line;
+  while (!console.HasEnded() && std::cout << "> " << std::flush && std::getline(std::cin, line))
+    if (const simulator::Problem problem = console.RunLine(line)) std::cout << "  " << *problem << "\n";
+}
+
+int Run(const Options& options, std::istream& script, const std::string& scriptName, std::ostream& trace) {
+  simulator::Console console(std::cout);
+  const auto writeTrace = [&console, &trace] {
+    for (const pal::Effect& effect : console.Tablet().Machine().Effects())
+      trace << pal::ToJson(effect) << "\n";
+  };
+  if (const simulator::Problem problem = console.RunScript(script, scriptName)) {
+    writeTrace();
+    return Fail(*problem);
+  }
+  if (options.script.empty() && isatty(STDIN_FILENO)) Prompt(console);
+  writeTrace();
+  return 0;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  Options options;
+  if (!ParseOptions(count, arguments, options)) {
+    std::cerr << kUsage;
+    return 2;
+  }
+  std::ofstream trace;
+  if (!options.trace.empty()) {
+    trace.open(options.trace);
+    if (!trace) return Fail("cannot write " + options.trace);
+  }
+  if (options.script.empty()) {
+    std::istringstream demonstration(simulator::kDemonstration);
+    return Run(options, demonstration, "demonstration", trace);
+  }
+  std::ifstream script(options.script);
+  if (!script) return Fail("cannot read " + options.script);
+  return Run(options, script, options.script, trace);
+}

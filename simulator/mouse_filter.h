@@ -1,0 +1,6 @@
+// The mouse filter's library, portmon.dll: one export, which a 32-bit build exports as "_MouseFilter@4".
+#pragma once
+
+#include <windows.h>
+
+extern "C" void WINAPI MouseFilter(DWORD mode);

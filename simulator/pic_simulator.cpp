@@ -1,0 +1,328 @@
+// The controller in wall time: on a pseudo terminal that it makes, for a tool that runs beside it, or on a
+// serial device that leads to a tool on another machine.
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "simulator/controller.h"
+#include "simulator/controller_commands.h"
+#include "simulator/words.h"
+
+namespace {
+
+using simulator::Controller;
+using simulator::Duration;
+using simulator::Traffic;
+
+constexpr char kUsage[] =
+    "pic_simulator [--link PATH] [--device PATH] [--trace FILE] [--silent-start]\n"
+    "\n"
+    "Plays the tablet's controller on a pseudo terminal, whose path it prints, until \"quit\" or a signal.\n"
+    "  --link PATH      makes PATH a symbolic link to the pseudo terminal and removes it at the end\n"
+    "  --device PATH    plays on this serial device instead, at 57600 baud\n"
+    "  --trace FILE     writes every frame as one JSON object a line\n"
+    "  --silent-start   says nothing before it is asked; otherwise it reports its start and its firmware "
+    "version\n"
+    "Commands on standard input, one a line; \"help\" lists them.\n";
+
+struct Options {
+  std::string link;
+  std::string device;
+  std::string trace;
+  bool silentStart = false;
+};
+
+class FileDescriptor {
+ public:
+  FileDescriptor() = default;
+  explicit FileDescriptor(int fd) : fd_(fd) {}
+  FileDescriptor(FileDescriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+    std::swap(fd_, other.fd_);
+    return *this;
+  }
+  ~FileDescriptor() {
+    if (fd_ >= 0) close(fd_);
+  }
+  [[nodiscard]] int Get() const { return fd_; }
+
+ private:
+  int fd_ = -1;
+};
+
+// A symbolic link that lives as long as this object. Takes the place of an older link, never of a file.
+class Link {
+ public:
+  Link() = default;
+  ~Link() {
+    std::error_code ignored;
+    if (!path_.empty()) std::filesystem::remove(path_, ignored);
+  }
+  Link(const Link&) = delete;
+  Link& operator=(const Link&) = delete;
+  bool Make(const std::string& target, const std::string& path) {
+    std::error_code error;
+    if (std::filesystem::is_symlink(path, error)) std::filesystem::remove(path, error);
+    std::filesystem::create_symlink(target, path, error);
+    if (error) return false;
+    path_ = path;
+    return true;
+  }
+
+ private:
+  std::string path_;
+};
+
+// The tool's end of the line and ours.
+struct Line {
+  FileDescriptor ours;
+  FileDescriptor theirs;  // kept open, so that the line stays up while no tool has it open
+  std::string path;
+};
+
+void MakeRaw(int fd) {
+  termios settings{};
+  if (tcgetattr(fd, &settings) != 0) return;
+  cfmakeraw(&settings);
+  cfsetspeed(&settings, B57600);
+  settings.c_cflag |= CLOCAL | CREAD;
+  tcsetattr(fd, TCSANOW, &settings);
+}
+
+std::optional<Line> MakeTerminal() {
+  int ours = -1;
+  int theirs = -1;
+  char path[128];
+  if (openpty(&ours, &theirs, path, nullptr, nullptr) != 0) return std::nullopt;
+  Line line{FileDescriptor(ours), FileDescriptor(theirs), path};
+  MakeRaw(theirs);
+  fcntl(ours, F_SETFL, O_NONBLOCK);
+  return line;
+}
+
+std::optional<Line> OpenDevice(const std::string& path) {
+  FileDescriptor device(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK));
+  if (device.Get() < 0) return std::nullopt;
+  MakeRaw(device.Get());
+  return Line{std::move(device), {}, path};
+}
+
+class Clock {
+ public:
+  [[nodiscard]] Duration Now() const {
+    return std::chrono::duration_cast<Duration>(std::chrono::steady_clock::now() - start_);
+  }
+  void After(Duration delay, std::function<void()> action) { due_.emplace(Now() + delay, std::move(action)); }
+  void RunDue() {
+    while (!due_.empty() && due_.begin()->first <= Now()) {
+      const auto node = due_.extract(due_.begin());
+      node.mapped()();
+    }
+  }
+  // Time until the next action; nothing when there is none.
+  [[nodiscard]] std::optional<Duration> UntilNext() const {
+    if (due_.empty()) return std::nullopt;
+    return std::max(Duration(0), due_.begin()->first - Now());
+  }
+
+ private:
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+  std::multimap<Duration, std::function<void()>> due_;
+};
+
+volatile sig_atomic_t stopRequested = 0;
+void OnStopSignal(int) {
+  stopRequested = 1;
+}
+
+std::string JsonText(std::string_view text) {
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;  // descriptions hold printable ASCII only
+  }
+  return quoted + '"';
+}
+
+void PrintTraffic(const Traffic& traffic, std::ostream& trace) {
+  const bool fromTool = traffic.direction == Traffic::Direction::kFromTool;
+  std::printf("%9s  %-13s  %s\n", simulator::FormatSeconds(traffic.at).c_str(),
+              fromTool ? "tool ->" : "controller ->", Describe(traffic).c_str());
+  std::fflush(stdout);
+  trace << "{\"t_us\":" << traffic.at.count() << ",\"from\":" << (fromTool ? "\"tool\"" : "\"controller\"")
+        << ",\"bytes\":" << JsonText(simulator::DescribeBytes(traffic.wire))
+        << ",\"text\":" << JsonText(Describe(traffic)) << "}" << std::endl;
+}
+
+class Session {
+ public:
+  Session(Line line, std::ostream& trace) : line_(std::move(line)) {
+    controller_.OnTraffic([&trace](const Traffic& traffic) { PrintTraffic(traffic, trace); });
+  }
+
+  Controller& Pic() { return controller_; }
+
+  // Returns 0 after "quit" or a signal, 1 when the line broke.
+  int Run() {
+    sigset_t blocked;
+    sigset_t unblocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGINT);
+    sigaddset(&blocked, SIGTERM);
+    sigprocmask(SIG_BLOCK, &blocked, &unblocked);  // they arrive in ppoll only
+    struct sigaction action = {};
+    action.sa_handler = OnStopSignal;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+    while (!stopRequested && !quit_) {
+      clock_.RunDue();
+      pollfd sources[] = {{line_.ours.Get(), POLLIN, 0}, {inputOpen_ ? STDIN_FILENO : -1, POLLIN, 0}};
+      timespec timeout{};
+      const std::optional<Duration> wait = clock_.UntilNext();
+      if (wait) timeout = {wait->count() / 1'000'000, wait->count() % 1'000'000 * 1000};
+      if (ppoll(sources, std::size(sources), wait ? &timeout : nullptr, &unblocked) < 0) continue;
+      if (sources[1].revents) ReadCommands();
+      if (sources[0].revents && !ReadLine()) return 1;
+    }
+    return 0;
+  }
+
+ private:
+  bool ReadLine() {
+    uint8_t bytes[4096];
+    const ssize_t count = read(line_.ours.Get(), bytes, sizeof bytes);
+    if (count > 0) controller_.Receive({bytes, static_cast<size_t>(count)});
+    if (count > 0 || (count < 0 && (errno == EAGAIN || errno == EINTR))) return true;
+    std::fprintf(stderr, "pic_simulator: the line broke\n");
+    return false;
+  }
+
+  void ReadCommands() {
+    char text[4096];
+    const ssize_t count = read(STDIN_FILENO, text, sizeof text);
+    if (count <= 0) {
+      inputOpen_ = false;  // the controller lives on without commands
+      return;
+    }
+    input_.append(text, static_cast<size_t>(count));
+    size_t end = 0;
+    while ((end = input_.find('\n')) != input_.npos && !quit_) {
+      RunCommand(input_.substr(0, end));
+      input_.erase(0, end + 1);
+    }
+  }
+
+  void RunCommand(const std::string& text) {
+    std::vector<std::string> words;
+    if (!simulator::SplitWords(text, words)) return Complain(text, "a quote is not closed");
+    if (words.empty()) return;
+    if (words[0] == "help") return PrintCommands();
+    if (words[0] == "quit") {
+      quit_ = true;
+      return;
+    }
+    const simulator::ControllerCommand* command = simulator::FindControllerCommand(words[0]);
+    if (!command) return Complain(text, "unknown command; \"help\" lists them");
+    if (const simulator::Problem problem = command->run(controller_, words)) Complain(text, *problem);
+  }
+
+  static void Complain(const std::string& text, const std::string& problem) {
+    std::fprintf(stderr, "pic_simulator: \"%s\": %s\n", text.c_str(), problem.c_str());
+  }
+
+  static void PrintCommands() {
+    for (const simulator::ControllerCommand& command : simulator::ControllerCommands())
+      std::printf("  %-12s %-24s %s\n", std::string(command.name).c_str(),
+                  std::string(command.arguments).c_str(), std::string(command.help).c_str());
+    std::printf("  %-12s %-24s %s\n", "quit", "", "end");
+    std::fflush(stdout);
+  }
+
+  void Send(std::span<const uint8_t> bytes) {
+    while (!bytes.empty()) {
+      const ssize_t count = write(line_.ours.Get(), bytes.data(), bytes.size());
+      if (count > 0) {
+        bytes = bytes.subspan(static_cast<size_t>(count));
+        continue;
+      }
+      if (errno == EINTR) continue;
+      // As on a real line: what nobody takes is gone.
+      std::fprintf(stderr, "pic_simulator: nobody reads the line, %zu bytes lost\n", bytes.size());
+      return;
+    }
+  }
+
+  Line line_;
+  Clock clock_;
+  Controller controller_{{
+      [this](std::span<const uint8_t> bytes) { Send(bytes); },
+      [this](Duration delay, std::function<void()> action) { clock_.After(delay, std::move(action)); },
+      [this] { return clock_.Now(); },
+  }};
+  std::string input_;
+  bool inputOpen_ = true;
+  bool quit_ = false;
+};
+
+std::optional<Options> ParseOptions(int count, char** arguments) {
+  Options options;
+  for (int i = 1; i < count; ++i) {
+    const std::string name = arguments[i];
+    if (name == "--silent-start") {
+      options.silentStart = true;
+      continue;
+    }
+    std::string* value = name == "--link"     ? &options.link
+                         : name == "--device" ? &options.device
+                         : name == "--trace"  ? &options.trace
+                                              : nullptr;
+    if (!value || i + 1 == count) return std::nullopt;
+    *value = arguments[++i];
+  }
+  return options;
+}
+
+int Fail(const std::string& what) {
+  std::fprintf(stderr, "pic_simulator: %s: %s\n", what.c_str(), std::strerror(errno));
+  return 1;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const std::optional<Options> options = ParseOptions(count, arguments);
+  if (!options) {
+    std::fputs(kUsage, stderr);
+    return 2;
+  }
+  std::optional<Line> line = options->device.empty() ? MakeTerminal() : OpenDevice(options->device);
+  if (!line) return Fail(options->device.empty() ? "no pseudo terminal" : options->device);
+  Link link;
+  if (!options->link.empty() && !link.Make(line->path, options->link)) return Fail(options->link);
+  std::ofstream trace;
+  if (!options->trace.empty()) {
+    trace.open(options->trace);
+    if (!trace) return Fail(options->trace);
+  }
+  std::printf("%s\n", line->path.c_str());
+  std::fflush(stdout);
+  Session session(std::move(*line), trace);
+  if (!options->silentStart) session.Pic().PowerUp();
+  return session.Run();
+}

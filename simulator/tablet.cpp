@@ -1,0 +1,97 @@
+#include "simulator/tablet.h"
+
+#include <dbt.h>
+
+#include <cstddef>
+#include <cstring>
+
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE previous, PWSTR commandLine, int show);
+
+namespace simulator {
+namespace {
+
+constexpr pal::Time kPatience = std::chrono::seconds(30);
+
+}  // namespace
+
+SimulatedTablet::SimulatedTablet(pal::Clock clock)
+    : controller_({
+          [this](std::span<const uint8_t> bytes) { port_.Deliver(bytes); },
+          [this](Duration delay, std::function<void()> action) { machine_.After(delay, std::move(action)); },
+          [this] { return machine_.Now(); },
+      }),
+      machine_(clock),
+      port_(machine_.AddSerialPort(kControllerPort)),
+      desk_(machine_) {
+  port_.OnWrite([this](std::span<const uint8_t> bytes) { controller_.Receive(bytes); });
+  machine_.LoadResources(VELTRA_RESOURCE_SCRIPT);
+}
+
+void SimulatedTablet::Start(std::u16string_view arguments) {
+  const std::u16string program = u"\"" + std::u16string(pal::Machine::kProgramFile) + u"\"";
+  machine_.StartProgram(wWinMain, arguments.empty() ? program : program + u" " + std::u16string(arguments));
+}
+
+bool SimulatedTablet::StartAndSettle(std::u16string_view arguments) {
+  Start(arguments);
+  constexpr pal::Time kQuiet = std::chrono::milliseconds(200);
+  const size_t earlier = controller_.Requests().size();
+  const auto asked = [this, earlier] { return controller_.Requests().size() > earlier; };
+  if (!machine_.AdvanceUntil(asked, kPatience)) return false;
+  const pal::Time end = machine_.Now() + kPatience;
+  while (machine_.Now() < end) {
+    const size_t before = controller_.Requests().size();
+    machine_.Advance(kQuiet);
+    if (controller_.Requests().size() == before) return true;
+  }
+  return false;
+}
+
+bool SimulatedTablet::Quit() {
+  constexpr WPARAM kExitCommand = 128;
+  if (!machine_.Post(MainWindow(), WM_COMMAND, kExitCommand, 0)) return false;
+  const auto asks = [this] { return !machine_.OpenMessageBoxes().empty(); };
+  if (!machine_.AdvanceUntil(asks, kPatience)) return false;
+  machine_.AnswerMessageBox(IDYES);
+  return machine_.AdvanceUntil([this] { return machine_.ExitCode().has_value(); }, kPatience);
+}
+
+std::optional<LRESULT> SimulatedTablet::Ask(UINT message, WPARAM wParam, LPARAM lParam) {
+  const HWND window = MainWindow();
+  if (!window) return std::nullopt;
+  return machine_.Send(window, message, wParam, lParam, kPatience);
+}
+
+std::optional<LRESULT> SimulatedTablet::SendData(HWND sender, uint64_t tag,
+                                                 std::span<const uint8_t> payload) {
+  const HWND window = MainWindow();
+  if (!window) return std::nullopt;
+  return machine_.SendCopyData(window, sender, tag, payload, kPatience);
+}
+
+void SimulatedTablet::VanishPort() {
+  port_.Vanish();
+}
+void SimulatedTablet::ReturnPort() {
+  port_.Return();
+}
+
+std::optional<LRESULT> SimulatedTablet::NotifyPort(bool arrived, std::u16string_view name) {
+  // The record ends in the port's name, of any length.
+  constexpr size_t kNameOffset = offsetof(DEV_BROADCAST_PORT_W, dbcp_name);
+  const size_t size = kNameOffset + (name.size() + 1) * sizeof(WCHAR);
+  std::vector<DEV_BROADCAST_PORT_W> record(size / sizeof(DEV_BROADCAST_PORT_W) + 1);
+  record[0].dbcp_size = static_cast<DWORD>(size);
+  record[0].dbcp_devicetype = DBT_DEVTYP_PORT;
+  std::memcpy(reinterpret_cast<uint8_t*>(record.data()) + kNameOffset, name.data(),
+              name.size() * sizeof(WCHAR));
+  return Ask(WM_DEVICECHANGE, arrived ? DBT_DEVICEARRIVAL : DBT_DEVICEREMOVECOMPLETE,
+             reinterpret_cast<LPARAM>(record.data()));
+}
+
+std::vector<pal::Effect> SimulatedTablet::Since(size_t mark) const {
+  const std::vector<pal::Effect>& effects = machine_.Effects();
+  return {effects.begin() + static_cast<std::ptrdiff_t>(mark), effects.end()};
+}
+
+}  // namespace simulator

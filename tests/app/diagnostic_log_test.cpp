@@ -1,0 +1,106 @@
+#include "app/diagnostic_log.h"
+
+#include "tests/tool_test.h"
+
+namespace veltra {
+namespace {
+
+constexpr std::u16string_view kFolder = u"C:\\Users\\Public\\Documents\\";
+const std::u16string kLog = std::u16string(kFolder) + u"DevLog.txt";
+const std::u16string kPrevious = std::u16string(kFolder) + u"DevLog_pt2.txt";
+const std::u16string kMarker = std::u16string(kFolder) + u"logon.txt";
+
+class Log : public ::testing::Test {
+ protected:
+  Log() {
+    SYSTEMTIME start = {};
+    start.wYear = 2024;
+    start.wMonth = 11;
+    start.wDay = 19;
+    start.wHour = 14;
+    start.wMinute = 5;
+    start.wSecond = 9;
+    start.wMilliseconds = 347;
+    machine.SetLocalTime(start);
+  }
+  // The log works inside a program, as in the tool.
+  void Do(const std::function<void(DiagnosticLog&)>& work) {
+    machine.StartProgram([&] {
+      DiagnosticLog log{WideText(kFolder)};
+      work(log);
+      return 0;
+    });
+    ASSERT_TRUE(machine.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, 1s));
+  }
+  std::string Content() { return machine.ReadFile(kLog).value_or("none"); }
+
+  pal::Machine machine;
+};
+
+TEST_F(Log, Lines) {
+  machine.WriteFile(kMarker, "");
+  Do([](DiagnosticLog& log) {
+    log.WriteDetail(u"Resume", u"Device resuming");
+    log.WriteError(u"Err device change", u"Pic port dropped");
+    log.Write(u"eighteen character", u"a");
+    log.Write(u"nineteen characters", u"b");
+    log.Write(u"more than nineteen characters", u"c");
+    log.Write(u"", u"\u20AC \u0139");
+  });
+  EXPECT_EQ(Content(),
+            "k19 140509 3 Resume . . . . . .  ***    Device resuming\r\n"
+            "k19 140509 3 Err device change.  >_<    Pic port dropped\r\n"
+            "k19 140509 3 eighteen character  a\r\n"
+            "k19 140509 3 nineteen characters b\r\n"
+            "k19 140509 3 more than nineteen characters c\r\n"
+            "k19 140509 3  . . . . . . . . .  \xAC \x39\r\n");
+}
+
+TEST_F(Log, AnErrorTagFillsItsField) {
+  Do([](DiagnosticLog& log) { log.WriteError(u"Err", u"m"); });
+  EXPECT_EQ(Content(), "k19 140509 3 Err. . . . . . . .  >_<    m\r\n");
+}
+
+TEST_F(Log, DetailLinesFollowTheMarkerFile) {
+  Do([&](DiagnosticLog& log) {
+    log.WriteDetail(u"a", u"before");
+    machine.WriteFile(kMarker, "anything");
+    log.WriteDetail(u"a", u"while");
+    machine.SetReadOnly(kMarker, true);
+    log.WriteDetail(u"a", u"read-only");
+    machine.SetReadOnly(kMarker, false);
+    machine.RemoveFile(kMarker);
+    log.WriteDetail(u"a", u"after");
+  });
+  EXPECT_EQ(Content(), "k19 140509 3 a. . . . . . . . .  ***    while\r\n");
+}
+
+TEST_F(Log, GrowsToItsLimitAndStartsAnew) {
+  const std::string full(153600, 'x');
+  machine.WriteFile(kLog, full);
+  machine.WriteFile(kPrevious, "older");
+  Do([](DiagnosticLog& log) { log.Write(u"t", u"still fits"); });
+  EXPECT_EQ(machine.ReadFile(kPrevious), "older");
+  Do([](DiagnosticLog& log) { log.Write(u"t", u"anew"); });
+  EXPECT_EQ(Content(), "k19 140509 3 t. . . . . . . . .  anew\r\n");
+  EXPECT_TRUE(machine.ReadFile(kPrevious)->starts_with(full + "k19"));
+}
+
+TEST_F(Log, NothingIsCutWhenTheOlderGenerationCannotBeWritten) {
+  const std::string full(153601, 'x');
+  machine.WriteFile(kLog, full);
+  machine.Fail("CopyFileW", 1, ERROR_DISK_FULL);
+  Do([](DiagnosticLog& log) { log.Write(u"t", u"lost"); });
+  EXPECT_EQ(Content(), full);
+}
+
+TEST_F(Log, ALogInOtherHandsLosesLinesAndNothingElse) {
+  machine.WriteFile(kLog, "mine");
+  machine.HoldForWriting(kLog, true);
+  Do([](DiagnosticLog& log) { log.Write(u"t", u"lost"); });
+  machine.HoldForWriting(kLog, false);
+  EXPECT_EQ(Content(), "mine");
+}
+
+}  // namespace
+}  // namespace veltra

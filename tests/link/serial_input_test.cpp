@@ -1,0 +1,266 @@
+#include "link/serial_input.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "pal/machine.h"
+
+namespace veltra {
+namespace {
+
+using namespace std::chrono_literals;
+using VeltraFramework::CSerialInput;
+
+// Collects what the monitor thread posts.
+struct Collector {
+  std::vector<uint8_t> bytes;
+  int linesLost = 0;
+};
+
+LRESULT CALLBACK CollectorProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* collector = reinterpret_cast<Collector*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (collector && message == WM_PIC_BYTE) collector->bytes.push_back(static_cast<uint8_t>(wParam));
+  if (collector && message == WM_PIC_LINE_LOST) ++collector->linesLost;
+  return DefWindowProcW(window, message, wParam, lParam);
+}
+
+HWND CreateCollectorWindow(Collector& collector) {
+  WNDCLASSEXW windowClass = {};
+  windowClass.cbSize = sizeof(windowClass);
+  windowClass.lpfnWndProc = CollectorProc;
+  windowClass.lpszClassName = u"Collector";
+  RegisterClassExW(&windowClass);
+  const HWND window = CreateWindowExW(0, u"Collector", u"", WS_OVERLAPPEDWINDOW, 0, 0, 0, 0, nullptr, nullptr,
+                                      nullptr, nullptr);
+  SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&collector));
+  return window;
+}
+
+// Handles messages until the condition holds or 10 s have passed.
+void PumpUntil(const std::function<bool()>& condition) {
+  constexpr UINT kLookMs = 10;
+  const UINT_PTR look = SetTimer(nullptr, 0, kLookMs, nullptr);
+  MSG message = {};
+  for (int n = 0; n < 1000 && !condition();) {
+    if (GetMessageW(&message, nullptr, 0, 0) <= 0) break;
+    if (message.message == WM_TIMER) ++n;
+    DispatchMessageW(&message);
+  }
+  KillTimer(nullptr, look);
+}
+
+class Serial : public ::testing::Test {
+ protected:
+  // Runs `body` as the program until it returns.
+  void Run(std::function<void()> body, pal::Time limit = 60s) {
+    machine.StartProgram([body = std::move(body)] {
+      body();
+      return 0;
+    });
+    ASSERT_TRUE(machine.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, limit));
+  }
+  void ExpectNothingLeft() {
+    for (const char* kind : {"serial", "event", "thread"}) EXPECT_EQ(machine.CountOpen(kind), 0) << kind;
+  }
+
+  pal::Machine machine;
+  pal::SerialPort& port = machine.AddSerialPort(2);
+};
+
+TEST_F(Serial, OpensWithItsSettingsAndKeepsTheDriversOthers) {
+  DCB driver = {};
+  driver.DCBlength = sizeof(driver);
+  driver.BaudRate = 1200;
+  driver.fOutxCtsFlow = TRUE;
+  driver.fRtsControl = RTS_CONTROL_HANDSHAKE;
+  driver.fDtrControl = DTR_CONTROL_ENABLE;
+  driver.fNull = TRUE;
+  driver.ByteSize = 7;
+  driver.Parity = 2;    // even
+  driver.StopBits = 2;  // two
+  port.SetDriverDefaults(driver);
+  DCB dcb = {};
+  COMMTIMEOUTS timeouts = {};
+  Run([&] {
+    const CSerialInput serial(2, u"name");
+    EXPECT_TRUE(serial.IsOpen());
+    EXPECT_FALSE(serial.IsMonitoring());
+    EXPECT_EQ(serial.GetPort(), 2);
+    EXPECT_EQ(serial.GetName(), u"name");
+    EXPECT_EQ(serial.GetBaudRate(), 57600U);
+    dcb = port.Settings();
+    timeouts = port.Timeouts();
+  });
+  EXPECT_EQ(dcb.BaudRate, 57600U);
+  EXPECT_EQ(dcb.ByteSize, 8);
+  EXPECT_EQ(dcb.Parity, NOPARITY);
+  EXPECT_EQ(dcb.StopBits, ONESTOPBIT);
+  EXPECT_FALSE(dcb.fOutxCtsFlow);
+  EXPECT_EQ(static_cast<int>(dcb.fRtsControl), RTS_CONTROL_ENABLE);
+  EXPECT_EQ(static_cast<int>(dcb.fDtrControl), DTR_CONTROL_ENABLE);
+  EXPECT_TRUE(dcb.fNull);
+  EXPECT_EQ(timeouts.ReadIntervalTimeout, MAXDWORD);
+  EXPECT_EQ(timeouts.ReadTotalTimeoutMultiplier + timeouts.ReadTotalTimeoutConstant, 0U);
+  EXPECT_EQ(timeouts.WriteTotalTimeoutMultiplier, 10U);
+  EXPECT_EQ(timeouts.WriteTotalTimeoutConstant, 1000U);
+  ExpectNothingLeft();
+}
+
+TEST_F(Serial, AnOpeningThatFailsHalfWayLeavesNothing) {
+  for (const char* function :
+       {"CreateFileW", "SetCommTimeouts", "GetCommState", "SetCommState", "CreateEventW"}) {
+    machine.Fail(function, 1, ERROR_GEN_FAILURE);
+    Run([&] { EXPECT_FALSE(CSerialInput(2, u"").IsOpen()) << function; });
+    ExpectNothingLeft();
+  }
+  Run([] { EXPECT_FALSE(CSerialInput(3, u"").IsOpen()); });  // no such port
+}
+
+TEST_F(Serial, AMonitorThatCannotStartClosesThePort) {
+  Run([&] {
+    for (const char* function : {"CreateThread", "CreateEventW"}) {
+      CSerialInput serial(2, u"");
+      machine.Fail(function, 1, ERROR_NOT_ENOUGH_MEMORY);
+      EXPECT_FALSE(serial.StartMon(nullptr, nullptr)) << function;
+      EXPECT_FALSE(serial.IsOpen());
+      EXPECT_FALSE(serial.StartMon(nullptr, nullptr));
+      serial.StopMon();
+    }
+  });
+  ExpectNothingLeft();
+}
+
+TEST_F(Serial, AMonitorThatMayNotListenNeverHangsItsStop) {
+  machine.Fail("SetCommMask", 1, ERROR_GEN_FAILURE);
+  Run([] {
+    CSerialInput serial(2, u"");
+    EXPECT_TRUE(serial.StartMon(nullptr, nullptr));
+    serial.StopMon();
+  });
+  ExpectNothingLeft();
+}
+
+TEST_F(Serial, AMegabyteArrivesByteForByteThroughAQueueOfTenThousand) {
+  std::vector<uint8_t> sent(1 << 20);
+  std::mt19937 random(2);
+  for (uint8_t& byte : sent) byte = static_cast<uint8_t>(random());
+  Collector collector;
+  machine.At(1s, [&] { port.Deliver(sent); });
+  size_t queued = 0;
+  machine.At(4s, [&] { queued = machine.QueuedMessages(); });
+  Run([&] {
+    CSerialInput serial(2, u"");
+    serial.StartMon(CreateCollectorWindow(collector), nullptr);
+    Sleep(5000);  // as the tool does at start and in its alarms
+    PumpUntil([&] { return collector.bytes.size() >= sent.size(); });
+    serial.StopMon();
+    serial.Close();
+  });
+  EXPECT_EQ(queued, 10000U);
+  EXPECT_TRUE(collector.bytes == sent);
+  EXPECT_EQ(collector.linesLost, 0);
+  ExpectNothingLeft();
+}
+
+TEST_F(Serial, StoppingDoesNotWaitForRoomInTheQueue) {
+  Collector collector;
+  machine.At(1s, [&] { port.Deliver(std::vector<uint8_t>(20000, 'x')); });
+  pal::Time took{};
+  Run([&] {
+    CSerialInput serial(2, u"");
+    serial.StartMon(CreateCollectorWindow(collector), nullptr);
+    Sleep(2000);
+    const pal::Time before = machine.Now();
+    serial.StopMon();
+    took = machine.Now() - before;
+    EXPECT_FALSE(serial.IsMonitoring());
+    serial.StopMon();  // once more does no harm
+  });
+  EXPECT_LE(took, 100ms);
+}
+
+TEST_F(Serial, WithoutAWindowTheCallbackGetsTheBytes) {
+  static std::vector<uint8_t> received;
+  received.clear();
+  machine.At(1s, [&] { port.Deliver(std::vector<uint8_t>(1500, 'y')); });
+  Run([] {
+    CSerialInput serial(2, u"");
+    serial.StartMon(nullptr, [](int32_t portNumber, const uint8_t* bytes, uint32_t count) {
+      EXPECT_EQ(portNumber, 2);
+      EXPECT_LE(count, 512U);
+      received.insert(received.end(), bytes, bytes + count);
+    });
+    Sleep(2000);
+    serial.StopMon();
+  });
+  EXPECT_EQ(received.size(), 1500U);
+}
+
+TEST_F(Serial, WritesArriveInOrderAndStringsInTheAnsiCodePage) {
+  std::string written;
+  port.OnWrite([&](std::span<const uint8_t> bytes) { written.append(bytes.begin(), bytes.end()); });
+  Run([] {
+    CSerialInput serial(2, u"");
+    const uint8_t first[] = {'a', 0, 'b'};
+    EXPECT_TRUE(serial.Write(first, 3));
+    EXPECT_TRUE(serial.WriteString(u"\u20AC\u00E9"));
+    EXPECT_FALSE(serial.WriteString(u""));
+    serial.Close();
+    EXPECT_FALSE(serial.Write(first, 3));
+  });
+  machine.Advance(1ms);
+  EXPECT_EQ(written, std::string("a\0b\x80\xE9", 5));
+}
+
+TEST_F(Serial, AThousandLostPortsLeaveNothingBehind) {
+  Collector collector;
+  Run(
+      [&] {
+        const HWND window = CreateCollectorWindow(collector);
+        for (int n = 0; n < 1000; ++n) {
+          CSerialInput serial(2, u"");
+          ASSERT_TRUE(serial.IsOpen());
+          ASSERT_TRUE(serial.StartMon(window, nullptr));
+          const bool vanishes = n % 2 == 0;
+          if (vanishes) machine.After(1ms, [&] { port.Vanish(); });
+          machine.After(2ms, [&] { port.Return(); });
+          const int lost = collector.linesLost;
+          if (vanishes) PumpUntil([&] { return collector.linesLost > lost; });
+          if (vanishes && n % 4 == 0) {
+            EXPECT_FALSE(serial.IsMonitoring());
+          }
+          Sleep(5);
+          serial.StopMon();
+          serial.Close();
+        }
+      },
+      600s);
+  EXPECT_EQ(collector.linesLost, 500);
+  ExpectNothingLeft();
+}
+
+TEST_F(Serial, ReadErrorsAreShown) {
+  machine.At(1s, [&] {
+    constexpr DWORD kIoDeviceError = 1117;
+    constexpr DWORD kOverrun = 2;
+    port.FailNextRead(kIoDeviceError, kOverrun);
+    port.Deliver(std::vector<uint8_t>(3, 'z'));
+  });
+  std::vector<std::u16string> boxes;
+  machine.AnswerMessageBoxesWith(IDOK);
+  machine.OnEffect([&](const pal::Effect& effect) {
+    if (const auto* box = std::get_if<pal::BoxShown>(&effect.detail)) boxes.push_back(box->text);
+  });
+  Collector collector;
+  Run([&] {
+    CSerialInput serial(2, u"");
+    serial.StartMon(CreateCollectorWindow(collector), nullptr);
+    Sleep(2000);
+    serial.StopMon();
+  });
+  EXPECT_EQ(boxes, (std::vector<std::u16string>{u"<CE1-1117>", u"<CE2-2>"}));
+}
+
+}  // namespace
+}  // namespace veltra

@@ -1,0 +1,217 @@
+// Posted and sent messages.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "test_window.h"
+
+namespace {
+
+using contract::RunMessagesUntil;
+using contract::TakeAll;
+using contract::TestThread;
+using contract::TestWindow;
+
+constexpr UINT kFirst = WM_APP + 1;
+constexpr UINT kSecond = WM_APP + 2;
+const HWND kNoWindow = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1));
+
+std::vector<UINT> NumbersOf(const std::vector<MSG>& messages) {
+  std::vector<UINT> numbers;
+  for (const MSG& message : messages)
+    if (message.message >= WM_APP || message.message == WM_QUIT) numbers.push_back(message.message);
+  return numbers;
+}
+
+// Windows itself posts and sends more than the tests do.
+class Messages : public testing::Test {
+ protected:
+  void SetUp() override { TakeAll(); }
+
+  TestWindow::Answer Handle(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message < WM_APP && message != WM_COPYDATA) return TestWindow::kDefault;
+    handled.push_back(message);
+    return onMessage ? TestWindow::Answer(onMessage(message, wParam, lParam)) : TestWindow::Answer(0);
+  }
+
+  std::vector<UINT> handled;
+  std::function<LRESULT(UINT, WPARAM, LPARAM)> onMessage;
+  TestWindow window{
+      [this](HWND, UINT message, WPARAM wParam, LPARAM lParam) { return Handle(message, wParam, lParam); }};
+};
+
+TEST_F(Messages, PostedOnesComeInOrderAndQuitComesLast) {
+  PostQuitMessage(5);
+  for (WPARAM i = 0; i < 100; ++i)
+    ASSERT_TRUE(PostMessageW(window.Get(), kFirst, i, static_cast<LPARAM>(i * i)));
+  MSG message;
+  for (WPARAM i = 0; i < 100; ++i) {
+    ASSERT_GT(GetMessageW(&message, nullptr, 0, 0), 0);
+    EXPECT_EQ(message.hwnd, window.Get());
+    EXPECT_EQ(message.wParam, i);
+    EXPECT_EQ(message.lParam, static_cast<LPARAM>(i * i));
+  }
+  EXPECT_EQ(GetMessageW(&message, nullptr, 0, 0), 0);
+  EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
+  EXPECT_EQ(message.wParam, 5u);
+  EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));  // it came once
+}
+
+TEST_F(Messages, FiltersChooseByWindowAndNumber) {
+  TestWindow other([](HWND, UINT, WPARAM, LPARAM) { return TestWindow::kDefault; }, TEXT("ContractOther"));
+  TakeAll();
+  PostMessageW(window.Get(), kFirst, 0, 0);
+  PostMessageW(window.Get(), kSecond, 0, 0);
+  PostMessageW(other.Get(), kFirst, 0, 0);
+  PostMessageW(nullptr, kSecond, 0, 0);
+
+  MSG message;
+  ASSERT_TRUE(PeekMessageW(&message, nullptr, kSecond, kSecond, PM_NOREMOVE));
+  EXPECT_EQ(message.hwnd, window.Get());
+  EXPECT_EQ(NumbersOf(TakeAll(other.Get(), kFirst, kSecond)), std::vector<UINT>{kFirst});
+  EXPECT_EQ(NumbersOf(TakeAll(kNoWindow, kFirst, kSecond)), std::vector<UINT>{kSecond});
+  EXPECT_EQ(NumbersOf(TakeAll(nullptr, kFirst, kFirst)), std::vector<UINT>{kFirst});
+  EXPECT_EQ(NumbersOf(TakeAll()), std::vector<UINT>{kSecond});
+
+  // WM_QUIT passes every filter.
+  PostQuitMessage(1);
+  EXPECT_FALSE(GetMessageW(&message, window.Get(), kFirst, kFirst));
+  EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
+}
+
+TEST_F(Messages, DestroyedWindowsTakeNoneAndLoseTheirs) {
+  ASSERT_TRUE(PostMessageW(window.Get(), kFirst, 0, 0));
+  DestroyWindow(window.Get());
+  EXPECT_EQ(NumbersOf(TakeAll()), std::vector<UINT>{});
+  SetLastError(0);
+  EXPECT_FALSE(PostMessageW(window.Get(), kFirst, 0, 0));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_WINDOW_HANDLE));
+  SetLastError(0);
+  EXPECT_EQ(SendMessageW(window.Get(), kFirst, 0, 0), 0);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_WINDOW_HANDLE));
+  MSG message;
+  EXPECT_EQ(GetMessageW(&message, window.Get(), 0, 0), -1);
+  const MSG late = {window.Get(), kFirst, 0, 0, 0, {0, 0}};
+  EXPECT_EQ(DispatchMessageW(&late), 0);
+  EXPECT_TRUE(handled.empty());
+}
+
+TEST_F(Messages, TenThousandCanWaitForAThreadAndNoMore) {
+  if (contract::WineDeviates("has no limit")) GTEST_SKIP() << "Wine has no limit";
+  int posted = 0;
+  while (posted <= 10'000 && PostMessageW(window.Get(), kFirst, 0, 0)) ++posted;
+  const DWORD error = GetLastError();
+  const size_t waiting = NumbersOf(TakeAll()).size();
+  EXPECT_EQ(waiting, static_cast<size_t>(posted));
+  EXPECT_EQ(posted, 10'000);
+  EXPECT_EQ(error, static_cast<DWORD>(ERROR_NOT_ENOUGH_QUOTA));
+  EXPECT_TRUE(PostMessageW(window.Get(), kFirst, 0, 0));  // there is room again
+  TakeAll();
+}
+
+TEST_F(Messages, PointersCanBeSentButNotPosted) {
+  COPYDATASTRUCT data = {};
+  char payload[] = "GetSerial";
+  data.dwData = 12346;
+  data.cbData = 9;
+  data.lpData = payload;
+  std::string received;
+  onMessage = [&](UINT, WPARAM, LPARAM lParam) -> LRESULT {
+    const auto& copy = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+    received.assign(static_cast<const char*>(copy.lpData), copy.cbData);
+    return static_cast<LRESULT>(copy.dwData);
+  };
+  const auto lParam = reinterpret_cast<LPARAM>(&data);
+  EXPECT_EQ(SendMessageW(window.Get(), WM_COPYDATA, 0, lParam), 12346);
+  EXPECT_EQ(received, "GetSerial");
+  SetLastError(0);
+  EXPECT_FALSE(PostMessageW(window.Get(), WM_COPYDATA, 0, lParam));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MESSAGE_SYNC_ONLY));
+}
+
+TEST_F(Messages, SendingFromAnotherThreadWaitsForTheLoop) {
+  onMessage = [](UINT message, WPARAM wParam, LPARAM) {
+    return message == kFirst ? static_cast<LRESULT>(wParam + 1) : 0;
+  };
+  LRESULT answer = 0;
+  PostMessageW(window.Get(), kSecond, 0, 0);
+  const TestThread sender([&] {
+    answer = SendMessageW(window.Get(), kFirst, 41, 0);
+    PostMessageW(window.Get(), kSecond, 1, 0);
+  });
+  Sleep(50);  // the sender has long sent, and nothing is handled in a sleep
+  EXPECT_TRUE(handled.empty());
+  RunMessagesUntil([&] { return handled.size() == 3; });
+  sender.Join();
+  EXPECT_EQ(answer, 42);
+  EXPECT_EQ(handled, (std::vector<UINT>{kFirst, kSecond, kSecond}));  // what is sent overtakes what is posted
+}
+
+TEST_F(Messages, SendingHasALimitWhenAsked) {
+  DWORD error = 0;
+  LRESULT delivered = 1;
+  const TestThread sender([&] {
+    DWORD_PTR result = 0;
+    SetLastError(0);
+    delivered = SendMessageTimeoutW(window.Get(), kFirst, 0, 0, SMTO_NORMAL, 30, &result);
+    error = GetLastError();
+  });
+  sender.Join();  // a wait for a handle handles no messages
+  EXPECT_EQ(delivered, 0);
+  EXPECT_EQ(error, static_cast<DWORD>(ERROR_TIMEOUT));
+  TakeAll();
+}
+
+// Each of two threads sends to the other's window while it waits for the answer of the other.
+TEST_F(Messages, WhoWaitsForAnAnswerStillAnswers) {
+  const HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  HWND partnerWindow = nullptr;
+  const TestThread partner([&] {
+    const TestWindow farWindow(
+        [&](HWND, UINT message, WPARAM wParam, LPARAM) {
+          if (message != kFirst) return TestWindow::kDefault;
+          return TestWindow::Answer(SendMessageW(window.Get(), kSecond, wParam, 0) + 1);
+        },
+        TEXT("ContractFar"));
+    partnerWindow = farWindow.Get();
+    SetEvent(ready);
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+      if (message.message == kSecond) break;
+      DispatchMessageW(&message);
+    }
+  });
+  WaitForSingleObject(ready, INFINITE);
+  onMessage = [](UINT, WPARAM wParam, LPARAM) { return static_cast<LRESULT>(wParam * 10); };
+  EXPECT_EQ(SendMessageW(partnerWindow, kFirst, 4, 0), 41);
+  EXPECT_EQ(handled, std::vector<UINT>{kSecond});
+  PostMessageW(partnerWindow, kSecond, 0, 0);
+  partner.Join();
+  CloseHandle(ready);
+}
+
+TEST_F(Messages, NotificationsAreCalledOnTheirOwnThread) {
+  EXPECT_TRUE(SendNotifyMessageW(window.Get(), kFirst, 0, 0));
+  EXPECT_EQ(handled, std::vector<UINT>{kFirst});
+  bool sent = false;
+  const TestThread notifier([&] { sent = SendNotifyMessageW(window.Get(), kSecond, 0, 0) != FALSE; });
+  notifier.Join();  // does not wait for the window
+  EXPECT_TRUE(sent);
+  EXPECT_EQ(handled, std::vector<UINT>{kFirst});
+  TakeAll();
+  EXPECT_EQ(handled, (std::vector<UINT>{kFirst, kSecond}));
+}
+
+TEST_F(Messages, RegisteredNamesHaveOneNumberEach) {
+  const UINT number = RegisterWindowMessageW(TEXT("Contract_Message"));
+  EXPECT_GE(number, 0xC000u);
+  EXPECT_LE(number, 0xFFFFu);
+  EXPECT_EQ(RegisterWindowMessageW(TEXT("CONTRACT_MESSAGE")), number);
+  EXPECT_NE(RegisterWindowMessageW(TEXT("Contract_Other")), number);
+
+  EXPECT_TRUE(SendNotifyMessageW(HWND_BROADCAST, number, 0, 0));
+  EXPECT_EQ(handled, std::vector<UINT>{number});  // the sender's own windows hear it, too
+  EXPECT_TRUE(PostMessageW(HWND_BROADCAST, number, 0, 0));
+  EXPECT_EQ(NumbersOf(TakeAll(window.Get())), std::vector<UINT>{number});
+}
+
+}  // namespace

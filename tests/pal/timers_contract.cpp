@@ -1,0 +1,135 @@
+// Timers of windows and threads.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "test_window.h"
+
+namespace {
+
+using contract::TakeAll;
+using contract::TestWindow;
+
+// How much earlier than its time a timer may seem to come, in ms: clocks tick.
+constexpr uint64_t kTick = 16;
+
+size_t CountTimers(const std::vector<MSG>& messages, UINT_PTR id) {
+  size_t count = 0;
+  for (const MSG& message : messages) count += message.message == WM_TIMER && message.wParam == id ? 1 : 0;
+  return count;
+}
+
+class Timers : public testing::Test {
+ protected:
+  void SetUp() override { TakeAll(); }
+
+  TestWindow window{[](HWND, UINT, WPARAM, LPARAM) { return TestWindow::kDefault; }};
+};
+
+TEST_F(Timers, ComeAgainAndAgain) {
+  const uint64_t start = GetTickCount64();
+  ASSERT_EQ(SetTimer(window.Get(), 5, 60, nullptr), 5u);
+  MSG message;
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_GT(GetMessageW(&message, window.Get(), WM_TIMER, WM_TIMER), 0);
+    EXPECT_EQ(message.wParam, 5u);
+  }
+  EXPECT_GE(GetTickCount64() - start + kTick, 180u);
+  EXPECT_TRUE(KillTimer(window.Get(), 5));
+  EXPECT_FALSE(KillTimer(window.Get(), 5));
+}
+
+TEST_F(Timers, WaitBehindPostedMessagesAndOnlyOnce) {
+  SetTimer(window.Get(), 5, 20, nullptr);
+  Sleep(130);  // several periods
+  PostMessageW(window.Get(), WM_APP, 0, 0);
+  MSG message;
+  ASSERT_TRUE(PeekMessageW(&message, window.Get(), 0, 0, PM_REMOVE));
+  EXPECT_EQ(message.message, static_cast<UINT>(WM_APP));
+  ASSERT_TRUE(PeekMessageW(&message, window.Get(), 0, 0, PM_REMOVE));
+  EXPECT_EQ(message.message, static_cast<UINT>(WM_TIMER));
+  EXPECT_LE(CountTimers(TakeAll(window.Get()), 5), 1u);  // a slow host may be at the next period already
+  KillTimer(window.Get(), 5);
+}
+
+TEST_F(Timers, AreGoneWhenKilledEvenIfDue) {
+  SetTimer(window.Get(), 5, 20, nullptr);
+  Sleep(60);
+  EXPECT_TRUE(KillTimer(window.Get(), 5));
+  EXPECT_EQ(CountTimers(TakeAll(window.Get()), 5), 0u);
+
+  // What was taken before is still dispatched.
+  int seen = 0;
+  TestWindow other(
+      [&](HWND, UINT message, WPARAM, LPARAM) {
+        if (message == WM_TIMER) ++seen;
+        return TestWindow::kDefault;
+      },
+      TEXT("ContractTimed"));
+  SetTimer(other.Get(), 6, 20, nullptr);
+  MSG message;
+  ASSERT_GT(GetMessageW(&message, other.Get(), WM_TIMER, WM_TIMER), 0);
+  KillTimer(other.Get(), 6);
+  DispatchMessageW(&message);
+  EXPECT_EQ(seen, 1);
+}
+
+TEST_F(Timers, AreReplacedByTheirNumber) {
+  SetTimer(window.Get(), 5, 20, nullptr);
+  SetTimer(window.Get(), 5, 60'000, nullptr);
+  SetTimer(window.Get(), 6, 60, nullptr);
+  MSG message;
+  ASSERT_GT(GetMessageW(&message, window.Get(), WM_TIMER, WM_TIMER), 0);
+  EXPECT_EQ(message.wParam, 6u);
+  EXPECT_TRUE(KillTimer(window.Get(), 5));
+  EXPECT_FALSE(KillTimer(window.Get(), 5));
+  KillTimer(window.Get(), 6);
+}
+
+TEST_F(Timers, AreNeverFasterThanTenMilliseconds) {
+  SetTimer(window.Get(), 5, 0, nullptr);
+  const uint64_t start = GetTickCount64();
+  MSG message;
+  for (int i = 0; i < 10; ++i) ASSERT_GT(GetMessageW(&message, window.Get(), WM_TIMER, WM_TIMER), 0);
+  EXPECT_GE(GetTickCount64() - start + kTick, 90u);
+  KillTimer(window.Get(), 5);
+}
+
+UINT_PTR calledTimer = 0;
+HWND calledWindow = nullptr;
+void CALLBACK OnTimer(HWND window, UINT /*message*/, UINT_PTR id, DWORD /*time*/) {
+  calledTimer = id;
+  calledWindow = window;
+}
+
+TEST_F(Timers, CanCallAFunction) {
+  calledTimer = 0;
+  const UINT_PTR id = SetTimer(nullptr, 0, 20, OnTimer);
+  ASSERT_NE(id, 0u);
+  EXPECT_NE(SetTimer(nullptr, 0, 60'000, OnTimer), id);  // without a window each is a new one
+  MSG message;
+  ASSERT_GT(GetMessageW(&message, nullptr, WM_TIMER, WM_TIMER), 0);
+  EXPECT_EQ(message.hwnd, nullptr);
+  DispatchMessageW(&message);
+  EXPECT_EQ(calledTimer, id);
+  EXPECT_TRUE(KillTimer(nullptr, id));
+
+  SetTimer(window.Get(), 9, 20, OnTimer);
+  ASSERT_GT(GetMessageW(&message, window.Get(), WM_TIMER, WM_TIMER), 0);
+  DispatchMessageW(&message);
+  EXPECT_EQ(calledTimer, 9u);
+  EXPECT_EQ(calledWindow, window.Get());
+  KillTimer(window.Get(), 9);
+}
+
+TEST_F(Timers, GoWithTheirWindow) {
+  SetTimer(window.Get(), 5, 20, nullptr);
+  DestroyWindow(window.Get());
+  Sleep(50);
+  EXPECT_EQ(CountTimers(TakeAll(), 5), 0u);
+  EXPECT_EQ(SetTimer(window.Get(), 5, 20, nullptr), 0u);
+  if (!contract::WineDeviates("reports 6 for a timer of a window that is gone")) {
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_WINDOW_HANDLE));
+  }
+}
+
+}  // namespace

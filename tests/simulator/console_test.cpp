@@ -1,0 +1,95 @@
+#include "simulator/console.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace simulator {
+namespace {
+
+class ConsoleTest : public testing::Test {
+ protected:
+  // The problem of a script, empty when it went well.
+  std::string Run(const std::string& script) {
+    std::istringstream lines(script);
+    return console.RunScript(lines, "script").value_or("");
+  }
+  std::ostringstream out;
+  Console console{out};
+};
+
+TEST_F(ConsoleTest, SaysWhichLineIsWrongAndWhy) {
+  EXPECT_EQ(Run("# a comment\n\nwait 1s\nwate 1s\n"),
+            "script:4: \"wate 1s\": unknown command, \"help\" lists them");
+  EXPECT_EQ(Run("sw1 push\n"), "script:1: \"sw1 push\": expects: press|release");
+  EXPECT_EQ(Run("say \"no end\n"), "script:1: \"say \"no end\": a quote is not closed");
+}
+
+TEST_F(ConsoleTest, WrongLinesChangeNothing) {
+  for (const char* line : {"wait",
+                           "wait 1",
+                           "wait -1s",
+                           "tap sw3",
+                           "tap sw1 long",
+                           "answer maybe",
+                           "answer yes",
+                           "set X",
+                           "set X y",
+                           "machine",
+                           "app",
+                           "app shut Lexora",
+                           "app close Lexora",
+                           "joystick",
+                           "joystick broken",
+                           "mouse-filter",
+                           "board",
+                           "board start-error",
+                           "port",
+                           "port explode",
+                           "send-data",
+                           "send-data 0 x from Nobody",
+                           "request",
+                           "led",
+                           "led bright",
+                           "suspend",
+                           "close",
+                           "quit",
+                           "at 1s",
+                           "at soon expect x",
+                           "expect",
+                           "check",
+                           "check weather",
+                           "show",
+                           "bytes",
+                           "timeline some",
+                           "registry a b"}) {
+    EXPECT_TRUE(console.RunLine(line)) << line;
+  }
+  EXPECT_EQ(console.Tablet().Mark(), 0U);
+  EXPECT_EQ(console.Tablet().Machine().Now(), Duration(0));
+}
+
+TEST_F(ConsoleTest, ExpectationsFollowTheOrderOfTheTimeline) {
+  ASSERT_EQ(Run("wait 1s\nsw1 press\nwait 1s\nsw1 release\n"), "");
+  EXPECT_EQ(Run("expect no weather\nat 1s expect exactly controller -> Sw1Make\nexpect no Sw1Make\n"), "");
+  EXPECT_NE(Run("expect Sw1Make\n"), "");  // it lies behind the last one that was met
+  EXPECT_NE(Run("expect no Sw1Break\n"), "");
+  EXPECT_NE(Run("expect exactly Sw1Break\n"), "");
+  EXPECT_NE(Run("at 1.9s expect Sw1Break\n"), "");
+  EXPECT_EQ(Run("at +0s expect Sw1Break\n"), "");
+  EXPECT_EQ(Run("sw2 press\nmark\nexpect no Sw2Make\n"), "");
+}
+
+TEST_F(ConsoleTest, ChecksFailWhenTheyShould) {
+  ASSERT_EQ(Run("set Sw1CmdVal -1\n"), "");
+  EXPECT_EQ(Run("check registry Sw1CmdVal -1\ncheck no registry Sw1CmdVal 1\ncheck line\ncheck no box x\n"),
+            "");
+  EXPECT_NE(Run("check registry Sw1CmdVal 1\n"), "");
+  EXPECT_NE(Run("check no line\n"), "");
+  EXPECT_NE(Run("check box x\n"), "");
+  EXPECT_NE(Run("check exit 0\n"), "");
+  EXPECT_NE(Run("check log x\n"), "");
+}
+
+}  // namespace
+}  // namespace simulator

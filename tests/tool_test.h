@@ -1,0 +1,69 @@
+// The tool on a simulated tablet, for tests of its rooms.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/tablet.h"
+
+namespace veltra {
+
+using namespace std::chrono_literals;
+
+class ToolTest : public ::testing::Test {
+ protected:
+  void SetUserValue(std::u16string_view name, int32_t value) {
+    machine.SetRegistryDword(HKEY_CURRENT_USER, simulator::SimulatedTablet::kUserKey, name,
+                             static_cast<uint32_t>(value));
+  }
+  std::optional<uint32_t> UserValue(std::u16string_view name) {
+    return machine.RegistryDword(HKEY_CURRENT_USER, simulator::SimulatedTablet::kUserKey, name);
+  }
+  std::string Log() { return machine.ReadFile(simulator::SimulatedTablet::kLogFile).value_or(""); }
+  // Detail lines are written while this file exists.
+  void SwitchDetailsOn() { machine.WriteFile(u"C:\\Users\\Public\\Documents\\Sarvik5\\logon.txt", ""); }
+
+  // What happened since the last call, of one kind.
+  template <class Detail>
+  std::vector<Detail> New() {
+    const std::vector<pal::Effect> effects = tablet.Since(mark);
+    mark = tablet.Mark();
+    return pal::Select<Detail>(effects);
+  }
+  // The texts that the controller was asked since the last call.
+  std::vector<std::string> NewRequests() {
+    std::vector<std::string> texts;
+    const auto& requests = tablet.Pic().Requests();
+    for (; requestMark < requests.size(); ++requestMark)
+      texts.emplace_back(requests[requestMark].message.begin() + 1, requests[requestMark].message.end());
+    return texts;
+  }
+
+  void Start(std::u16string_view arguments = u"-s") {
+    ASSERT_TRUE(tablet.StartAndSettle(arguments));
+    mark = tablet.Mark();
+    NewRequests();
+  }
+  void Press(simulator::Button button) {
+    tablet.Press(button);
+    tablet.Advance(20ms);
+  }
+  void Release(simulator::Button button) {
+    tablet.Release(button);
+    tablet.Advance(20ms);
+  }
+
+  simulator::SimulatedTablet tablet;
+  pal::Machine& machine = tablet.Machine();
+  size_t mark = 0;
+  size_t requestMark = 0;
+};
+
+inline std::vector<uint8_t> ToBytes(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+}  // namespace veltra

@@ -1,0 +1,69 @@
+// The built program itself: what it needs, how it is protected, and that its texts survived the resource
+// compiler.
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <set>
+
+#include "resources/resource_ids.h"
+#include "tests/windows/tool_fixture.h"
+
+namespace windows_test {
+namespace {
+
+class BinaryTest : public ToolTest {
+ protected:
+  static std::string Headers() {
+    const std::string command = "x86_64-w64-mingw32-objdump -hp '" + ProgramPath("veltratool.exe") + "'";
+    const auto closePipe = [](FILE* pipe) { pclose(pipe); };
+    const std::unique_ptr<FILE, decltype(closePipe)> pipe(popen(command.c_str(), "r"), closePipe);
+    std::string text;
+    std::array<char, 4096> buffer;
+    size_t count = 0;
+    while (pipe && (count = fread(buffer.data(), 1, buffer.size(), pipe.get())) > 0)
+      text.append(buffer.data(), count);
+    return text;
+  }
+};
+
+TEST_F(BinaryTest, ItNeedsOnlyWhatWindowsBrings) {
+  const std::set<std::string> brought = {"ADVAPI32.dll", "COMCTL32.dll", "COMDLG32.DLL", "GDI32.dll",
+                                         "KERNEL32.dll", "OLEAUT32.dll", "POWRPROF.dll", "SETUPAPI.dll",
+                                         "SHELL32.dll",  "USER32.dll",   "VERSION.dll",  "WINMM.DLL",
+                                         "msvcrt.dll",   "ole32.dll"};
+  const std::string headers = Headers();
+  const std::string label = "DLL Name: ";
+  int count = 0;
+  for (size_t at = headers.find(label); at != headers.npos; at = headers.find(label, at + 1), ++count) {
+    const size_t begin = at + label.size();
+    const std::string name = headers.substr(begin, headers.find('\n', begin) - begin);
+    EXPECT_TRUE(brought.contains(name)) << name;
+  }
+  EXPECT_GT(count, 0);
+}
+
+TEST_F(BinaryTest, ItIsSmallAndProtected) {
+  EXPECT_LE(std::filesystem::file_size(ProgramPath("veltratool.exe")), 1'500'000u);
+  const std::string headers = Headers();
+  for (const char* wanted : {"HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT", ".reloc", "symbols stripped"})
+    EXPECT_NE(headers.find(wanted), headers.npos) << wanted;
+}
+
+TEST_F(BinaryTest, ItsTextsAreThereInBothLanguages) {
+  constexpr int kEnglish = 0x0809;
+  constexpr int kDutch = 0x0013;
+  constexpr int kGerman = 0x0407;
+  EXPECT_EQ(Observer().ReadResourceText(ProgramPath("veltratool.exe"), IDS_CONFIRM_CLOSE, kEnglish),
+            "Some features of the device will stop working if you close this tool. Are you sure you want to "
+            "continue?");
+  EXPECT_EQ(
+      Observer().ReadResourceText(ProgramPath("veltratool.exe"), IDS_CONFIRM_CLOSE, kDutch),
+      "Sommige functies van het toestel werken niet meer als u dit programma sluit. Weet u zeker dat u wilt "
+      "doorgaan?");
+  EXPECT_FALSE(Observer().ReadResourceText(ProgramPath("veltratool.exe"), IDS_CONFIRM_CLOSE, kGerman));
+}
+
+}  // namespace
+}  // namespace windows_test

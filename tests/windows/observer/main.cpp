@@ -1,0 +1,102 @@
+// Watches the tool from another process of the same desktop: sees every injected mouse button and key, owns
+// windows that report what reaches them, and does on command what neighbours of the tool do. Commands come on
+// standard input, events and answers go to standard output, one a line. It ends with its input.
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <thread>
+
+#include "tests/windows/observer/commands.h"
+#include "tests/windows/observer/report.h"
+#include "tests/windows/observer/watched_windows.h"
+
+namespace {
+
+using observer::Report;
+
+struct MouseAction {
+  WPARAM message;
+  const char* button;
+  const char* action;
+};
+
+constexpr MouseAction kMouseActions[] = {
+    {WM_LBUTTONDOWN, "left", "down"}, {WM_LBUTTONUP, "left", "up"},       {WM_RBUTTONDOWN, "right", "down"},
+    {WM_RBUTTONUP, "right", "up"},    {WM_MBUTTONDOWN, "middle", "down"}, {WM_MBUTTONUP, "middle", "up"},
+};
+
+LRESULT CALLBACK OnMouse(int code, WPARAM message, LPARAM data) {
+  if (code == HC_ACTION)
+    for (const MouseAction& row : kMouseActions)
+      if (row.message == message) Report({"mouse", row.button, row.action});
+  return CallNextHookEx(nullptr, code, message, data);
+}
+
+LRESULT CALLBACK OnKey(int code, WPARAM message, LPARAM data) {
+  if (code == HC_ACTION) {
+    const auto& key = *reinterpret_cast<const KBDLLHOOKSTRUCT*>(data);
+    const bool up = message == WM_KEYUP || message == WM_SYSKEYUP;
+    Report({"key", std::to_string(key.vkCode), up ? "up" : "down"});
+  }
+  return CallNextHookEx(nullptr, code, message, data);
+}
+
+// Commands run on the main thread, which owns the windows and the hooks: the reader hands each over and
+// waits.
+constexpr UINT kRunCommand = WM_USER + 1;
+
+void ReadCommands(HWND runner) {
+  std::string line;
+  while (std::getline(std::cin, line)) SendMessageW(runner, kRunCommand, 0, reinterpret_cast<LPARAM>(&line));
+  PostMessageW(runner, WM_CLOSE, 0, 0);
+}
+
+LRESULT CALLBACK RunnerProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == kRunCommand) {
+    observer::RunCommand(*reinterpret_cast<const std::string*>(lParam));
+    return 0;
+  }
+  if (message == WM_CLOSE) PostQuitMessage(0);
+  return DefWindowProcW(window, message, wParam, lParam);
+}
+
+HWND MakeRunner() {
+  WNDCLASSEXW windowClass = {};
+  windowClass.cbSize = sizeof windowClass;
+  windowClass.lpfnWndProc = RunnerProc;
+  windowClass.hInstance = GetModuleHandleW(nullptr);
+  windowClass.lpszClassName = L"Veltra Observer Runner";
+  RegisterClassExW(&windowClass);
+  return CreateWindowExW(0, windowClass.lpszClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                         windowClass.hInstance, nullptr);
+}
+
+}  // namespace
+
+int main() {
+  _setmode(_fileno(stdout), _O_BINARY);
+  _setmode(_fileno(stdin), _O_BINARY);
+  observer::OpenWatchedWindow(observer::kOwnClass);
+  const HWND runner = MakeRunner();
+  const HINSTANCE instance = GetModuleHandleW(nullptr);
+  const HHOOK mouse = SetWindowsHookExW(WH_MOUSE_LL, OnMouse, instance, 0);
+  const HHOOK keyboard = SetWindowsHookExW(WH_KEYBOARD_LL, OnKey, instance, 0);
+  if (!runner || !mouse || !keyboard) return 1;
+  Report({"ready"});
+
+  std::thread reader(ReadCommands, runner);
+  MSG message = {};
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  reader.join();
+  UnhookWindowsHookEx(keyboard);
+  UnhookWindowsHookEx(mouse);
+  return 0;
+}

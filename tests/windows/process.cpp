@@ -1,0 +1,120 @@
+#include "tests/windows/process.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+extern char** environ;
+
+namespace windows_test {
+namespace {
+
+std::string programDirectory;
+
+struct Pipe {
+  FileDescriptor read;
+  FileDescriptor write;
+};
+
+Pipe MakePipe(const Where& where) {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) Fail(std::string("pipe: ") + std::strerror(errno), where);
+  return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+}
+
+// The shim is preloaded into Wine only: the test itself may run with a sanitizer, which suffers nothing in
+// front of it.
+std::vector<std::string> WineEnvironment() {
+  std::vector<std::string> variables;
+  for (char** variable = environ; *variable; ++variable) variables.emplace_back(*variable);
+  if (const char* shim = std::getenv("VELTRA_SERIAL_SHIM"))
+    variables.push_back(std::string("LD_PRELOAD=") + shim);
+  return variables;
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+}  // namespace
+
+void SetProgramDirectory(std::string directory) {
+  programDirectory = std::move(directory);
+}
+
+std::string ProgramPath(const std::string& name) {
+  return programDirectory + "/" + name;
+}
+
+WineProcess::WineProcess(const std::string& program, const std::vector<std::string>& arguments,
+                         const Where& where) {
+  Pipe input = MakePipe(where);
+  Pipe output = MakePipe(where);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, input.read.Get(), STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, output.write.Get(), STDOUT_FILENO);
+
+  std::vector<std::string> command = {"wine", ProgramPath(program)};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  std::vector<std::string> environment = WineEnvironment();
+  const int error =
+      posix_spawnp(&pid_, "wine", &actions, nullptr, Pointers(command).data(), Pointers(environment).data());
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) Fail(program + ": " + std::strerror(error), where);
+  input_ = std::move(input.write);
+  output_ = std::move(output.read);
+}
+
+WineProcess::~WineProcess() {
+  if (!IsRunning()) return;
+  kill(pid_, SIGKILL);
+  waitpid(pid_, nullptr, 0);
+}
+
+void WineProcess::WriteLine(const std::string& line, const Where& where) {
+  const std::string text = line + "\n";
+  if (write(input_.Get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+    Fail(std::string("the program takes no input: ") + std::strerror(errno), where);
+}
+
+std::string WineProcess::ReadLine(const Where& where) {
+  size_t end = 0;
+  while ((end = received_.find('\n')) == received_.npos) {
+    pollfd source{output_.Get(), POLLIN, 0};
+    const auto limit = std::chrono::duration_cast<std::chrono::milliseconds>(kPatience).count();
+    if (poll(&source, 1, static_cast<int>(limit)) <= 0) Fail("the program says nothing", where);
+    char buffer[4096];
+    const ssize_t count = read(output_.Get(), buffer, sizeof buffer);
+    if (count <= 0) Fail("the program has ended", where);
+    received_.append(buffer, static_cast<size_t>(count));
+  }
+  std::string line = received_.substr(0, end);
+  received_.erase(0, end + 1);
+  return line;
+}
+
+bool WineProcess::IsRunning() {
+  if (exitCode_ || pid_ < 0) return false;
+  int status = 0;
+  if (waitpid(pid_, &status, WNOHANG) != pid_) return true;
+  exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  return false;
+}
+
+int WineProcess::ExitCode(const Where& where) {
+  WaitUntil(
+      "the program ends", [this] { return !IsRunning(); }, where);
+  return exitCode_.value();
+}
+
+}  // namespace windows_test

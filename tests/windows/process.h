@@ -1,0 +1,45 @@
+// A Windows program that the test started, under Wine.
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/windows/failure.h"
+#include "tests/windows/file_descriptor.h"
+
+namespace windows_test {
+
+// The directory of the programs under test.
+void SetProgramDirectory(std::string directory);
+std::string ProgramPath(const std::string& name);
+
+class WineProcess {
+ public:
+  // Starts a program of the program directory. Its standard output is read with ReadLine.
+  WineProcess(const std::string& program, const std::vector<std::string>& arguments,
+              const Where& where = Where::current());
+  ~WineProcess();  // ends it the hard way when it still runs
+  WineProcess(const WineProcess&) = delete;
+  WineProcess& operator=(const WineProcess&) = delete;
+
+  void WriteLine(const std::string& line, const Where& where = Where::current());
+  // The next line, waiting for it.
+  std::string ReadLine(const Where& where = Where::current());
+  void CloseInput() { input_.Reset(); }
+
+  bool IsRunning();
+  // Waits for the end.
+  int ExitCode(const Where& where = Where::current());
+
+ private:
+  pid_t pid_ = -1;
+  std::optional<int> exitCode_;
+  FileDescriptor input_;
+  FileDescriptor output_;
+  std::string received_;  // read and not taken as a line yet
+};
+
+}  // namespace windows_test

@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# Runs a command beside a Windows of its own: session.sh COMMAND [ARGUMENT...]
+#
+# The command finds a fresh Wine prefix in WINEPREFIX and an empty X display in DISPLAY; both are gone when it ends,
+# and the exit code is the command's. Environment:
+#   VELTRA_WINE_PREFIX   a directory that keeps the prefix, for faster starts
+#   VELTRA_SERIAL_SHIM   the library to preload into Wine, so that COM2 can be a pseudo terminal
+# COM2 is what the symbolic link $WINEPREFIX/com2 points to; the command makes that link.
+set -u
+
+scratch=$(mktemp -d "${TMPDIR:-/tmp}/veltra-wine.XXXXXX")
+export HOME=$scratch                                  # Wine makes links into it and writes below it
+export WINEPREFIX=${VELTRA_WINE_PREFIX:-$scratch/prefix}
+export WINEARCH=win64
+export WINEDEBUG=${WINEDEBUG:--all}
+export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="  # no questions about add-ons, no menu entries
+export VELTRA_WINE_SESSION=1
+display=
+command=
+
+clean_up() {
+  wineserver -k 2>/dev/null && wineserver -w
+  [ -n "$display" ] && kill "$display" 2>/dev/null && wait "$display" 2>/dev/null
+  rm -rf "$scratch"
+}
+stop() {
+  [ -n "$command" ] && kill "$command" 2>/dev/null
+  exit 143
+}
+trap clean_up EXIT
+trap stop INT TERM HUP
+
+# The X server picks a free display and writes its number when it is ready.
+start_display() {
+  local number
+  mkfifo "$scratch/display"
+  Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$scratch/display" 2>"$scratch/xvfb.log" &
+  display=$!
+  read -r -t 60 number <>"$scratch/display" || { cat "$scratch/xvfb.log" >&2; return 1; }
+  export DISPLAY=:$number
+}
+
+in_wine() { LD_PRELOAD=${VELTRA_SERIAL_SHIM:-} "$@"; }
+
+# Started by itself, so that what it says at its end does not mix with what the command says.
+start_wine() { in_wine wineserver -p >"$scratch/wineserver.log" 2>&1; }
+
+# Wine links its COM ports anew when it starts, from the registry: hence the end of the first start.
+make_prefix() {
+  [ -e "$WINEPREFIX/veltra-ready" ] && return 0
+  {
+    in_wine wineboot -i &&
+      in_wine wine reg add 'HKLM\Software\Wine\Ports' /v COM2 /d "$WINEPREFIX/com2" /f &&
+      wineserver -k && wineserver -w && touch "$WINEPREFIX/veltra-ready"
+  } >"$scratch/wineboot.log" 2>&1 || { cat "$scratch/wineboot.log" >&2; return 1; }
+}
+
+[ $# -gt 0 ] || { echo "usage: session.sh COMMAND [ARGUMENT...]" >&2; exit 2; }
+start_display && make_prefix && start_wine || { echo "session.sh: no Windows to be had" >&2; exit 125; }
+"$@" <&0 &
+command=$!
+wait "$command"
