@@ -21,8 +21,14 @@ namespace fs = std::filesystem;
 
 constexpr auto kWritable = fs::perms::owner_write;
 
+constexpr std::u16string_view kDirectoriesAtStart[] = {Machine::kProgramDirectory, Machine::kCommonDocuments,
+                                                       u"C:\\Windows\\Temp"};
+
+// In memory where the host has that: on some disks removing a directory takes milliseconds.
 fs::path MakeTemporaryDirectory() {
-  std::string name = (fs::temp_directory_path() / "pal-disk-XXXXXX").string();
+  const fs::path memory = "/dev/shm";
+  const bool inMemory = access(memory.c_str(), W_OK) == 0;
+  std::string name = ((inMemory ? memory : fs::temp_directory_path()) / "pal-disk-XXXXXX").string();
   if (!mkdtemp(name.data())) Die("cannot make a directory for the disk");
   return name;
 }
@@ -70,15 +76,16 @@ Opening::~Opening() {
   if (descriptor >= 0) close(descriptor);
 }
 
-Disk::Disk() : root_(MakeTemporaryDirectory()) {
-  for (const std::u16string_view directory :
-       {Machine::kProgramDirectory, Machine::kCommonDocuments, std::u16string_view(u"C:\\Windows\\Temp")})
-    MakeDirectories(directory);
-}
-
 Disk::~Disk() {
   std::error_code ignored;
-  fs::remove_all(root_, ignored);
+  if (!root_.empty()) fs::remove_all(root_, ignored);
+}
+
+const fs::path& Disk::Root() const {
+  if (!root_.empty()) return root_;
+  root_ = MakeTemporaryDirectory();
+  for (const std::u16string_view directory : kDirectoriesAtStart) MakeDirectories(directory);
+  return root_;
 }
 
 DiskPath Disk::Locate(std::u16string_view path) const {
@@ -87,7 +94,7 @@ DiskPath Disk::Locate(std::u16string_view path) const {
   located.error = parts.error;
   if (parts.error != ERROR_SUCCESS) return located;
   located.windows = JoinPath(parts);
-  located.host = root_ / ToUtf8({&parts.drive, 1});
+  located.host = Root() / ToUtf8({&parts.drive, 1});
   for (const std::u16string& name : parts.names) {
     if (!fs::is_directory(located.host)) located.error = ERROR_PATH_NOT_FOUND;
     located.host = FindEntry(located.host, name);

@@ -47,7 +47,7 @@ struct Opening {
 
 class Disk {
  public:
-  Disk();
+  Disk() = default;
   ~Disk();
   Disk(const Disk&) = delete;
   Disk& operator=(const Disk&) = delete;
@@ -76,7 +76,10 @@ class Disk {
     std::u16string path;
     std::shared_ptr<Opening> opening;
   };
-  std::filesystem::path root_;
+  // Made by the first call that needs it.
+  const std::filesystem::path& Root() const;
+
+  mutable std::filesystem::path root_;
   std::vector<std::weak_ptr<Opening>> openings_;
   std::vector<Holder> holders_;
 };

@@ -11,7 +11,7 @@ namespace {
 // Far beyond any real script; a script that includes or expands itself without end stops here.
 constexpr int kDeepestInclude = 16;
 constexpr int kDeepestExpansion = 16;
-constexpr size_t kMostTokens = 1'000'000;
+constexpr size_t kMostSteps = 100'000;  // lines and words
 
 // Blanks in the place of comments, line by line the same text.
 std::string WithoutComments(std::string_view text, ScriptPlace place) {
@@ -91,11 +91,12 @@ class ScriptReader {
   void ReadLine(std::string_view line, const ScriptPlace& place, std::vector<Condition>& conditions,
                 int depth) {
     last_ = place;
+    CountStep(place);
     const size_t begin = line.find_first_not_of(" \t");
     if (begin == line.npos) return;
     line.remove_prefix(begin);
     if (line.front() != '#') {
-      if (AllHold(conditions)) Append(SplitLine(line, place), tokens_, 0);
+      if (AllHold(conditions)) Append(SplitLine(line, place), place, 0);
       return;
     }
     line.remove_prefix(std::min(line.size(), line.find_first_not_of(" \t", 1)));
@@ -182,25 +183,27 @@ class ScriptReader {
     defines_[name] = std::move(tokens);
   }
 
+  void CountStep(const ScriptPlace& place) {
+    if (++steps_ > kMostSteps) throw ScriptError(place, "the script is too long");
+  }
+
   // Appends the tokens with what their names stand for.
-  void Append(const std::vector<Token>& tokens, std::vector<Token>& target, int depth) {
+  void Append(const std::vector<Token>& tokens, const ScriptPlace& place, int depth) {
     for (const Token& token : tokens) {
-      if (++steps_ > kMostTokens) throw ScriptError(token.place, "the script is too long");
-      const auto define = token.kind == Token::Kind::kName ? defines_.find(token.word) : defines_.end();
+      CountStep(place);
+      const bool isName = token.kind == Token::Kind::kName;
+      const auto define = isName ? defines_.find(token.word) : defines_.end();
       if (define != defines_.end()) {
-        if (depth == kDeepestExpansion) throw ScriptError(token.place, token.word + " is defined by itself");
-        std::vector<Token> meaning = define->second;
-        for (Token& part : meaning) part.place = token.place;
-        Append(meaning, target, depth + 1);
+        if (depth == kDeepestExpansion) throw ScriptError(place, token.word + " is defined by itself");
+        Append(define->second, place, depth + 1);
         continue;
       }
-      target.push_back(token);
-      if (hasConstants_ && token.kind == Token::Kind::kName) {
-        if (const auto constant = FindResourceConstant(token.word)) {
-          target.back().kind = Token::Kind::kNumber;
-          target.back().number = *constant;
-        }
-      }
+      Token& added = tokens_.emplace_back(token);
+      added.place = place;
+      const auto constant = isName && hasConstants_ ? FindResourceConstant(token.word) : std::nullopt;
+      if (!constant) continue;
+      added.kind = Token::Kind::kNumber;
+      added.number = *constant;
     }
   }
 

@@ -170,7 +170,7 @@ bool Scheduler::Run(Time target, const std::function<bool()>& done) {
 }
 
 bool Scheduler::RunVirtual(Time target, const std::function<bool()>& done) {
-  constexpr int kMostStepsAtOneTime = 10'000'000;
+  constexpr int kMostStepsAtOneTime = 1'000'000;
   int steps = 0;
   const auto isDone = [&] {
     if (!done) return false;

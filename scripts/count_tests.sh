@@ -38,14 +38,15 @@ need_library() {
   echo "#include <$1>" | g++ -std=c++20 -fsyntax-only -x c++ - 2>/dev/null || install_packages "$2"
 }
 
-# build PRESET: configures and builds; a failure counts as one failed test.
+# build PRESET [TARGET...]: configures and builds; a failure counts as one failed test.
 build() {
-  step "build $1"
-  local log
-  log=$(log_of "build $1")
-  cmake --preset "$1" >"$log" 2>&1 && cmake --build --preset "$1" >>"$log" 2>&1 && return 0
+  local preset=$1 log
+  shift
+  step "build $preset"
+  log=$(log_of "build $preset")
+  cmake --preset "$preset" >"$log" 2>&1 && cmake --build --preset "$preset" --target "${@:-all}" >>"$log" 2>&1 && return 0
   grep -E "error|Error|FAILED" "$log" | head -n 40
-  fail "build of $1"
+  fail "build of $preset"
   return 1
 }
 

@@ -25,7 +25,9 @@ fi
 
 in_wine() { LD_PRELOAD=$VELTRA_SERIAL_SHIM wine "$@"; }
 
-set_value() { in_wine reg add "HKCU\\$1" /v "$2" /t "$3" /d "$4" /f >/dev/null 2>&1; }
+set_number() {
+  in_wine reg add 'HKCU\SOFTWARE\Veltra\Sarvik5' /v "$1" /t REG_DWORD /d "$2" /f >/dev/null 2>&1
+}
 
 give_up() {
   echo "gave up waiting until $1" >&2
@@ -58,7 +60,7 @@ await() {
   done
 }
 has_window() { ask find "$1" && [ "$answer" = yes ]; }
-has_seen() { ask find Notepad && [[ $events == *"$1"* ]]; }
+has_typed() { ask texts "Untitled - Notepad" && [[ $answer == *$'\t'a* ]]; }
 controller_saw() { grep -q "tool ->.*$1" build/controller.log; }
 
 commands=$(mktemp -u build/controller.XXXXXX)
@@ -69,10 +71,8 @@ rm "$commands"
 controller=$!
 trap 'kill "$controller" 2>/dev/null || true' EXIT
 
-set_value 'Software\Wine\Explorer' Desktop REG_SZ veltra
-set_value 'Software\Wine\Explorer\Desktops' veltra REG_SZ 1024x768
-set_value 'SOFTWARE\Veltra\Sarvik5' Sw1CmdVal REG_DWORD 65
-set_value 'SOFTWARE\Veltra\Sarvik5' StartupDelay REG_DWORD 0
+set_number Sw1CmdVal 65
+set_number StartupDelay 0
 coproc observer { in_wine "$programs/observer.exe" 2>/dev/null; }
 
 echo "starting veltratool.exe"
@@ -85,8 +85,9 @@ await "Notepad is there" has_window Notepad
 echo "switch 1 is pressed and released"
 echo "sw1 press" >&4
 echo "sw1 release" >&4
-await "the key is released" has_seen "key 65 up"
+await "the letter stands in Notepad" has_typed
 printf 'another program of the desktop saw:\n%s' "$events"
+sleep 0.5  # until it is painted
 import -window root build/desktop.png
 
 echo "closing the tool"

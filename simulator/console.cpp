@@ -20,7 +20,7 @@ Problem Console::RunLine(std::string_view line) {
   const bool acts = !command || command->acts;
   if (acts) {
     lastActionAt_ = tablet_.Machine().Now();
-    timeline_.Add({lastActionAt_, ">", JoinWords(words)});
+    timeline_.Add({lastActionAt_, ">", std::string(line.substr(line.find_first_not_of(" \t")))});
   }
   const Problem problem = command ? command->run(*this, words) : controllerCommand->run(tablet_.Pic(), words);
   if (acts) tablet_.Advance(Duration(0));  // what the tool does at once belongs to the command

@@ -280,7 +280,18 @@ Problem RunTimeline(Console& console, Words words) {
 }
 
 Problem RunSay(Console& console, Words words) {
-  console.Out() << "\n" << JoinWords(words.subspan(1)) << "\n\n";
+  constexpr size_t kWidth = 100;
+  std::vector<std::string> pieces;
+  SplitWords(JoinWords(words.subspan(1)), pieces);
+  size_t column = 0;
+  console.Out() << "\n";
+  for (const std::string& piece : pieces) {
+    const bool fits = column > 0 && column + 1 + piece.size() <= kWidth;
+    if (column > 0) console.Out() << (fits ? " " : "\n");
+    console.Out() << piece;
+    column = (fits ? column + 1 : 0) + piece.size();
+  }
+  console.Out() << "\n\n";
   return {};
 }
 

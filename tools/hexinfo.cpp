@@ -65,7 +65,8 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& arguments) {
 std::optional<HexReading> ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   HexReader reader;
-  std::vector<char> piece(256 * 1024);
+  constexpr size_t kPieceSize = size_t{256} * 1024;
+  std::vector<char> piece(kPieceSize);
   bool going = file.is_open();
   if (!going) return std::nullopt;
   while (going) {

@@ -162,7 +162,8 @@ TEST(HexReader, RefusesEveryRecordBehindTheEndButAnotherEnd) {
 }
 
 TEST(HexReader, CountsLinesAsEditorsDo) {
-  for (const std::string lines : {"\n\n\n", "\r\r\r", "\r\n\r\n\r\n", "\n\r\n\r", "\r\n\n\n"})
+  for (const std::string lines :
+       {"\n\n\n", "\r\r\r", "\r\n\r\n\r\n", "\n\r\n\r", "\r\n\n\n", "\r;123456789A\n\n"})
     for (const size_t size : {1, 2, 100}) {
       const HexReading reading = ReadInPieces(lines + "?\n", size);
       ASSERT_TRUE(reading.fault);
@@ -261,7 +262,7 @@ TEST(HexReader, AgreesWithThePlainRulesOnAnyText) {
   size_t accepted = 0;
   size_t refused = 0;
   size_t outOfOrder = 0;
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < 6000; ++round) {
     const std::string text = random.Below(3) ? random.Make() : random.Mutate(random.Make());
     const std::optional<List> expected = PlainHexReader::Read(text);
     const HexReading reading = ReadInPieces(text, random.Below(2) ? text.size() + 1 : 1 + random.Below(40));
@@ -271,9 +272,9 @@ TEST(HexReader, AgreesWithThePlainRulesOnAnyText) {
     refused += reading.fault.has_value();
     outOfOrder += reading.remarks.replacedBytes > 0;
   }
-  EXPECT_GT(accepted, 5000U);
-  EXPECT_GT(refused, 2000U);
-  EXPECT_GT(outOfOrder, 1000U);
+  EXPECT_GT(accepted, 1500U);
+  EXPECT_GT(refused, 600U);
+  EXPECT_GT(outOfOrder, 300U);
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ class PlainHexReader {
     return number;
   }
 
-  bool OnLine(const std::string& line) {
+  bool OnLine(std::string_view line) {
     if (line.size() < 11) return false;
     if (line[0] == ';') return true;
     if (line[0] != ':') return false;
@@ -65,10 +65,10 @@ class PlainHexReader {
     return !dataBehindEnd_;
   }
 
-  void OnRecord(char type, unsigned address, const std::string& data) {
+  void OnRecord(char type, unsigned address, std::string_view data) {
     if (type != '1' && endSeen_) dataBehindEnd_ = true;
     if (type == '1') endSeen_ = true;
-    if (type == '4') upper_ = *Number((data + "0000").substr(0, 4)) << 16;
+    if (type == '4') upper_ = *Number((std::string(data) + "0000").substr(0, 4)) << 16;
     if (type == '0')
       for (size_t n = 0; 2 * n < data.size(); ++n)
         bytes_[static_cast<uint32_t>((upper_ | address) + n)] =

@@ -259,6 +259,9 @@ TEST_F(Files, AReadOnlyFileRefusesWriters) {
   Make(TEXT("fixed.txt"), "fixed");
   ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY));
   EXPECT_NE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY, 0U);
+  const Text copy = PathOf(TEXT("copy.txt"));
+  EXPECT_TRUE(CopyFileW(path.c_str(), copy.c_str(), FALSE));
+  EXPECT_NE(GetFileAttributesW(copy.c_str()) & FILE_ATTRIBUTE_READONLY, 0U);
   if (contract::WineDeviates("lets a host's root write read-only files") &&
       ErrorOfOpening(TEXT("fixed.txt"), kReadWrite, OPEN_EXISTING) == ERROR_SUCCESS)
     GTEST_SKIP() << "Wine, run by root, lets everyone write";

@@ -141,16 +141,6 @@ TEST_F(MachineData, WhatAProgramLeavesOpenGoesWithIt) {
   Run([] { EXPECT_NE(Open(kFile, GENERIC_WRITE, OPEN_EXISTING, 0), INVALID_HANDLE_VALUE); });
 }
 
-TEST_F(MachineData, TheDiskGoesWithTheMachine) {
-  std::filesystem::path root;
-  {
-    // One machine at a time: this one ends before the fixture's is used, so its disk is looked at only.
-    root = machine_.HostPath(u"C:\\");
-    EXPECT_TRUE(std::filesystem::exists(root));
-  }
-  EXPECT_EQ(machine_.HostPath(u"C:\\none\\there"), root / "none" / "there");
-}
-
 int Answer() {
   return 42;
 }
@@ -230,11 +220,25 @@ TEST_F(MachineData, VersionLanguageAndFolders) {
 }
 
 TEST_F(MachineData, WhatTheLayerDoesNotKnowIsLoud) {
-  const auto die = [this](const std::function<void()>& call) { Run(call); };
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_DEATH(die([] { WideCharToMultiByte(437, 0, u"a", 1, nullptr, 0, nullptr, nullptr); }),
+  EXPECT_DEATH(Run([] { WideCharToMultiByte(437, 0, u"a", 1, nullptr, 0, nullptr, nullptr); }),
                "pal: unknown code page");
-  EXPECT_DEATH(die([] { Open(u"C:\\new.txt", 0x10000, CREATE_ALWAYS); }), "pal: CreateFileW: unknown access");
+  EXPECT_DEATH(Run([] {
+                 HKEY key = nullptr;
+                 RegOpenKeyExW(HKEY_CURRENT_USER, u"Software", 0, 0x01000000, &key);
+               }),
+               "pal: unknown access to a registry key");
+}
+
+TEST(MachineDisk, GoesWithTheMachine) {
+  std::filesystem::path root;
+  {
+    const Machine machine;
+    root = machine.HostPath(u"C:\\");
+    EXPECT_TRUE(std::filesystem::exists(root));
+    EXPECT_EQ(machine.HostPath(u"C:\\none\\there"), root / "none" / "there");
+  }
+  EXPECT_FALSE(std::filesystem::exists(root.parent_path()));
 }
 
 TEST(MachineResources, ScriptsReadFilesBesideAndAboveThem) {

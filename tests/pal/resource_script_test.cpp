@@ -125,6 +125,11 @@ TEST(ResourceScript, HostileScriptsEnd) {
     bomb += "\n";
   }
   EXPECT_EQ(Compile(bomb + "a").error, "script:11: the script is too long");
+  Files forks = {{"8.rc", ""}};  // each includes the next ten times
+  for (int i = 0; i < 8; ++i)
+    for (int times = 0; times < 10; ++times)
+      forks[std::to_string(i) + ".rc"] += "#include \"" + std::to_string(i + 1) + ".rc\"\n";
+  EXPECT_NE(Compile("#include \"0.rc\"", forks).error.find(": the script is too long"), std::string::npos);
   EXPECT_EQ(Compile("STRINGTABLE { " + std::string(100'000, '(')).error, "script:1: brackets too deep");
   std::string menus = "1 MENU {";
   for (int i = 0; i < 1000; ++i) menus += "POPUP \"a\" {";

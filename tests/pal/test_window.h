@@ -12,8 +12,11 @@ namespace contract {
 
 // True on Wine, which is known not to do there what Windows does: `how` says what it does instead.
 inline bool WineDeviates(const char* /*how*/) {
+  const DWORD error = GetLastError();
   const HMODULE ntdll = GetModuleHandleW(TEXT("ntdll.dll"));
-  return ntdll && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+  const bool isWine = ntdll && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+  SetLastError(error);  // the caller may look at it
+  return isWine;
 }
 
 // A window of the calling thread with a class of its own, which hands its messages to `handler`. Whatever the

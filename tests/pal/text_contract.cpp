@@ -93,6 +93,9 @@ TEST(TextConversion, Utf8) {
     EXPECT_EQ(Decode(CP_UTF8, MB_ERR_INVALID_CHARS, wrong), Text());
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_UNICODE_TRANSLATION});
   }
+  // A longer form than needed, half a surrogate pair, and a number beyond the last character.
+  for (const char* wrong : {"\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80"})
+    EXPECT_EQ(Decode(CP_UTF8, MB_ERR_INVALID_CHARS, wrong), Text());
 }
 
 TEST(TextConversion, LengthsAndRoom) {

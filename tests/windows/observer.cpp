@@ -132,14 +132,14 @@ void Observer::AwaitDialog(const std::string& caption, const std::string& text, 
   WaitUntil(
       "the box " + caption + " shows \"" + text + "\"",
       [&] {
-        const Words texts = Run({"dialog", caption}, where);
+        const Words texts = Run({"texts", caption}, where);
         return std::ranges::find(texts, text) != texts.end();
       },
       where);
 }
 
 bool Observer::SeesDialog(const std::string& caption, const Where& where) {
-  return Run({"dialog", caption}, where)[0] == "yes";
+  return Run({"texts", caption}, where)[0] == "yes";
 }
 
 void Observer::Press(const std::string& caption, const std::string& button, const Where& where) {

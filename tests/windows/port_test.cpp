@@ -41,15 +41,19 @@ TEST_F(PortTest, RemovalClosesTheLinkAndArrivalReopensIt) {
   }
 }
 
-TEST_F(PortTest, ThePortMayComeBackAsAnotherDevice) {
+TEST_F(PortTest, ThePortMayComeAndGoManyTimesAsAnotherDeviceEachTime) {
+  constexpr int kTimes = 20;
   StartQuietTool();
-  for (int i = 0; i < 3; ++i) {
+  const size_t threads = ToolThreadCount();
+  for (int i = 0; i < kTimes; ++i) {
+    Line().SendText("Sw1Make");  // the port goes while bytes arrive
     Observer().AnnouncePort(kMainWindow, false, "COM2");
     PullLine();
     PlugLine();
     Observer().AnnouncePort(kMainWindow, true, "COM2");
     ExpectLiveLine();
   }
+  WaitUntil("no thread is left behind", [&] { return ToolThreadCount() == threads; });
 }
 
 TEST_F(PortTest, OtherPortsLeaveTheLinkAlone) {

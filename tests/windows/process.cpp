@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 
 extern char** environ;
 
@@ -109,6 +111,11 @@ bool WineProcess::IsRunning() {
   if (waitpid(pid_, &status, WNOHANG) != pid_) return true;
   exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   return false;
+}
+
+size_t WineProcess::ThreadCount() const {
+  const std::filesystem::directory_iterator threads("/proc/" + std::to_string(pid_) + "/task");
+  return static_cast<size_t>(std::distance(begin(threads), end(threads)));
 }
 
 int WineProcess::ExitCode(const Where& where) {

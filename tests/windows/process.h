@@ -31,6 +31,7 @@ class WineProcess {
   void CloseInput() { input_.Reset(); }
 
   bool IsRunning();
+  [[nodiscard]] size_t ThreadCount() const;
   // Waits for the end.
   int ExitCode(const Where& where = Where::current());
 

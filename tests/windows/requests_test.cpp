@@ -77,9 +77,10 @@ TEST_F(RequestsTest, TheCloseCommandAsksFirstInTheUsersLanguage) {
   const std::string caption = "Sarvik5";
   StartQuietTool();
   Observer().Post(kMainWindow, kCommand, kCloseTool);
-  Observer().AwaitDialog(caption,
-                         "Some features of the device will stop working if you close this tool. Are you sure you "
-                         "want to continue?");
+  Observer().AwaitDialog(
+      caption,
+      "Some features of the device will stop working if you close this tool. Are you sure you "
+      "want to continue?");
   Observer().Press(caption, "No");
   WaitUntil("the box is gone", [&] { return !Observer().SeesDialog(caption); });
   AwaitLine();
@@ -87,9 +88,10 @@ TEST_F(RequestsTest, TheCloseCommandAsksFirstInTheUsersLanguage) {
   SendTool(kCommand, kChooseDutch);
   EXPECT_EQ(Observer().ReadKey(Root::kUser, kSettingsKey)["CurrentLangID"], "number:1043");
   Observer().Post(kMainWindow, kCommand, kCloseTool);
-  Observer().AwaitDialog(caption,
-                         "Sommige functies van het toestel werken niet meer als u dit programma sluit. Weet u zeker "
-                         "dat u wilt doorgaan?");
+  Observer().AwaitDialog(
+      caption,
+      "Sommige functies van het toestel werken niet meer als u dit programma sluit. Weet u zeker "
+      "dat u wilt doorgaan?");
   Observer().Press(caption, "Yes");
   EXPECT_EQ(ExitCode(), 0);
 }

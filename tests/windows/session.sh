@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs a command beside a Windows of its own: session.sh COMMAND [ARGUMENT...]
 #
-# The command finds a fresh Wine prefix in WINEPREFIX and an empty X display in DISPLAY; both are gone when it ends,
+# The command finds a fresh Wine prefix in WINEPREFIX and an empty X display in DISPLAY, where Wine
+# has a desktop of its own; both are gone when it ends,
 # and the exit code is the command's. Environment:
 #   VELTRA_WINE_PREFIX   a directory that keeps the prefix, for faster starts
 #   VELTRA_SERIAL_SHIM   the library to preload into Wine, so that COM2 can be a pseudo terminal
@@ -12,6 +13,7 @@ scratch=$(mktemp -d "${TMPDIR:-/tmp}/veltra-wine.XXXXXX")
 export HOME=$scratch                                  # Wine makes links into it and writes below it
 export WINEPREFIX=${VELTRA_WINE_PREFIX:-$scratch/prefix}
 export WINEARCH=win64
+export LC_ALL=C.UTF-8                                 # Windows in English
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="  # no questions about add-ons, no menu entries
 export VELTRA_WINE_SESSION=1
@@ -45,12 +47,27 @@ in_wine() { LD_PRELOAD=${VELTRA_SERIAL_SHIM:-} "$@"; }
 # Started by itself, so that what it says at its end does not mix with what the command says.
 start_wine() { in_wine wineserver -p >"$scratch/wineserver.log" 2>&1; }
 
+settings() {
+  cat <<END
+REGEDIT4
+
+[HKEY_LOCAL_MACHINE\\Software\\Wine\\Ports]
+"COM2"="$WINEPREFIX/com2"
+
+[HKEY_CURRENT_USER\\Software\\Wine\\Explorer]
+"Desktop"="veltra"
+
+[HKEY_CURRENT_USER\\Software\\Wine\\Explorer\\Desktops]
+"veltra"="1024x768"
+END
+}
+
 # Wine links its COM ports anew when it starts, from the registry: hence the end of the first start.
 make_prefix() {
   [ -e "$WINEPREFIX/veltra-ready" ] && return 0
+  settings >"$scratch/settings.reg"
   {
-    in_wine wineboot -i &&
-      in_wine wine reg add 'HKLM\Software\Wine\Ports' /v COM2 /d "$WINEPREFIX/com2" /f &&
+    in_wine wineboot -i && in_wine wine regedit /S "$scratch/settings.reg" &&
       wineserver -k && wineserver -w && touch "$WINEPREFIX/veltra-ready"
   } >"$scratch/wineboot.log" 2>&1 || { cat "$scratch/wineboot.log" >&2; return 1; }
 }

@@ -48,6 +48,7 @@ class ToolTest : public testing::Test {
   // Starts it without delay, answers everything that it asks at start, and forgets what happened until then.
   void StartQuietTool(const Where& where = Where::current());
   bool IsToolRunning() { return tool_->IsRunning(); }
+  size_t ToolThreadCount() { return tool_->ThreadCount(); }
   int ExitCode(const Where& where = Where::current()) { return tool_->ExitCode(where); }
   int64_t SendTool(uint32_t message, int64_t wParam = 0, int64_t lParam = 0,
                    const Where& where = Where::current());

@@ -20,17 +20,20 @@ namespace {
 using Words = std::vector<std::string>;
 
 constexpr UINT kAnswerLimitMs = 30000;  // for a window that was sent a message
-constexpr char kDialogClass[] = "#32770";
 
 unsigned long long Number(const std::string& word) {
   return word.starts_with('-') ? static_cast<unsigned long long>(std::stoll(word, nullptr, 0))
                                : std::stoull(word, nullptr, 0);
 }
 
-HWND Find(const std::string& className, const std::string& caption = {}) {
-  const HWND window = FindWindowW(Wide(className).c_str(), caption.empty() ? nullptr : Wide(caption).c_str());
+HWND Find(const std::string& className) {
+  const HWND window = FindWindowW(Wide(className).c_str(), nullptr);
   if (!window) throw std::runtime_error("no such window");
   return window;
+}
+
+HWND FindCaption(const std::string& caption) {
+  return FindWindowW(nullptr, Wide(caption).c_str());
 }
 
 std::string Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -102,11 +105,14 @@ std::string RunDevice(const Words& words) {
               reinterpret_cast<LPARAM>(port));
 }
 
-// ---- dialogs ----------------------------------------------------------------------------------------------
+// ---- dialogs and other windows with controls ----------------------------------------------------------------------
 
 std::string TextOf(HWND window) {
   wchar_t text[512] = {};
-  const int length = GetWindowTextW(window, text, static_cast<int>(std::size(text)));
+  DWORD_PTR length = 0;  // asked of the control itself, which alone knows what was typed into it
+  if (!SendMessageTimeoutW(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text), SMTO_NORMAL,
+                           kAnswerLimitMs, &length))
+    return {};
   return Utf8({text, static_cast<size_t>(length)});
 }
 
@@ -117,8 +123,8 @@ std::vector<HWND> ControlsOf(HWND dialog) {
   return controls;
 }
 
-std::string RunDialog(const Words& words) {
-  const HWND dialog = FindWindowW(Wide(kDialogClass).c_str(), Wide(words[1]).c_str());
+std::string RunTexts(const Words& words) {
+  const HWND dialog = FindCaption(words[1]);
   if (!dialog) return "no";
   std::string texts = "yes";
   for (const HWND control : ControlsOf(dialog))
@@ -127,7 +133,7 @@ std::string RunDialog(const Words& words) {
 }
 
 std::string RunPress(const Words& words) {
-  const std::vector<HWND> controls = ControlsOf(Find(kDialogClass, words[1]));
+  const std::vector<HWND> controls = ControlsOf(FindCaption(words[1]));
   const auto button = std::ranges::find_if(controls, [&](HWND control) {
     std::string text = TextOf(control);
     std::erase(text, '&');
@@ -191,7 +197,7 @@ constexpr Command kCommands[] = {
     {"post", 4, RunPost},             // CLASS MESSAGE WPARAM LPARAM
     {"copy", 3, RunCopy},             // CLASS TAG HEX: the window's result
     {"device", 3, RunDevice},         // CLASS arrived|removed PORT: the window's result
-    {"dialog", 1, RunDialog},         // CAPTION: yes and the texts of its controls, or no
+    {"texts", 1, RunTexts},           // CAPTION: yes and the texts of its controls, or no
     {"press", 2, RunPress},           // CAPTION BUTTON
     {"list", 2, RunList},             // ROOT PATH: the values of a key
     {"set-number", 4, RunSetNumber},  // ROOT PATH NAME NUMBER
