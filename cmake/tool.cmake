@@ -2,6 +2,8 @@
 add_library(veltra_cores STATIC
   base/text.cpp
   app/command_line.cpp
+  firmware/flash_image.cpp
+  firmware/hex_file.cpp
   link/frame.cpp
 )
 
@@ -18,6 +20,7 @@ add_library(veltra_tool STATIC
   app/startup.cpp
   app/windows_version.cpp
   board/board_library.cpp
+  firmware/read_hex_file.cpp
   link/identity_store.cpp
   link/identity_updates.cpp
   link/infrared.cpp
@@ -51,3 +54,7 @@ else()
   target_sources(veltra_tool PRIVATE app/entry.cpp)
   target_link_libraries(veltra_tool PUBLIC pal)
 endif()
+
+# For the people who make firmware.
+add_executable(hexinfo tools/hexinfo.cpp)
+target_link_libraries(hexinfo PRIVATE veltra_cores)

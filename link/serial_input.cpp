@@ -222,29 +222,29 @@ void CSerialInput::Monitor(Line& line) {
   while (line.port != INVALID_HANDLE_VALUE && !line.IsStopRequested()) {
     DWORD events = 0;
     if (!WaitCommEvent(line.port, &events, nullptr)) break;
-    if (events & EV_RXCHAR) Drain(line);
+    if ((events & EV_RXCHAR) && !Drain(line)) break;
   }
   SetEvent(line.monitorStopped.Get());
   if (!line.IsStopRequested() && line.targetWindow) line.Post(WM_PIC_LINE_LOST, 0);
 }
 
-void CSerialInput::Drain(Line& line) {
+// Hands on all that the driver holds. False when the driver does not even tell how much that is: some report
+// a device that is gone as an event instead of failing the wait.
+bool CSerialInput::Drain(Line& line) {
   std::array<uint8_t, kReadChunk> buffer;
-  uint32_t count = 0;
-  do {
-    count = Read(line, buffer.data(), kReadChunk);
+  for (;;) {
+    COMSTAT status = {};
+    DWORD errors = 0;
+    if (!ClearCommError(line.port, &errors, &status)) return false;
+    const uint32_t wanted = std::min<uint32_t>(kReadChunk, status.cbInQue);
+    const uint32_t count = wanted > 0 ? Read(line, buffer.data(), wanted) : 0;
     line.Deliver({buffer.data(), count});
-  } while (count == kReadChunk);
+    if (count < kReadChunk) return true;
+  }
 }
 
-uint32_t CSerialInput::Read(Line& line, uint8_t* buffer, uint32_t maximum) {
+uint32_t CSerialInput::Read(Line& line, uint8_t* buffer, uint32_t wanted) {
   const HANDLE port = line.port;
-  COMSTAT status = {};
-  DWORD errors = 0;
-  if (!ClearCommError(port, &errors, &status)) return 0;
-  const DWORD wanted = std::min<DWORD>(maximum, status.cbInQue);
-  if (wanted == 0) return 0;
-
   DWORD received = 0;
   if (ReadFile(port, buffer, wanted, &received, &line.readOverlapped)) return received;
   if (GetLastError() != ERROR_IO_PENDING) {

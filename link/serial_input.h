@@ -58,8 +58,8 @@ class CSerialInput {
 
   static DWORD WINAPI CommThreadProc(void* line);
   static void Monitor(Line& line);
-  static void Drain(Line& line);
-  static uint32_t Read(Line& line, uint8_t* buffer, uint32_t maximum);
+  static bool Drain(Line& line);
+  static uint32_t Read(Line& line, uint8_t* buffer, uint32_t wanted);
 
   int32_t portNumber_;
   veltra::WideText name_;

@@ -27,9 +27,13 @@ BOOL FinishTransfer(DWORD error, DWORD transferred, LPDWORD count) {
 
 }  // namespace
 
-DWORD WINAPI GetLastError() { return lastError; }
+DWORD WINAPI GetLastError() {
+  return lastError;
+}
 
-void WINAPI SetLastError(DWORD error) { lastError = error; }
+void WINAPI SetLastError(DWORD error) {
+  lastError = error;
+}
 
 void WINAPI OutputDebugStringW(LPCWSTR text) {
   const Call call;
@@ -62,7 +66,8 @@ BOOL WINAPI ReadFile(HANDLE file, LPVOID buffer, DWORD count, LPDWORD transferre
   return FinishTransfer(error, done, transferred);
 }
 
-BOOL WINAPI WriteFile(HANDLE file, LPCVOID buffer, DWORD count, LPDWORD transferred, LPOVERLAPPED overlapped) {
+BOOL WINAPI WriteFile(HANDLE file, LPCVOID buffer, DWORD count, LPDWORD transferred,
+                      LPOVERLAPPED overlapped) {
   const Call call("WriteFile");
   if (call.Fails()) return FALSE;
   const auto object = call->handles.Find<Object>(file);
@@ -79,7 +84,8 @@ BOOL WINAPI GetOverlappedResult(HANDLE file, LPOVERLAPPED overlapped, LPDWORD tr
   if (!object) return Refuse(ERROR_INVALID_HANDLE, FALSE);
   const std::function<bool()> isOver = [overlapped] { return !IsUnderWay(*overlapped); };
   if (!isOver() && !wait) return Refuse(ERROR_IO_INCOMPLETE, FALSE);
-  if (call->scheduler.Wait(isOver, std::nullopt) != Waited::kHolds) return Refuse(ERROR_OPERATION_ABORTED, FALSE);
+  if (call->scheduler.Wait(isOver, std::nullopt) != Waited::kHolds)
+    return Refuse(ERROR_OPERATION_ABORTED, FALSE);
   *transferred = static_cast<DWORD>(overlapped->InternalHigh);
   const auto error = static_cast<DWORD>(overlapped->Internal);
   return error == ERROR_SUCCESS ? TRUE : Refuse(error, FALSE);

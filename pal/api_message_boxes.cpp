@@ -1,4 +1,5 @@
-// MessageBoxW: shown to the person, who answers when it pleases them, while the calling thread's messages go on.
+// MessageBoxW: shown to the person, who answers when it pleases them, while the calling thread's messages go
+// on.
 #include <algorithm>
 
 #include "pal/window_calls.h"
@@ -85,10 +86,12 @@ LRESULT CALLBACK MessageBoxProcedure(HWND window, UINT message, WPARAM wParam, L
   {
     const Call call;
     const auto& open = call->boxes.open;
-    const auto box = std::find_if(open.begin(), open.end(), [&](const auto& other) { return other->window == window; });
+    const auto box =
+        std::find_if(open.begin(), open.end(), [&](const auto& other) { return other->window == window; });
     if (box == open.end()) return 0;
     const OpenMessageBox& shown = (*box)->shown;
-    const int button = message == WM_CLOSE ? ButtonsOf(shown.type).closeAnswer : static_cast<int>(LOWORD(wParam));
+    const int button =
+        message == WM_CLOSE ? ButtonsOf(shown.type).closeAnswer : static_cast<int>(LOWORD(wParam));
     if (message == WM_CLOSE || message == WM_COMMAND) {
       if (HasButton(shown, button)) AnswerBox(call.Get(), **box, button);
       return 0;
@@ -106,7 +109,8 @@ int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
   Thread& self = CallingThread("MessageBoxW");
   if (owner && !state.desktop.Find(owner)) return Refuse(ERROR_INVALID_WINDOW_HANDLE, 0);
   if (state.scheduler.IsEnding()) return IDCANCEL;
-  const OpenMessageBox shown{owner, text ? text : u"", std::u16string(caption ? caption : kDefaultCaption), type};
+  const OpenMessageBox shown{owner, text ? text : u"", std::u16string(caption ? caption : kDefaultCaption),
+                             type};
   ButtonsOf(type);
   state.Emit(BoxShown{shown.text, shown.caption, type});
 

@@ -56,8 +56,8 @@ void Broadcast(State& state, UINT message, WPARAM wParam, LPARAM lParam, ToOwn t
   }
 }
 
-std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND window, UINT message, WPARAM wParam,
-                                          LPARAM lParam) {
+std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND window, UINT message,
+                                          WPARAM wParam, LPARAM lParam) {
   auto sent = std::make_shared<SentMessage>();
   sent->window = window;
   sent->message = message;
@@ -68,8 +68,8 @@ std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND win
   return sent;
 }
 
-// Sends and waits for the answer, handling meanwhile what others send to the caller. Empty, with a last error, when
-// there is none.
+// Sends and waits for the answer, handling meanwhile what others send to the caller. Empty, with a last
+// error, when there is none.
 std::optional<LRESULT> SendAndWait(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                    std::optional<Time> deadline) {
   const Window* found = state.desktop.Find(window);
@@ -112,7 +112,9 @@ BOOL WINAPI GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
   Thread& self = CallingThread("GetMessageW");
   const std::optional<MessageFilter> filter = MakeFilter(state, window, first, last);
   if (!filter) return Refuse(ERROR_INVALID_WINDOW_HANDLE, -1);
-  const std::function<bool()> hasWork = [&] { return self.queue.HasSent() || self.queue.Has(*filter, state.scheduler.Now()); };
+  const std::function<bool()> hasWork = [&] {
+    return self.queue.HasSent() || self.queue.Has(*filter, state.scheduler.Now());
+  };
   while (!state.scheduler.IsEnding()) {
     HandleSentMessages(state, self);
     if (const std::optional<MSG> taken = self.queue.Take(*filter, state.scheduler.Now(), true)) {
@@ -155,7 +157,8 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam
   if (call.Fails()) return FALSE;
   if (CanOnlyBeSent(message)) return Refuse(ERROR_MESSAGE_SYNC_ONLY, FALSE);
   if (window == HWND_BROADCAST) {
-    Broadcast(call.Get(), message, wParam, lParam, [&](HWND own) { PostTo(call.Get(), own, message, wParam, lParam); });
+    Broadcast(call.Get(), message, wParam, lParam,
+              [&](HWND own) { PostTo(call.Get(), own, message, wParam, lParam); });
     return TRUE;
   }
   const DWORD error = PostTo(call.Get(), window, message, wParam, lParam);
@@ -165,14 +168,15 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam
 LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   const Call call("SendMessageW");
   if (call.Fails()) return 0;
-  if (window != HWND_BROADCAST) return SendAndWait(call.Get(), window, message, wParam, lParam, std::nullopt).value_or(0);
+  if (window != HWND_BROADCAST)
+    return SendAndWait(call.Get(), window, message, wParam, lParam, std::nullopt).value_or(0);
   Broadcast(call.Get(), message, wParam, lParam,
             [&](HWND own) { SendAndWait(call.Get(), own, message, wParam, lParam, std::nullopt); });
   return TRUE;
 }
 
-LRESULT WINAPI SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT flags, UINT timeoutMs,
-                                   PDWORD_PTR result) {
+LRESULT WINAPI SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT flags,
+                                   UINT timeoutMs, PDWORD_PTR result) {
   const Call call("SendMessageTimeoutW");
   if (call.Fails()) return 0;
   if (flags & ~(SMTO_BLOCK | SMTO_ABORTIFHUNG)) Die("SendMessageTimeoutW with an unknown flag");

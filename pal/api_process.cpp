@@ -41,14 +41,18 @@ DWORD WINAPI GetCurrentThreadId() {
   return self ? self->id : kOutsideThreadId;
 }
 
-DWORD WINAPI GetCurrentProcessId() { return kProcessId; }
+DWORD WINAPI GetCurrentProcessId() {
+  return kProcessId;
+}
 
 LPWSTR WINAPI GetCommandLineW() {
   const Call call;
   return call->commandLine.data();
 }
 
-ULONGLONG WINAPI GetTickCount64() { return TickCount64(CurrentState().scheduler.Now()); }
+ULONGLONG WINAPI GetTickCount64() {
+  return TickCount64(CurrentState().scheduler.Now());
+}
 
 void WINAPI GetLocalTime(LPSYSTEMTIME time) {
   const Call call;
@@ -57,7 +61,8 @@ void WINAPI GetLocalTime(LPSYSTEMTIME time) {
 }
 
 BOOL WINAPI QueryPerformanceCounter(LARGE_INTEGER* count) {
-  count->QuadPart = (CurrentState().scheduler.Now() + kUptimeAtStart).count() * kPerformanceTicksPerMicrosecond;
+  count->QuadPart =
+      (CurrentState().scheduler.Now() + kUptimeAtStart).count() * kPerformanceTicksPerMicrosecond;
   return TRUE;
 }
 
@@ -69,7 +74,8 @@ BOOL WINAPI QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
 EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags) {
   const Call call("SetThreadExecutionState");
   if (call.Fails()) return 0;
-  if (flags & ~(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED | ES_CONTINUOUS)) Die("SetThreadExecutionState with an unknown flag");
+  if (flags & ~(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED | ES_CONTINUOUS))
+    Die("SetThreadExecutionState with an unknown flag");
   call->Emit(ExecutionState{flags});
   const EXECUTION_STATE before = call->executionState;
   if (flags & ES_CONTINUOUS) call->executionState = flags;

@@ -46,7 +46,8 @@ BOOL WINAPI SetCommMask(HANDLE port, DWORD events) {
 }
 
 BOOL WINAPI WaitCommEvent(HANDLE port, LPDWORD events, LPOVERLAPPED overlapped) {
-  return OnPort("WaitCommEvent", port, [&](PortHandle& handle) { return handle.WaitEvent(events, overlapped); });
+  return OnPort("WaitCommEvent", port,
+                [&](PortHandle& handle) { return handle.WaitEvent(events, overlapped); });
 }
 
 BOOL WINAPI ClearCommError(HANDLE port, LPDWORD errors, LPCOMSTAT status) {

@@ -115,7 +115,8 @@ BOOL WINAPI ReleaseMutex(HANDLE mutex) {
   return TRUE;
 }
 
-HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState, LPCWSTR name) {
+HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState,
+                           LPCWSTR name) {
   const Call call("CreateEventW");
   if (call.Fails()) return nullptr;
   if (security || name) Die("CreateEventW with security attributes or a name");
@@ -123,9 +124,13 @@ HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOO
   return call->handles.Add(std::make_shared<EventObject>(manualReset != FALSE, initialState != FALSE));
 }
 
-BOOL WINAPI SetEvent(HANDLE event) { return ChangeEvent("SetEvent", event, true); }
+BOOL WINAPI SetEvent(HANDLE event) {
+  return ChangeEvent("SetEvent", event, true);
+}
 
-BOOL WINAPI ResetEvent(HANDLE event) { return ChangeEvent("ResetEvent", event, false); }
+BOOL WINAPI ResetEvent(HANDLE event) {
+  return ChangeEvent("ResetEvent", event, false);
+}
 
 DWORD WINAPI WaitForSingleObject(HANDLE object, DWORD milliseconds) {
   const Call call("WaitForSingleObject");
@@ -144,7 +149,8 @@ HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T /*stackSize*/,
                            LPVOID parameter, DWORD flags, LPDWORD threadId) {
   const Call call("CreateThread");
   if (call.Fails()) return nullptr;
-  if (security || (flags & ~kStackSizeIsReservation)) Die("CreateThread with security attributes or unknown flags");
+  if (security || (flags & ~kStackSizeIsReservation))
+    Die("CreateThread with security attributes or unknown flags");
   if (!Scheduler::Current()) Die("CreateThread outside the program");
   auto thread = call->scheduler.Start([start, parameter] { return start(parameter); }, false);
   if (threadId) *threadId = thread->id;

@@ -10,7 +10,9 @@ namespace {
 
 constexpr DWORD kTopLevelWithChildStyle = 1406;  // ERROR_TLW_WITH_WSCHILD
 
-int PositionOf(int value) { return value == CW_USEDEFAULT ? 0 : value; }
+int PositionOf(int value) {
+  return value == CW_USEDEFAULT ? 0 : value;
+}
 
 // The window's place inside another one, or why it cannot have it; 0 when it can.
 DWORD PlaceInside(State& state, HWND parent, DWORD style, HMENU menu, Window& window) {
@@ -86,26 +88,29 @@ BOOL WINAPI UnregisterClassW(LPCWSTR className, HINSTANCE /*instance*/) {
   return TRUE;
 }
 
-HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y, int width,
-                            int height, HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter) {
+HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y,
+                            int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                            LPVOID parameter) {
   const Call call("CreateWindowExW");
   if (call.Fails()) return nullptr;
   State& state = call.Get();
   Window window;
   window.windowClass = state.desktop.FindClass(className);
   if (!window.windowClass) return Refuse<HWND>(ERROR_CANNOT_FIND_WND_CLASS, nullptr);
-  if (const DWORD error = PlaceInside(state, parent, style, menu, window)) return Refuse<HWND>(error, nullptr);
+  if (const DWORD error = PlaceInside(state, parent, style, menu, window))
+    return Refuse<HWND>(error, nullptr);
   window.thread = &CallingThread("CreateWindowExW");
   window.procedure = window.windowClass->procedure;
   window.title = title ? title : u"";
   window.style = style;
   window.exStyle = exStyle;
   window.instance = instance;
-  window.rect = {PositionOf(x), PositionOf(y), PositionOf(x) + PositionOf(width), PositionOf(y) + PositionOf(height)};
+  window.rect = {PositionOf(x), PositionOf(y), PositionOf(x) + PositionOf(width),
+                 PositionOf(y) + PositionOf(height)};
   window.extra.resize(static_cast<size_t>(window.windowClass->windowExtra));
   const HWND handle = state.desktop.Add(std::move(window)).handle;
 
-  CREATESTRUCTW create{parameter, instance, menu,  parent,    height,  width, y, x, static_cast<LONG>(style),
+  CREATESTRUCTW create{parameter, instance,  menu,   parent, height, width, y, x, static_cast<LONG>(style),
                        title,     className, exStyle};
   const auto lParam = reinterpret_cast<LPARAM>(&create);
   if (!CallWindow(state, handle, WM_NCCREATE, 0, lParam)) {
@@ -163,9 +168,10 @@ HWND WINAPI FindWindowW(LPCWSTR className, LPCWSTR title) {
   if (call.Fails()) return nullptr;
   for (const HWND handle : call->desktop.TopLevel()) {
     const Window& window = *call->desktop.Find(handle);
-    const bool isOfClass = !className || (IS_INTRESOURCE(className)
-                                              ? window.windowClass->atom == reinterpret_cast<ULONG_PTR>(className)
-                                              : SameName(window.windowClass->name, className));
+    const bool isOfClass =
+        !className ||
+        (IS_INTRESOURCE(className) ? window.windowClass->atom == reinterpret_cast<ULONG_PTR>(className)
+                                   : SameName(window.windowClass->name, className));
     if (isOfClass && (!title || window.title == title)) return handle;
   }
   return nullptr;

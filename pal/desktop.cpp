@@ -24,7 +24,8 @@ std::vector<HWND> Select(const std::map<HWND, Window>& windows, Predicate predic
 }  // namespace
 
 bool SameName(std::u16string_view a, std::u16string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char16_t x, char16_t y) { return Lower(x) == Lower(y); });
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char16_t x, char16_t y) { return Lower(x) == Lower(y); });
 }
 
 Desktop::Desktop() {
@@ -68,7 +69,9 @@ Window* Desktop::Find(HWND handle) {
   return found == windows_.end() ? nullptr : &found->second;
 }
 
-void Desktop::Remove(HWND handle) { windows_.erase(handle); }
+void Desktop::Remove(HWND handle) {
+  windows_.erase(handle);
+}
 
 std::vector<HWND> Desktop::TopLevel() const {
   std::vector<HWND> windows = Select(windows_, [](const Window& window) { return window.IsTopLevel(); });
@@ -98,7 +101,8 @@ std::vector<HWND> Desktop::WithDescendants(HWND window) const {
 }
 
 int Desktop::CountOfProgram() const {
-  return static_cast<int>(Select(windows_, [](const Window& window) { return window.thread != nullptr; }).size());
+  return static_cast<int>(
+      Select(windows_, [](const Window& window) { return window.thread != nullptr; }).size());
 }
 
 UINT Desktop::RegisterMessage(std::u16string_view name) {

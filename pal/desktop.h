@@ -26,21 +26,21 @@ struct WindowClass {
 struct Window {
   HWND handle = nullptr;
   std::shared_ptr<const WindowClass> windowClass;
-  Thread* thread = nullptr;       // null for a window of another program
-  ForeignWindowHandler foreign;   // of a window of another program
+  Thread* thread = nullptr;      // null for a window of another program
+  ForeignWindowHandler foreign;  // of a window of another program
   WNDPROC procedure = nullptr;
   std::u16string title;
   DWORD style = 0;
   DWORD exStyle = 0;
-  HWND parent = nullptr;          // of a child window
-  HWND owner = nullptr;           // of a top-level window; it goes with its owner
+  HWND parent = nullptr;  // of a child window
+  HWND owner = nullptr;   // of a top-level window; it goes with its owner
   bool isDesktop = false;
   bool isBeingDestroyed = false;
   RECT rect{};
   HINSTANCE instance = nullptr;
-  LONG_PTR id = 0;                // of a child window
+  LONG_PTR id = 0;  // of a child window
   LONG_PTR userData = 0;
-  std::vector<uint8_t> extra;     // cbWndExtra bytes
+  std::vector<uint8_t> extra;  // cbWndExtra bytes
 
   [[nodiscard]] bool IsTopLevel() const { return !parent && !isDesktop; }
 };

@@ -28,7 +28,8 @@ constexpr std::u16string_view kDirectoriesAtStart[] = {Machine::kProgramDirector
 fs::path MakeTemporaryDirectory() {
   const fs::path memory = "/dev/shm";
   const bool inMemory = access(memory.c_str(), W_OK) == 0;
-  std::string name = ((inMemory ? memory : fs::temp_directory_path()) / "pal-disk-XXXXXX").string();
+  std::string name =
+      ((inMemory ? memory : fs::temp_directory_path()) / ("pal-disk-" + std::string(6, 'X'))).string();
   if (!mkdtemp(name.data())) Die("cannot make a directory for the disk");
   return name;
 }

@@ -11,6 +11,8 @@ namespace pal {
 
 using Time = std::chrono::microseconds;
 
+// One record a line.
+// clang-format off
 struct DebugOutput { std::u16string text; };
 struct RegistryWrite { std::u16string key; std::u16string name; uint32_t type = 0; std::vector<uint8_t> data; };
 struct FileWrite { std::u16string path; std::string bytes; };
@@ -41,11 +43,12 @@ struct ModuleFreed { std::u16string path; };
 struct DeviceCall { std::string device; std::string call; };
 struct ProgramStarted { std::u16string commandLine; };
 struct ProgramEnded { int exitCode = 0; };
+// clang-format on
 
-using EffectDetail =
-    std::variant<DebugOutput, RegistryWrite, FileWrite, SerialOpened, SerialClosed, SerialWrite, MouseInput, KeyInput,
-                 ExecutionState, Beep, BoxShown, BoxAnswered, ForeignMessageSent, TimerSet, TimerKilled, LanguageSet,
-                 ModuleLoaded, ModuleFreed, DeviceCall, ProgramStarted, ProgramEnded>;
+using EffectDetail = std::variant<DebugOutput, RegistryWrite, FileWrite, SerialOpened, SerialClosed,
+                                  SerialWrite, MouseInput, KeyInput, ExecutionState, Beep, BoxShown,
+                                  BoxAnswered, ForeignMessageSent, TimerSet, TimerKilled, LanguageSet,
+                                  ModuleLoaded, ModuleFreed, DeviceCall, ProgramStarted, ProgramEnded>;
 
 struct Effect {
   Time at{0};

@@ -13,7 +13,8 @@ namespace pal {
 
 struct Thread;
 
-// Anything that the program reaches through a HANDLE and closes with CloseHandle. All calls hold the machine's lock.
+// Anything that the program reaches through a HANDLE and closes with CloseHandle. All calls hold the
+// machine's lock.
 class Object {
  public:
   Object() = default;

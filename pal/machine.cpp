@@ -24,7 +24,8 @@ std::u16string ArgumentsOf(std::u16string_view commandLine) {
   return std::u16string(commandLine.substr(std::min(start, commandLine.size())));
 }
 
-// What lParam of a message from the outside points to. The program may handle it when the sender's memory is gone.
+// What lParam of a message from the outside points to. The program may handle it when the sender's memory is
+// gone.
 std::vector<uint8_t> CopyPointedTo(UINT message, LPARAM lParam) {
   if (message != WM_DEVICECHANGE || lParam == 0) return {};
   const auto* header = reinterpret_cast<const DEV_BROADCAST_HDR*>(lParam);
@@ -60,7 +61,9 @@ Machine& CurrentMachine() {
   return *currentMachine;
 }
 
-Machine::Machine(Clock clock) : state_(std::make_unique<State>(clock)) { currentMachine = this; }
+Machine::Machine(Clock clock) : state_(std::make_unique<State>(clock)) {
+  currentMachine = this;
+}
 
 Machine::~Machine() {
   {
@@ -73,7 +76,9 @@ Machine::~Machine() {
 
 // ---- time ---------------------------------------------------------------------------------------------------
 
-Time Machine::Now() const { return state_->scheduler.Now(); }
+Time Machine::Now() const {
+  return state_->scheduler.Now();
+}
 
 void Machine::At(Time when, std::function<void()> event) {
   const MachineLock lock(state_->mutex);
@@ -138,13 +143,14 @@ HWND Machine::ProgramWindow(std::u16string_view className) const {
 
 std::optional<LRESULT> Machine::Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam, Time limit) {
   const MachineLock lock(state_->mutex);
-  auto sent = std::make_shared<SentMessage>(SentMessage{window, message, wParam, lParam, CopyPointedTo(message, lParam)});
+  auto sent = std::make_shared<SentMessage>(
+      SentMessage{window, message, wParam, lParam, CopyPointedTo(message, lParam)});
   if (!sent->copied.empty()) sent->lParam = reinterpret_cast<LPARAM>(sent->copied.data());
   return SendFromOutside(*state_, std::move(sent), limit);
 }
 
-std::optional<LRESULT> Machine::SendCopyData(HWND window, HWND sender, uint64_t tag, std::span<const uint8_t> payload,
-                                             Time limit) {
+std::optional<LRESULT> Machine::SendCopyData(HWND window, HWND sender, uint64_t tag,
+                                             std::span<const uint8_t> payload, Time limit) {
   const MachineLock lock(state_->mutex);
   auto sent = std::make_shared<SentMessage>(
       SentMessage{window, WM_COPYDATA, reinterpret_cast<WPARAM>(sender), 0, PackCopyData(tag, payload)});
@@ -173,7 +179,8 @@ int Machine::CountOpen(std::string_view kind) const {
   if (kind == "window") return state_->desktop.CountOfProgram();
   if (kind != "timer") return state_->handles.Count(kind);
   size_t timers = 0;
-  for (const std::shared_ptr<Thread>& thread : state_->scheduler.Threads()) timers += thread->queue.TimerCount();
+  for (const std::shared_ptr<Thread>& thread : state_->scheduler.Threads())
+    timers += thread->queue.TimerCount();
   return static_cast<int>(timers);
 }
 
@@ -190,7 +197,9 @@ void Machine::Fail(std::string function, int times, DWORD lastError, int skip) {
   state_->failures.Arm(std::move(function), times, lastError, skip);
 }
 
-const std::vector<Effect>& Machine::Effects() const { return state_->effects; }
+const std::vector<Effect>& Machine::Effects() const {
+  return state_->effects;
+}
 
 void Machine::OnEffect(std::function<void(const Effect&)> listener) {
   const MachineLock lock(state_->mutex);
@@ -220,7 +229,8 @@ void Machine::AttachTty(int number, const std::filesystem::path& tty) {
 HWND Machine::AddForeignWindow(std::u16string_view className, ForeignWindowHandler handler) {
   const MachineLock lock(state_->mutex);
   Window window;
-  window.windowClass = std::make_shared<const WindowClass>(WindowClass{std::u16string(className), 0, nullptr, 0});
+  window.windowClass =
+      std::make_shared<const WindowClass>(WindowClass{std::u16string(className), 0, nullptr, 0});
   window.foreign = std::move(handler);
   return state_->desktop.Add(std::move(window)).handle;
 }

@@ -1,13 +1,15 @@
 // The machine behind the platform adaptation layer: what tests, the simulator and the console see of the
 // computer on which the tool believes it runs. Nothing in the tool itself includes this file.
 //
-// One Machine at a time. Creating one resets the layer; destroying it ends a program that still runs (every
-// wait returns, message loops see WM_QUIT) and fails loudly when handles or threads of the program are left.
+// One Machine at a time. Creating one resets the layer; destroying it ends a program that still runs: every
+// wait fails, message loops see WM_QUIT, message boxes return IDCANCEL, and when the entry has returned its
+// other threads and its handles go, as with a process. A program that does not return within ten seconds ends
+// the test with a message.
 //
-// Threads. The program runs on its own thread; the caller's thread is the "outside". With virtual time exactly
-// one of them runs at any moment and they change only where the program waits, so that runs are deterministic:
-// the outside calls Advance(), the program runs until it waits beyond that time, Advance() returns. With wall
-// time all of them run freely.
+// Threads. The program runs on its own thread; the caller's thread is the "outside". With virtual time
+// exactly one of them runs at any moment and they change only where the program waits, so that runs are
+// deterministic: the outside calls Advance(), the program runs until it waits beyond that time, Advance()
+// returns. With wall time all of them run freely.
 //
 // Events. What hardware and people do at a given time is an event: a function that runs when the clock
 // reaches it. In virtual time the outside may also touch the machine directly between two calls of Advance().
@@ -36,7 +38,9 @@ class SerialPort;
 struct State;  // the inside, see state.h
 
 // A window of another program. The handler runs when a message reaches it and gives the message's result;
-// `payload` holds the copied bytes of WM_COPYDATA. Every message is also an effect (MessageToForeignWindow).
+// `payload` holds the copied bytes of WM_COPYDATA. Every message is also an effect (ForeignMessageSent). What
+// is sent is handled on the sender's thread, what is posted or broadcast as an event. A handler may call the
+// machine, but not wait: At, Post and Emit, not Advance or Send.
 struct ForeignMessage {
   UINT message = 0;
   WPARAM wParam = 0;
@@ -67,10 +71,10 @@ class Machine {
   void After(Time delay, std::function<void()> event) { At(Now() + delay, std::move(event)); }
   // Lets everything happen that is due within `span`, then returns. With wall time: sleeps that long.
   void Advance(Time span);
-  // Advances until the condition holds (checked after every event and whenever the program waits) or the limit
-  // is over; returns whether it holds.
+  // Advances until the condition holds (checked after every event and whenever the program waits) or the
+  // limit is over; returns whether it holds.
   bool AdvanceUntil(const std::function<bool()>& condition, Time limit);
-  // Runs `action` where events run; with wall time waits for it.
+  // Runs `action` where events run, and returns when it has run.
   void Do(const std::function<void()>& action);
   // Local time at Now() == 0, as GetLocalTime reports it. Default: 2024-11-19 14:05:00.000.
   void SetLocalTime(const SYSTEMTIME& start);
@@ -80,40 +84,51 @@ class Machine {
   // Starts the program on its own thread; it begins to run with the next Advance(). `commandLine` is what
   // GetCommandLineW returns, program name included. One program at a time; after it ended another may start.
   void StartProgram(EntryPoint entry, std::u16string commandLine);
-  void StartProgram(std::function<int()> entry);  // for contract tests
+  void StartProgram(std::function<int()> entry);      // for contract tests
   [[nodiscard]] std::optional<int> ExitCode() const;  // empty while it runs
   // The program's top-level window of that class, null when there is none.
   [[nodiscard]] HWND ProgramWindow(std::u16string_view className) const;
   // Sends or posts a message to a window of the program as another process would; a send is answered when the
-  // program next looks for messages (Advance until then). Returns empty when it was not answered in `limit`.
-  std::optional<LRESULT> Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam, Time limit = std::chrono::seconds(30));
-  std::optional<LRESULT> SendCopyData(HWND window, HWND sender, uint64_t tag, std::span<const uint8_t> payload,
+  // program next looks for messages, and the clock runs until then. Returns empty when it was not answered in
+  // `limit`; a limit of 0 does not wait, and an event may send so. The payload, and the structure to which
+  // the lParam of WM_DEVICECHANGE points, are copied. Post returns false when there is no such window or its
+  // queue is full.
+  std::optional<LRESULT> Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                              Time limit = std::chrono::seconds(30));
+  std::optional<LRESULT> SendCopyData(HWND window, HWND sender, uint64_t tag,
+                                      std::span<const uint8_t> payload,
                                       Time limit = std::chrono::seconds(30));
   bool Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  // Handles, threads, windows and timers that the program holds now, for leak checks: "event", "thread", ...
+  // What the program holds now, for leak checks: handles by kind ("event", "mutex", "file", "serial", "key",
+  // "thread handle"), "window", "timer", and "thread": those that run beside the main thread.
   [[nodiscard]] int CountOpen(std::string_view kind) const;
   [[nodiscard]] size_t QueuedMessages() const;  // posted messages that wait for the program's main thread
 
   // ---- failures -----------------------------------------------------------------------------------------
-  // The next `times` calls of the function of that name ("RegisterClassExW", "CreateThread", ...) fail with that
-  // last error. `skip` calls succeed first.
+  // The next `times` calls of the function of that name ("RegisterClassExW", "CreateThread", ...) fail with
+  // that last error. `skip` calls succeed first.
   void Fail(std::string function, int times, DWORD lastError, int skip = 0);
 
   // ---- effects ------------------------------------------------------------------------------------------
-  // Everything that the program did to the machine, in order.
+  // Everything that the program did to the machine, in order. With wall time look at it only where the
+  // program does not run: in the condition of AdvanceUntil, in a listener, or when the program has ended.
   [[nodiscard]] const std::vector<Effect>& Effects() const;
+  // The listener is called at each effect, on the thread that has it, and must not wait.
   void OnEffect(std::function<void(const Effect&)> listener);
   // For devices behind loadable modules (the joystick, the board): adds their own effect to the stream.
   void Emit(EffectDetail detail);
 
   // ---- serial ports -------------------------------------------------------------------------------------
   SerialPort& AddSerialPort(int number);  // in memory, present from now on; the machine owns it
-  void AttachTty(int number, const std::filesystem::path& tty);  // a real tty or pty of the host, wall time only
+  void AttachTty(int number,
+                 const std::filesystem::path& tty);  // a real tty or pty of the host, wall time only
 
   // ---- registry -----------------------------------------------------------------------------------------
-  void SetRegistryValue(HKEY root, std::u16string_view path, std::u16string_view name, DWORD type, std::span<const uint8_t> data);
+  void SetRegistryValue(HKEY root, std::u16string_view path, std::u16string_view name, DWORD type,
+                        std::span<const uint8_t> data);
   void SetRegistryDword(HKEY root, std::u16string_view path, std::u16string_view name, uint32_t value);
-  [[nodiscard]] std::optional<uint32_t> RegistryDword(HKEY root, std::u16string_view path, std::u16string_view name) const;
+  [[nodiscard]] std::optional<uint32_t> RegistryDword(HKEY root, std::u16string_view path,
+                                                      std::u16string_view name) const;
   [[nodiscard]] std::vector<std::u16string> RegistryValueNames(HKEY root, std::u16string_view path) const;
   void DeleteRegistryKey(HKEY root, std::u16string_view path);
   void DeleteRegistryValue(HKEY root, std::u16string_view path, std::u16string_view name);
@@ -182,7 +197,8 @@ class SerialPort {
   // The settings that the program made last, for tests.
   [[nodiscard]] virtual DCB Settings() const = 0;
   [[nodiscard]] virtual COMMTIMEOUTS Timeouts() const = 0;
-  virtual void SetDriverDefaults(const DCB& dcb) = 0;  // what GetCommState reports before the program set anything
+  virtual void SetDriverDefaults(
+      const DCB& dcb) = 0;  // what GetCommState reports before the program set anything
 };
 
 }  // namespace pal

@@ -7,7 +7,9 @@
 namespace pal {
 namespace {
 
-bool Is(const WindowTimer& timer, HWND window, UINT_PTR id) { return timer.window == window && timer.id == id; }
+bool Is(const WindowTimer& timer, HWND window, UINT_PTR id) {
+  return timer.window == window && timer.id == id;
+}
 
 }  // namespace
 
@@ -85,7 +87,8 @@ bool MessageQueue::KillTimer(HWND window, UINT_PTR id) {
 }
 
 bool MessageQueue::HasTimer(HWND window, UINT_PTR id) const {
-  return std::any_of(timers_.begin(), timers_.end(), [&](const WindowTimer& timer) { return Is(timer, window, id); });
+  return std::any_of(timers_.begin(), timers_.end(),
+                     [&](const WindowTimer& timer) { return Is(timer, window, id); });
 }
 
 std::optional<Time> MessageQueue::NextTimer(const MessageFilter& filter) const {
@@ -100,7 +103,8 @@ void MessageQueue::Forget(HWND window) {
   std::erase_if(timers_, [&](const WindowTimer& timer) { return timer.window == window; });
   for (const std::shared_ptr<SentMessage>& message : sent_)
     if (message->window == window) message->answered = true;
-  std::erase_if(sent_, [&](const std::shared_ptr<SentMessage>& message) { return message->window == window; });
+  std::erase_if(sent_,
+                [&](const std::shared_ptr<SentMessage>& message) { return message->window == window; });
 }
 
 void MessageQueue::Clear() {

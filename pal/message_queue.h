@@ -18,8 +18,8 @@ struct SentMessage {
   UINT message = 0;
   WPARAM wParam = 0;
   LPARAM lParam = 0;
-  std::vector<uint8_t> copied;    // what lParam points to, when the sender may be gone before it is handled
-  bool answered = false;          // handled, or the window is gone
+  std::vector<uint8_t> copied;  // what lParam points to, when the sender may be gone before it is handled
+  bool answered = false;        // handled, or the window is gone
   std::optional<LRESULT> result = std::nullopt;  // empty when the window is gone
 };
 
@@ -51,8 +51,8 @@ class MessageQueue {
 
   // Whether Take would find a message at that time.
   [[nodiscard]] bool Has(const MessageFilter& filter, Time now) const;
-  // Posted messages first, then WM_QUIT whatever the filter says, then the timer that is due the longest. With
-  // `remove` false the message stays where it is.
+  // Posted messages first, then WM_QUIT whatever the filter says, then the timer that is due the longest.
+  // With `remove` false the message stays where it is.
   std::optional<MSG> Take(const MessageFilter& filter, Time now, bool remove);
   [[nodiscard]] bool HasSent() const { return !sent_.empty(); }
   std::shared_ptr<SentMessage> TakeSent();  // null when there is none
@@ -72,8 +72,9 @@ class MessageQueue {
   void Clear();
 
  private:
-  [[nodiscard]] size_t FindPosted(const MessageFilter& filter) const;     // posted_.size() when there is none
-  [[nodiscard]] size_t FindDueTimer(const MessageFilter& filter, Time now) const;  // timers_.size() when there is none
+  [[nodiscard]] size_t FindPosted(const MessageFilter& filter) const;  // posted_.size() when there is none
+  [[nodiscard]] size_t FindDueTimer(const MessageFilter& filter,
+                                    Time now) const;  // timers_.size() when there is none
 
   std::deque<MSG> posted_;
   std::deque<std::shared_ptr<SentMessage>> sent_;

@@ -12,7 +12,11 @@ struct Constant {
   uint32_t value;
 };
 
-#define DECLARED(name) Constant{#name, static_cast<uint32_t>(name)}
+template <class Number>
+constexpr Constant MakeConstant(std::string_view name, Number value) {
+  return {name, static_cast<uint32_t>(value)};
+}
+#define DECLARED(name) MakeConstant(#name, name)
 
 // What the layer's own headers declare comes from there; the rest is of use to scripts only.
 constexpr Constant kConstants[] = {

@@ -58,7 +58,9 @@ void Scheduler::NotifyOutside() {
 
 // ---- the program's threads ----------------------------------------------------------------------------------
 
-Thread* Scheduler::Current() { return currentThread; }
+Thread* Scheduler::Current() {
+  return currentThread;
+}
 
 std::shared_ptr<Thread> Scheduler::Start(std::function<DWORD()> body, bool isMain) {
   JoinEnded();
@@ -97,8 +99,8 @@ void Scheduler::Body(Thread& thread) {
   outsideWake_.notify_all();
 }
 
-// When the entry returns, Windows ends the process and with it the other threads wherever they are. Here they come
-// back from their waits and return.
+// When the entry returns, Windows ends the process and with it the other threads wherever they are. Here they
+// come back from their waits and return.
 void Scheduler::EndMain(Thread& self) {
   ending_ = true;
   endBy_ = std::chrono::steady_clock::now() + kEndPatience;
@@ -111,7 +113,9 @@ void Scheduler::EndMain(Thread& self) {
   actions_.programEnded(static_cast<int>(self.exitCode));
 }
 
-bool Scheduler::OthersRun() const { return RunningSecondaryThreads() > 0; }
+bool Scheduler::OthersRun() const {
+  return RunningSecondaryThreads() > 0;
+}
 
 int Scheduler::RunningSecondaryThreads() const {
   return static_cast<int>(
@@ -206,8 +210,8 @@ bool Scheduler::RunDueEvent() {
   return true;
 }
 
-// The main thread comes last, so that its helpers have taken what the hardware brought. While the program ends,
-// each gets its turn: one of them may wait again and again for another.
+// The main thread comes last, so that its helpers have taken what the hardware brought. While the program
+// ends, each gets its turn: one of them may wait again and again for another.
 Thread* Scheduler::NextRunnable() const {
   Thread* next = nullptr;
   for (const std::shared_ptr<Thread>& thread : threads_) {
@@ -226,10 +230,12 @@ void Scheduler::RunThread(Thread& thread) {
       mutex_.Wait(outsideWake_);
     } else {
       mutex_.WaitUntil(outsideWake_, endBy_);
-      if (running_ && std::chrono::steady_clock::now() >= endBy_) Die("the program does not end: a thread waits for nothing and does not return");
+      if (running_ && std::chrono::steady_clock::now() >= endBy_)
+        Die("the program does not end: a thread waits for nothing and does not return");
     }
   }
-  if (ending_ && std::chrono::steady_clock::now() >= endBy_ && !(main_->ended)) Die("the program does not end: a thread waits again and again");
+  if (ending_ && std::chrono::steady_clock::now() >= endBy_ && !(main_->ended))
+    Die("the program does not end: a thread waits again and again");
   if (!thread.isMain && thread.ended) JoinEnded();
 }
 
@@ -265,7 +271,8 @@ Waited Scheduler::WaitWall(Thread& self) {
 
 // Waits for the thread's descriptor or for being woken; true when the descriptor has something to say.
 bool Scheduler::Poll(Thread& self) {
-  std::array<pollfd, 2> descriptors = {{{self.descriptor, POLLIN, 0}, {self.wakeDescriptor.Get(), POLLIN, 0}}};
+  std::array<pollfd, 2> descriptors = {
+      {{self.descriptor, POLLIN, 0}, {self.wakeDescriptor.Get(), POLLIN, 0}}};
   timespec rest{};
   if (self.deadline) {
     const auto left = std::max(*self.deadline - Now(), Time(0));

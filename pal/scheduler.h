@@ -1,9 +1,10 @@
 // Time, events and the program's threads.
 //
-// With virtual time one thread runs at a time: the outside or one thread of the program. The outside, in Run(), is
-// the one that hands on: it runs the events that are due, then lets each thread that can go on run until that
-// waits again, the program's main thread last, and only then moves the clock to the next moment at which something is
-// due. With wall time threads run as the host lets them, and events run on a thread of the machine.
+// With virtual time one thread runs at a time: the outside or one thread of the program. The outside, in
+// Run(), is the one that hands on: it runs the events that are due, then lets each thread that can go on run
+// until that waits again, the program's main thread last, and only then moves the clock to the next moment at
+// which something is due. With wall time threads run as the host lets them, and events run on a thread of the
+// machine.
 //
 // All functions but Now() are called with the machine's lock held.
 #pragma once
@@ -71,8 +72,8 @@ class Scheduler {
   // ---- the program's threads ----
   static Thread* Current();  // null on a thread that is not the program's
   std::shared_ptr<Thread> Start(std::function<DWORD()> body, bool isMain);
-  // Waits on the calling thread until the condition holds, the clock reaches the deadline, the descriptor has input
-  // or the program is being ended. Dies when the caller is no thread of the program.
+  // Waits on the calling thread until the condition holds, the clock reaches the deadline, the descriptor has
+  // input or the program is being ended. Dies when the caller is no thread of the program.
   Waited Wait(const std::function<bool()>& condition, std::optional<Time> deadline, int descriptor = -1);
   [[nodiscard]] bool IsEnding() const { return ending_; }
   [[nodiscard]] const std::vector<std::shared_ptr<Thread>>& Threads() const { return threads_; }

@@ -12,8 +12,8 @@ namespace {
 constexpr std::u16string_view kDevicePrefix = u"\\\\.\\";
 constexpr std::u16string_view kPortPrefix = u"COM";
 
-// While a transfer is under way OVERLAPPED::Internal holds STATUS_PENDING, as on Windows; afterwards it holds the
-// error number rather than a status.
+// While a transfer is under way OVERLAPPED::Internal holds STATUS_PENDING, as on Windows; afterwards it holds
+// the error number rather than a status.
 constexpr ULONG_PTR kUnderWay = 0x103;
 
 bool ReadsReturnAtOnce(const COMMTIMEOUTS& timeouts) {
@@ -53,7 +53,9 @@ void CompleteOverlapped(State& state, OVERLAPPED& overlapped, DWORD error, DWORD
   state.scheduler.Notify();
 }
 
-bool IsUnderWay(const OVERLAPPED& overlapped) { return overlapped.Internal == kUnderWay; }
+bool IsUnderWay(const OVERLAPPED& overlapped) {
+  return overlapped.Internal == kUnderWay;
+}
 
 // ---- the program's handle -----------------------------------------------------------------------------------
 
@@ -134,7 +136,8 @@ DWORD PortHandle::Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, 
   std::optional<size_t> taken = bytes.size();
   if (tty_) {
     const COMMTIMEOUTS& timeouts = port_.timeouts_;
-    const auto limit = static_cast<int>(timeouts.WriteTotalTimeoutConstant + timeouts.WriteTotalTimeoutMultiplier * bytes.size());
+    const auto limit = static_cast<int>(timeouts.WriteTotalTimeoutConstant +
+                                        timeouts.WriteTotalTimeoutMultiplier * bytes.size());
     taken = tty_->Write(bytes, limit);
     if (!taken) DeviceGone();
   }
@@ -154,7 +157,8 @@ DWORD PortHandle::Cancel(OVERLAPPED* overlapped) {
 
 DWORD PortHandle::SetMask(DWORD events) {
   if (const DWORD refusal = Refusal()) return refusal;
-  if (events & ~(EV_RXCHAR | EV_TXEMPTY | EV_BREAK | EV_ERR | EV_RING)) Die("SetCommMask with an unknown event");
+  if (events & ~(EV_RXCHAR | EV_TXEMPTY | EV_BREAK | EV_ERR | EV_RING))
+    Die("SetCommMask with an unknown event");
   EndWait({ERROR_SUCCESS, 0});
   mask_ = events;
   raised_ &= events;
@@ -202,7 +206,8 @@ DWORD PortHandle::TakeErrors(DWORD& errors, COMSTAT* status) {
 
 DWORD PortHandle::Purge(DWORD flags) {
   if (const DWORD refusal = Refusal()) return refusal;
-  if (flags & ~(PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR)) return ERROR_INVALID_PARAMETER;
+  if (flags & ~(PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR))
+    return ERROR_INVALID_PARAMETER;
   if (!(flags & PURGE_RXCLEAR)) return ERROR_SUCCESS;
   if (tty_) tty_->DiscardInput();
   port_.input_.clear();
@@ -245,7 +250,8 @@ Port::Port(State& state, int number) : state_(state), number_(number) {
 }
 
 DWORD Port::Open(HANDLE& handle) {
-  if (!handle_.expired()) return ERROR_ACCESS_DENIED;  // also while a handle of the device that vanished is open
+  if (!handle_.expired())
+    return ERROR_ACCESS_DENIED;  // also while a handle of the device that vanished is open
   if (!present_) return ERROR_FILE_NOT_FOUND;
   std::unique_ptr<TtyLine> tty;
   if (!ttyPath_.empty()) {

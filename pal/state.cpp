@@ -24,7 +24,9 @@ State::State(Clock clock)
   if (!currentState.compare_exchange_strong(none, this)) Die("a second machine at the same time");
 }
 
-State::~State() { currentState = nullptr; }
+State::~State() {
+  currentState = nullptr;
+}
 
 void State::Emit(EffectDetail detail) {
   const Effect& effect = effects.emplace_back(Effect{scheduler.Now(), std::move(detail)});

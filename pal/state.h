@@ -65,7 +65,9 @@ struct State {
 };
 
 // Where the program is loaded: its HINSTANCE, and what GetModuleHandleW(nullptr) gives.
-inline HINSTANCE ProgramInstance() { return reinterpret_cast<HINSTANCE>(static_cast<ULONG_PTR>(0x140000000)); }
+inline HINSTANCE ProgramInstance() {
+  return reinterpret_cast<HINSTANCE>(static_cast<ULONG_PTR>(0x140000000));
+}
 
 // The state of the current machine; dies when there is none.
 State& CurrentState();
@@ -73,7 +75,8 @@ State& CurrentState();
 // One call of the API.
 class Call {
  public:
-  explicit Call(const char* function) : state_(CurrentState()), lock_(state_.mutex), error_(state_.failures.Take(function)) {
+  explicit Call(const char* function)
+      : state_(CurrentState()), lock_(state_.mutex), error_(state_.failures.Take(function)) {
     if (error_) SetLastError(*error_);
   }
   // A call that cannot be made to fail.
@@ -98,7 +101,8 @@ Result Refuse(DWORD error, Result result) {
   return result;
 }
 
-// The disk side of CreateFileW: every name that is not a port. INVALID_HANDLE_VALUE and a last error when it fails.
+// The disk side of CreateFileW: every name that is not a port. INVALID_HANDLE_VALUE and a last error when it
+// fails.
 HANDLE OpenDiskFile(State& state, const WCHAR* name, DWORD access, DWORD shareMode, DWORD disposition,
                     DWORD flagsAndAttributes);
 

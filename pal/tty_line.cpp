@@ -32,7 +32,9 @@ std::unique_ptr<TtyLine> TtyLine::Open(const std::filesystem::path& path) {
   return line;
 }
 
-TtyLine::~TtyLine() { close(descriptor_); }
+TtyLine::~TtyLine() {
+  close(descriptor_);
+}
 
 bool TtyLine::Read(std::vector<uint8_t>& bytes) const {
   std::array<uint8_t, 4096> block;
@@ -67,10 +69,13 @@ bool TtyLine::Configure(const DCB& dcb) const {
   termios settings{};
   if (tcgetattr(descriptor_, &settings) != 0) return false;
   for (const Speed& speed : kSpeeds)
-    if (speed.baud == dcb.BaudRate) return cfsetspeed(&settings, speed.host) == 0 && tcsetattr(descriptor_, TCSANOW, &settings) == 0;
+    if (speed.baud == dcb.BaudRate)
+      return cfsetspeed(&settings, speed.host) == 0 && tcsetattr(descriptor_, TCSANOW, &settings) == 0;
   return false;
 }
 
-void TtyLine::DiscardInput() const { tcflush(descriptor_, TCIFLUSH); }
+void TtyLine::DiscardInput() const {
+  tcflush(descriptor_, TCIFLUSH);
+}
 
 }  // namespace pal

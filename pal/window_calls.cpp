@@ -50,7 +50,8 @@ Thread& CallingThread(const char* function) {
   return *self;
 }
 
-LRESULT CallProcedure(State& state, WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CallProcedure(State& state, WNDPROC procedure, HWND window, UINT message, WPARAM wParam,
+                      LPARAM lParam) {
   const MachineMutex::Open open(state.mutex);
   return procedure(window, message, wParam, lParam);
 }
@@ -115,7 +116,8 @@ void NotifyForeign(State& state, const Window& window, UINT message, WPARAM wPar
   ForeignMessage copy = CopyForForeign(message, wParam, lParam);
   EmitForeign(state, window, copy);
   if (!window.foreign) return;
-  state.scheduler.At(state.scheduler.Now(), [handler = window.foreign, copy = std::move(copy)] { handler(copy); });
+  state.scheduler.At(state.scheduler.Now(),
+                     [handler = window.foreign, copy = std::move(copy)] { handler(copy); });
 }
 
 void DestroyTree(State& state, HWND window) {

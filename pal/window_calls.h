@@ -1,5 +1,5 @@
-// What the API's functions for windows and messages have in common. Called with the machine's lock, which is let go
-// while a window procedure or a foreign window's handler runs.
+// What the API's functions for windows and messages have in common. Called with the machine's lock, which is
+// let go while a window procedure or a foreign window's handler runs.
 #pragma once
 
 #include <optional>
@@ -11,7 +11,8 @@ namespace pal {
 // The calling thread of the program; dies on any other.
 Thread& CallingThread(const char* function);
 
-LRESULT CallProcedure(State& state, WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CallProcedure(State& state, WNDPROC procedure, HWND window, UINT message, WPARAM wParam,
+                      LPARAM lParam);
 // Calls the procedure of a window of the calling thread; 0 when the window is gone.
 LRESULT CallWindow(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 // Handles what others sent to windows of the calling thread.
@@ -21,8 +22,8 @@ LRESULT Dispatch(State& state, const MSG& message);
 
 // Puts a message into the queue of the window's thread; 0 or the error.
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-// A message to a window of another program becomes an effect, and its handler runs: at once and for its result, or
-// soon, as an event.
+// A message to a window of another program becomes an effect, and its handler runs: at once and for its
+// result, or soon, as an event.
 LRESULT SendToForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam);
 void NotifyForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam);
 

@@ -47,9 +47,11 @@ Problem RunClose(Console& console, Words) {
   return {};
 }
 
-Problem RunQuit(Console& console, Words) {
+Problem RunQuit(Console& console, Words words) {
+  const bool refuse = Argument(words, 1) == "no";
+  if (words.size() > 2 || (words.size() == 2 && !refuse)) return ExpectedArguments("[no]");
   if (!console.Tablet().MainWindow()) return "the tool has no window";
-  return console.Tablet().Quit() ? Problem() : "the tool did not end";
+  return console.Tablet().Quit(!refuse) ? Problem() : "the tool did not ask, or did not end";
 }
 
 Problem RunExit(Console& console, Words) {
@@ -307,7 +309,7 @@ constexpr ConsoleCommand kCommands[] = {
     {"wait", "TIME", "let time pass: 3s, 20ms", false, RunWait},
     {"tap", "BUTTON [TIME]", "press a button and release it after 100ms, or after TIME", true, RunTap},
     {"close", "", "close the tool's window", true, RunClose},
-    {"quit", "", "close the tool from its menu and answer its question with yes", true, RunQuit},
+    {"quit", "[no]", "close the tool from its menu and answer its question with yes, or no", true, RunQuit},
     {"answer", "ok|yes|no", "answer the message box that is open", true, RunAnswer},
     {"set", "NAME NUMBER", "a user setting in the registry, for the next start", true, RunSet},
     {"machine", "NAME NUMBER", "a machine setting in the registry, for the next start", true, RunMachine},

@@ -47,12 +47,13 @@ bool SimulatedTablet::StartAndSettle(std::u16string_view arguments) {
   return false;
 }
 
-bool SimulatedTablet::Quit() {
+bool SimulatedTablet::Quit(bool answer) {
   constexpr WPARAM kExitCommand = 128;
   if (!machine_.Post(MainWindow(), WM_COMMAND, kExitCommand, 0)) return false;
   const auto asks = [this] { return !machine_.OpenMessageBoxes().empty(); };
   if (!machine_.AdvanceUntil(asks, kPatience)) return false;
-  machine_.AnswerMessageBox(IDYES);
+  machine_.AnswerMessageBox(answer ? IDYES : IDNO);
+  if (!answer) return true;
   return machine_.AdvanceUntil([this] { return machine_.ExitCode().has_value(); }, kPatience);
 }
 

@@ -39,8 +39,9 @@ class SimulatedTablet {
   // get there within 30 seconds.
   bool StartAndSettle(std::u16string_view arguments = u"-s");
   void Advance(pal::Time span) { machine_.Advance(span); }
-  // What was typed into the close question: yes. False when the tool has not ended within 30 seconds.
-  bool Quit();
+  // The person closes the tool from its menu and answers its question. False when the tool does not ask, or
+  // has not ended 30 seconds after a yes.
+  bool Quit(bool answer = true);
 
   void Press(Button button) { controller_.Press(button); }
   void Release(Button button) { controller_.Release(button); }

@@ -254,27 +254,34 @@ TEST_F(Files, AHandleReadsAndWritesAsItWasOpened) {
   EXPECT_EQ(reader.Read(), "PLain");
 }
 
-TEST_F(Files, AReadOnlyFileRefusesWriters) {
+TEST_F(Files, ACopyOfAReadOnlyFileIsReadOnly) {
   const Text path = PathOf(TEXT("fixed.txt"));
+  const Text copy = PathOf(TEXT("copy.txt"));
   Make(TEXT("fixed.txt"), "fixed");
   ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY));
   EXPECT_NE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY, 0U);
-  const Text copy = PathOf(TEXT("copy.txt"));
   EXPECT_TRUE(CopyFileW(path.c_str(), copy.c_str(), FALSE));
   EXPECT_NE(GetFileAttributesW(copy.c_str()) & FILE_ATTRIBUTE_READONLY, 0U);
+  EXPECT_EQ(Content(TEXT("copy.txt")), "fixed");
+  EXPECT_FALSE(DeleteFileW(copy.c_str()));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+}
+
+TEST_F(Files, AReadOnlyFileRefusesWriters) {
+  const Text path = PathOf(TEXT("fixed.txt"));
+  Make(TEXT("fixed.txt"), "fixed");
+  Make(TEXT("other.txt"), "other");
+  ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY));
   if (contract::WineDeviates("lets a host's root write read-only files") &&
       ErrorOfOpening(TEXT("fixed.txt"), kReadWrite, OPEN_EXISTING) == ERROR_SUCCESS)
     GTEST_SKIP() << "Wine, run by root, lets everyone write";
   EXPECT_EQ(ErrorOfOpening(TEXT("fixed.txt"), kReadWrite, OPEN_EXISTING), DWORD{ERROR_ACCESS_DENIED});
   EXPECT_EQ(ErrorOfOpening(TEXT("fixed.txt"), GENERIC_WRITE, CREATE_ALWAYS), DWORD{ERROR_ACCESS_DENIED});
-  EXPECT_EQ(Content(TEXT("fixed.txt")), "fixed");
-  Make(TEXT("other.txt"), "other");
   EXPECT_FALSE(CopyFileW(PathOf(TEXT("other.txt")).c_str(), path.c_str(), FALSE));
   EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
-  EXPECT_FALSE(DeleteFileW(path.c_str()));
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+  EXPECT_EQ(Content(TEXT("fixed.txt")), "fixed");
   ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL));
-  EXPECT_TRUE(DeleteFileW(path.c_str()));
+  EXPECT_EQ(ErrorOfOpening(TEXT("fixed.txt"), kReadWrite, OPEN_EXISTING), DWORD{ERROR_SUCCESS});
 }
 
 TEST_F(Files, CopyingReplacesOrRefuses) {

@@ -33,7 +33,8 @@ HWND MakeWindow(const WCHAR* className = TEXT("MachineTest")) {
   windowClass.lpfnWndProc = HandledProcedure;
   windowClass.lpszClassName = className;
   RegisterClassExW(&windowClass);
-  return CreateWindowExW(0, className, TEXT(""), WS_OVERLAPPEDWINDOW, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+  return CreateWindowExW(0, className, TEXT(""), WS_OVERLAPPEDWINDOW, 0, 0, 0, 0, nullptr, nullptr, nullptr,
+                         nullptr);
 }
 
 int RunLoop() {
@@ -59,7 +60,8 @@ std::vector<uint8_t> ReadPort(HANDLE port, DWORD* error = nullptr) {
   DWORD count = 0;
   SetLastError(0);
   BOOL done = ReadFile(port, bytes.data(), 512, &count, &overlapped);
-  if (!done && GetLastError() == ERROR_IO_PENDING) done = GetOverlappedResult(port, &overlapped, &count, TRUE);
+  if (!done && GetLastError() == ERROR_IO_PENDING)
+    done = GetOverlappedResult(port, &overlapped, &count, TRUE);
   if (error) *error = done ? 0 : GetLastError();
   CloseHandle(overlapped.hEvent);
   bytes.resize(count);
@@ -201,7 +203,8 @@ TEST(MachineRuns, AreTheSameEveryTime) {
     machine.Advance(10s);
     EXPECT_TRUE(machine.ExitCode().has_value());
     Log log;
-    for (const pal::Effect& effect : machine.Effects()) log.push_back(std::to_string(effect.at.count()) + Describe(effect));
+    for (const pal::Effect& effect : machine.Effects())
+      log.push_back(std::to_string(effect.at.count()) + Describe(effect));
     return log;
   };
   const Log first = run();
@@ -213,7 +216,9 @@ TEST(MachineRuns, AreTheSameEveryTime) {
 
 TEST(MachineEnd, BringsEveryWaitBack) {
   Log returned;
-  const auto note = [&](const char* what, bool asExpected) { returned.push_back(std::string(what) + (asExpected ? "" : " wrongly")); };
+  const auto note = [&](const char* what, bool asExpected) {
+    returned.push_back(std::string(what) + (asExpected ? "" : " wrongly"));
+  };
   HWND mainWindow = nullptr;
   std::vector<std::function<void()>> waiting;
   {
@@ -276,7 +281,8 @@ TEST_F(MachineTest, AProgramThatReturnsTakesItsThreadsAndHandlesWithIt) {
     return 6;
   });
   machine.Advance(100ms);
-  for (const char* kind : {"thread", "window", "timer", "event", "mutex", "serial"}) EXPECT_EQ(machine.CountOpen(kind), 1) << kind;
+  for (const char* kind : {"thread", "window", "timer", "event", "mutex", "serial"})
+    EXPECT_EQ(machine.CountOpen(kind), 1) << kind;
   EXPECT_EQ(machine.ExitCode(), std::nullopt);
   machine.Advance(400ms);
   EXPECT_EQ(machine.ExitCode(), 6);
@@ -309,7 +315,8 @@ TEST_F(MachineTest, TheOutsideSendsAndPosts) {
     WindowHandler() = [&](HWND, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
       if (message == WM_COPYDATA) {
         const auto& data = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-        received = std::to_string(data.dwData) + ":" + std::string(static_cast<const char*>(data.lpData), data.cbData);
+        received = std::to_string(data.dwData) + ":" +
+                   std::string(static_cast<const char*>(data.lpData), data.cbData);
         return 1;
       }
       if (message == WM_DEVICECHANGE) {
@@ -388,11 +395,14 @@ TEST_F(MachineTest, ASleepingThreadHoldsTenThousandMessages) {
 
 TEST_F(MachineTest, OtherProgramsAreToldAndAnswer) {
   Log heard;
-  const HWND app = machine.AddForeignWindow(u"Talk Builder", [&](const pal::ForeignMessage& message) -> LRESULT {
-    heard.push_back("talk " + std::to_string(message.message) + " " + std::string(message.payload.begin(), message.payload.end()));
-    if (message.message == WM_APP) machine.After(1s, [&] { machine.Post(machine.ProgramWindow(u"MachineTest"), WM_APP + 7, 0, 0); });
-    return 33;
-  });
+  const HWND app =
+      machine.AddForeignWindow(u"Talk Builder", [&](const pal::ForeignMessage& message) -> LRESULT {
+        heard.push_back("talk " + std::to_string(message.message) + " " +
+                        std::string(message.payload.begin(), message.payload.end()));
+        if (message.message == WM_APP)
+          machine.After(1s, [&] { machine.Post(machine.ProgramWindow(u"MachineTest"), WM_APP + 7, 0, 0); });
+        return 33;
+      });
   machine.AddForeignWindow(u"Wendle", [&](const pal::ForeignMessage& message) -> LRESULT {
     heard.push_back("wendle " + std::to_string(message.message));
     return 0;
@@ -421,7 +431,8 @@ TEST_F(MachineTest, OtherProgramsAreToldAndAnswer) {
   EXPECT_EQ(answer, 33);
   EXPECT_EQ(called, 1s);
   const std::string number = std::to_string(registered);
-  EXPECT_EQ(heard, (Log{"talk 32768 ", "talk 74 68", "talk 32769 ", "wendle " + number, "talk " + number + " "}));
+  EXPECT_EQ(heard,
+            (Log{"talk 32768 ", "talk 74 68", "talk 32769 ", "wendle " + number, "talk " + number + " "}));
   const auto sent = Select<pal::ForeignMessageSent>(machine.Effects());
   ASSERT_EQ(sent.size(), 4u);
   EXPECT_EQ(sent[0].className, u"Talk Builder");
@@ -713,7 +724,8 @@ TEST_F(SerialMachineTest, AThousandOpeningsLeaveNothing) {
   });
   EXPECT_TRUE(machine.AdvanceUntil([&] { return opened == 1000; }, 60s));
   machine.Advance(10ms);
-  for (const char* kind : {"thread", "thread handle", "event", "serial"}) EXPECT_EQ(machine.CountOpen(kind), 0) << kind;
+  for (const char* kind : {"thread", "thread handle", "event", "serial"})
+    EXPECT_EQ(machine.CountOpen(kind), 0) << kind;
   machine.Advance(10s);
   EXPECT_EQ(machine.ExitCode(), 0);
 }

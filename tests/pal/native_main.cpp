@@ -15,7 +15,8 @@ int main(int argc, char** argv) {
   loopBack.OnWrite([&](std::span<const uint8_t> bytes) { loopBack.Deliver(bytes); });
 
   machine.StartProgram([] { return RUN_ALL_TESTS(); });
-  const bool ended = machine.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, std::chrono::hours(24));
+  const bool ended =
+      machine.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, std::chrono::hours(24));
   if (ended) return *machine.ExitCode();
   std::fputs("the tests wait for something that never comes\n", stderr);
   return 1;

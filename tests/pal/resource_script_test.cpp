@@ -130,7 +130,7 @@ TEST(ResourceScript, HostileScriptsEnd) {
     for (int times = 0; times < 10; ++times)
       forks[std::to_string(i) + ".rc"] += "#include \"" + std::to_string(i + 1) + ".rc\"\n";
   EXPECT_NE(Compile("#include \"0.rc\"", forks).error.find(": the script is too long"), std::string::npos);
-  EXPECT_EQ(Compile("STRINGTABLE { " + std::string(100'000, '(')).error, "script:1: brackets too deep");
+  EXPECT_EQ(Compile("STRINGTABLE { " + std::string(10'000, '(')).error, "script:1: brackets too deep");
   std::string menus = "1 MENU {";
   for (int i = 0; i < 1000; ++i) menus += "POPUP \"a\" {";
   EXPECT_EQ(Compile(menus).error, "script:1: menus too deep");

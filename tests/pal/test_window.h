@@ -36,8 +36,8 @@ class TestWindow {
     windowClass.cbWndExtra = 2 * sizeof(LONG_PTR);
     windowClass.lpszClassName = className;
     RegisterClassExW(&windowClass);
-    handle_ = CreateWindowExW(0, className, TEXT("contract title"), WS_OVERLAPPEDWINDOW, 0, 0, 0, 0, parent, nullptr,
-                              nullptr, this);
+    handle_ = CreateWindowExW(0, className, TEXT("contract title"), WS_OVERLAPPEDWINDOW, 0, 0, 0, 0, parent,
+                              nullptr, nullptr, this);
   }
   ~TestWindow() {
     if (IsWindow(handle_)) DestroyWindow(handle_);

@@ -102,7 +102,8 @@ class WallTime : public testing::Test {
       windowClass.lpfnWndProc = Procedure;
       windowClass.lpszClassName = TEXT("WallTime");
       RegisterClassExW(&windowClass);
-      reader.window = CreateWindowExW(0, TEXT("WallTime"), TEXT(""), 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+      reader.window =
+          CreateWindowExW(0, TEXT("WallTime"), TEXT(""), 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
       reader.stop = CreateEventW(nullptr, TRUE, FALSE, nullptr);
       reader.port = CreateFileW(TEXT("\\\\.\\COM2"), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                 FILE_FLAG_OVERLAPPED, nullptr);
@@ -139,7 +140,8 @@ class WallTime : public testing::Test {
   }
 
   [[nodiscard]] bool AwaitClick() {
-    return machine.AdvanceUntil([this] { return !pal::Select<pal::MouseInput>(machine.Effects()).empty(); }, 60s);
+    return machine.AdvanceUntil([this] { return !pal::Select<pal::MouseInput>(machine.Effects()).empty(); },
+                                60s);
   }
 
   static inline WallTime* current = nullptr;
@@ -204,8 +206,8 @@ TEST_F(WallTime, WritesReachThePty) {
   const Pty pty;
   machine.AttachTty(2, pty.Path());
   machine.StartProgram([] {
-    const HANDLE port = CreateFileW(TEXT("\\\\.\\COM2"), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_OVERLAPPED, nullptr);
+    const HANDLE port = CreateFileW(TEXT("\\\\.\\COM2"), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
     OVERLAPPED overlapped = {};
     DWORD count = 0;
     const BOOL written = WriteFile(port, "UU\nReady", 8, &count, &overlapped);

@@ -69,6 +69,7 @@ TEST_F(PortTest, OtherPortsLeaveTheLinkAlone) {
 }
 
 TEST_F(PortTest, ALineThatVanishedIsReopenedWhenThePortArrives) {
+  GTEST_SKIP() << kWineWaitsForEver;
   StartQuietTool();
   PullLine();
   AwaitLogLine("Pic port lost without notice");

@@ -116,6 +116,7 @@ TEST_F(SwitchTest, NothingStaysPressedWhenThePortIsRemoved) {
 }
 
 TEST_F(SwitchTest, NothingStaysPressedWhenTheLineVanishes) {
+  GTEST_SKIP() << kWineWaitsForEver;
   HoldLeftButton();
   PullLine();
   Observer().Expect("mouse left up");
