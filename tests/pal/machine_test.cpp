@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <numeric>
 
 namespace {
@@ -89,13 +90,18 @@ HANDLE StartThread(std::function<void()>& action) {
 
 class MachineTest : public testing::Test {
  protected:
-  void TearDown() override { WindowHandler() = nullptr; }
+  // The program ends while everything that it uses is still there.
+  void TearDown() override {
+    machine_.reset();
+    WindowHandler() = nullptr;
+  }
 
   std::span<const uint8_t> BytesOf(std::string_view text) {
     return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
   }
 
-  Machine machine;
+  std::optional<Machine> machine_{std::in_place};
+  Machine& machine = *machine_;
 };
 
 // ---- time ---------------------------------------------------------------------------------------------------
