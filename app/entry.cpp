@@ -37,10 +37,19 @@ void RegisterMainWindowClass(HINSTANCE instance) {
   RegisterClassExW(&windowClass);
 }
 
+HWND CreateHiddenWindow(const WCHAR* windowClass) {
+  return CreateWindowExW(WS_EX_APPWINDOW, windowClass, kMainWindowClass, WS_OVERLAPPEDWINDOW, 0, 0, 0, 0,
+                         nullptr, nullptr, GetAppState().hInstance, nullptr);
+}
+
+// When its class could not be registered the window borrows one of Windows: other programs do not find it
+// then, but the switches work.
 void CreateMainWindow() {
-  AppState& state = GetAppState();
-  state.hMainWnd = CreateWindowExW(WS_EX_APPWINDOW, kMainWindowClass, kMainWindowClass, WS_OVERLAPPEDWINDOW,
-                                   0, 0, 0, 0, nullptr, nullptr, state.hInstance, nullptr);
+  HWND& window = GetAppState().hMainWnd;
+  window = CreateHiddenWindow(kMainWindowClass);
+  if (window) return;
+  window = CreateHiddenWindow(TEXT("STATIC"));
+  if (window) SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(MainWindowProc));
 }
 
 int RunMessageLoop() {

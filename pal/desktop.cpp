@@ -43,6 +43,9 @@ const WindowClass* Desktop::AddClass(WindowClass windowClass) {
 }
 
 std::shared_ptr<const WindowClass> Desktop::FindClass(const WCHAR* name) const {
+  static const auto ofWindows =
+      std::make_shared<const WindowClass>(WindowClass{u"Static", 0x8003, DefWindowProcW, 0});
+  if (!IS_INTRESOURCE(name) && SameName(ofWindows->name, name)) return ofWindows;
   const auto found = std::find_if(classes_.begin(), classes_.end(), [&](const auto& candidate) {
     if (IS_INTRESOURCE(name)) return candidate->atom == reinterpret_cast<ULONG_PTR>(name);
     return SameName(candidate->name, name);

@@ -109,9 +109,12 @@ TEST_F(Startup, MissingLibrariesAreAnOrdinaryState) {
 TEST_F(Startup, FailedRegistrationsKeepTheToolFromNothing) {
   SetUserValue(u"Sw1CmdVal", -1);
   machine.Fail("RegisterWindowMessageW", 100, ERROR_NOT_ENOUGH_MEMORY);
+  machine.Fail("RegisterClassExW", 1, ERROR_NOT_ENOUGH_MEMORY);
   Start();
+  EXPECT_EQ(tablet.MainWindow(), nullptr);  // nobody finds it by its class
   Press(Button::kSwitch1);
-  EXPECT_EQ(New<pal::MouseInput>().size(), 1U);
+  Release(Button::kSwitch1);
+  EXPECT_EQ(New<pal::MouseInput>().size(), 2U);
 }
 
 TEST_F(Startup, TheJoystickIsTakenAtStartAndGivenBackAtTheEnd) {

@@ -219,6 +219,8 @@ TEST_F(Serial, AThousandLostPortsLeaveNothingBehind) {
       [&] {
         const HWND window = CreateCollectorWindow(collector);
         for (int n = 0; n < 1000; ++n) {
+          machine.Fail("CreateFileW", 1, ERROR_ACCESS_DENIED);
+          EXPECT_FALSE(CSerialInput(2, u"").IsOpen());
           CSerialInput serial(2, u"");
           ASSERT_TRUE(serial.IsOpen());
           ASSERT_TRUE(serial.StartMon(window, nullptr));
