@@ -171,7 +171,7 @@ Result OnQueryPicFirmware(const WindowMessage&) {
 
 Result OnStatusLedRequest(const WindowMessage& m) {
   constexpr WPARAM kLastLedState = 3;
-  SendText("SetStatusLed=" + std::to_string(m.wParam <= kLastLedState ? m.wParam : 0));
+  SendText(std::string("SetStatusLed=").append(std::to_string(m.wParam <= kLastLedState ? m.wParam : 0)));
   return {};
 }
 

@@ -1,7 +1,7 @@
 // The road of one press in real time: from the write of its last byte into a pty until the click is injected,
 // beside a bare loop that reads a pty of its own and decodes the frame. Both take turns in one run.
 //
-// Prints the medians in microseconds and their ratio.
+// Prints how often an idle tool wakes up, the medians in microseconds, and their ratio.
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
@@ -13,6 +13,8 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -102,6 +104,19 @@ void RunBareLoop(int line, const std::atomic<bool>& stop, Arrival& arrival) {
   }
 }
 
+// How often the threads of this process but the calling one have gone to sleep so far, which is how often
+// they woke.
+long CountSleeps() {
+  long sleeps = 0;
+  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+    if (thread.path().filename() == std::to_string(gettid())) continue;
+    std::ifstream status(thread.path() / "status");
+    for (std::string word; status >> word;)
+      if (word == "voluntary_ctxt_switches:" && status >> word) sleeps += std::stol(word);
+  }
+  return sleeps;
+}
+
 double Median(std::vector<double> values) {
   std::nth_element(values.begin(), values.begin() + static_cast<ptrdiff_t>(values.size() / 2), values.end());
   return values[values.size() / 2];
@@ -125,9 +140,13 @@ int main() {
   });
   machine.StartProgram(wWinMain, u"\"veltratool.exe\" -s");
 
+  machine.Advance(1s);  // the tool has opened its port
+  const long sleeps = CountSleeps();
+  machine.Advance(5s);
+  const long wakes = CountSleeps() - sleeps;
+
   std::atomic<bool> stop = false;
   std::thread bareLoop([&] { RunBareLoop(bareLine.slave, stop, decoded); });
-  machine.Advance(1s);  // the tool has opened its port
 
   const std::vector<uint8_t> make = TextFrame("Sw1Make");
   const std::vector<uint8_t> release = TextFrame("Sw1Break");
@@ -141,6 +160,7 @@ int main() {
   stop = true;
   bareLoop.join();
 
+  std::printf("idle tool: %ld wake-ups in 5 s\n", wakes);
   std::printf("press to click: %.0f us, bare loop: %.0f us, ratio %.2f (medians of %d)\n", Median(tool),
               Median(bare), Median(tool) / Median(bare), kRounds);
   machine.Post(machine.ProgramWindow(u"VeltraInternal"), WM_CLOSE, 0, 0);

@@ -39,6 +39,7 @@ add_library(veltra_tool STATIC
   switches/switch_outputs.cpp
 )
 target_link_libraries(veltra_tool PUBLIC veltra_cores)
+veltra_read_headers_once(veltra_tool)
 
 if(WIN32)
   # The entry is in the executable itself: nothing refers to it, so that a library would not bring it.

@@ -101,8 +101,9 @@ void PortHandle::Raise(DWORD events) {
   }
 }
 
+// What waits in the host is fetched when the queue is empty: on the road of a press a call of the host less counts.
 void PortHandle::FetchFromTty() {
-  if (!tty_ || deviceGone_) return;
+  if (!tty_ || deviceGone_ || !port_.input_.empty()) return;
   std::vector<uint8_t> bytes;
   const bool alive = tty_->Read(bytes);
   port_.Receive(bytes);

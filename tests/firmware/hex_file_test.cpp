@@ -65,25 +65,17 @@ TEST(HexReader, PlacesBytes) {
       {"a last line without its end, broken", ":0100000001FE\n:0100", {{0, 1}}},
       {"upper address", ":020000040001F9\n:0100000001FE\n", {{0x10000, 1}}},
       {"upper address in the middle",
-       ":0100000001FE\n:020000048000"
-       "7A\n:0100000001FE\n:020000040000FA\n:0100010002FC\n",
+       ":0100000001FE\n:0200000480007A\n:0100000001FE\n:020000040000FA\n:0100010002FC\n",
        {{0, 1}, {1, 2}, {0x80000000, 1}}},
       {"addresses count on behind 64 KiB",
        ":020000040001F9\n:02FFFF000102FD\n",
        {{0x1FFFF, 1}, {0x20000, 2}}},
       {"and from the last one to 0", ":02000004FFFFFC\n:02FFFF000102FD\n", {{0, 2}, {0xFFFFFFFF, 1}}},
-      {"the later value wins",
-       ":0200000001"
-       "02FB\n:0100010007F7\n:0100020008F5\n",
-       {{0, 1}, {1, 7}, {2, 8}}},
+      {"the later value wins", ":020000000102FB\n:0100010007F7\n:0100020008F5\n", {{0, 1}, {1, 7}, {2, 8}}},
       {"descending", ":0100020003FA\n:0100010002FC\n:0100000001FE\n", {{0, 1}, {1, 2}, {2, 3}}},
-      {"a record without data",
-       ":0000100"
-       "0F0\n:0100000001FE\n",
-       {{0, 1}}},
+      {"a record without data", ":00001000F0\n:0100000001FE\n", {{0, 1}}},
       {"types 02, 03 and 05 mean nothing",
-       ":020000021000EC\n:0400000300003800C1\n:0400000500003800"
-       "BF\n:0100000001FE\n",
+       ":020000021000EC\n:0400000300003800C1\n:0400000500003800BF\n:0100000001FE\n",
        {{0, 1}}},
       {"comments, long enough", "; ten more chars\n;123456789A\n:0100000001FE\n", {{0, 1}}},
       {"comments and ends behind the end",
@@ -179,8 +171,7 @@ TEST(HexReader, RemarksOnWhatIsAcceptedAndProbablyNotMeant) {
   EXPECT_EQ(plain.remarks.replacedBytes, 0U);
 
   const HexReading odd = ReadHexText(
-      ":0200000001"
-      "02FB\n:020000021000EC\n:020000021000EC\n:00000004FC\n:0100000001FE\n:00000001FF");
+      ":020000000102FB\n:020000021000EC\n:020000021000EC\n:00000004FC\n:0100000001FE\n:00000001FF");
   EXPECT_EQ(odd.remarks.segmentLine, 2U);
   EXPECT_EQ(odd.remarks.oddUpperLine, 4U);
   EXPECT_EQ(odd.remarks.unreadLength, 11U);

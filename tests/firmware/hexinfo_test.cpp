@@ -30,11 +30,9 @@ std::string Digits(const char* format, unsigned number) {
   return text;
 }
 
-constexpr char kUpper1[] = ":020000040001F9\n";  // addresses from 0x10000
-
 TEST_F(Hexinfo, TellsWhatAnUpdateDoes) {
   // One byte in each of three rows of one page and in one row of another.
-  folder.Write("a.hex", std::string(":0118000055") + "92\n:011900005591\n:011FFF00558C\n:01200000558A\n");
+  folder.Write("a.hex", ":011800005592\n:011900005591\n:011FFF00558C\n:01200000558A\n");
   EXPECT_EQ(Run("a.hex"), 0);
   EXPECT_TRUE(Prints("accepted: a.hex\n"));
   EXPECT_TRUE(Prints("  4 bytes in 3 ranges\n"));
@@ -45,8 +43,11 @@ TEST_F(Hexinfo, TellsWhatAnUpdateDoes) {
 
 TEST_F(Hexinfo, NamesWhatLiesOutsideTheWindow) {
   // 17FE to 1801, and the ends of the row at 12800 with their neighbours.
-  folder.Write("a.hex", std::string(":0417FE0001020304DD\n") + kUpper1 +
-                            ":0227FF000102D5\n:0228FF000102D4\n" + ":0247FF000102B5\n");
+  folder.Write("a.hex",
+               ":0417FE0001020304DD\n"
+               ":020000040001F9\n"
+               ":0227FF000102D5\n:0228FF000102D4\n"
+               ":0247FF000102B5\n");
   EXPECT_EQ(Run("a.hex"), 0);
   EXPECT_TRUE(
       Prints("  outside the programmable window, not written:\n"
@@ -87,25 +88,19 @@ TEST_F(Hexinfo, SaysWhyAFileIsRefused) {
     const char* text;
     const char* printed;
   } kCases[] = {
-      {":0118000055"
-       "92\r\n:0118000055"
-       "93\r\n",
+      {":011800005592\r\n:011800005593\r\n",
        "  line 2 breaks the rule: the bytes of a record, checksum included, add up to 0 modulo 256\n    "
        ":011800005593\n"},
-      {":0118000055"
-       "92 \n",
+      {":011800005592 \n",
        "  line 1 breaks the rule: behind the \":\" stand hexadecimal digits only\n    :011800005592 \n"},
       {"a\tline\x80\n",
        "  line 1 breaks the rule: a line, comments included, has at least 11 characters\n    "
        "a\\x09line\\x80\n"},
       {":00000001FF\n", "  no data\n"},
       {"", "  no data\n"},
-      {":0118000055"
-       "92",
+      {":011800005592",
        "  no data\n  warning: the last line has no line end, its 13 characters are not read\n"},
-      {":0100000055"
-       "AA\n",
-       "  no byte lies where an update writes\n"},
+      {":0100000055AA\n", "  no byte lies where an update writes\n"},
   };
   for (const auto& c : kCases) {
     folder.Write("a.hex", c.text);
@@ -116,10 +111,9 @@ TEST_F(Hexinfo, SaysWhyAFileIsRefused) {
 }
 
 TEST_F(Hexinfo, WritesTheBinary) {
-  folder.Write("a.hex", std::string(kUpper1) +
-                            ":04000000"
-                            "41424344F2\n:020000040000FA\n:02FFF000"
-                            "3132AC\n");
+  folder.Write("a.hex",
+               ":020000040001F9\n"
+               ":0400000041424344F2\n:020000040000FA\n:02FFF0003132AC\n");
   EXPECT_EQ(Run("--binary a.bin a.hex"), 0);
   EXPECT_EQ(folder.Read("a.bin"), "12" + std::string(14, '\0') + "ABCD");
 }
@@ -127,9 +121,7 @@ TEST_F(Hexinfo, WritesTheBinary) {
 TEST_F(Hexinfo, AnswersWrongUseWithItsUsage) {
   EXPECT_EQ(Run("--help"), 0);
   EXPECT_TRUE(Prints("usage: hexinfo"));
-  folder.Write("a.hex",
-               ":0118000055"
-               "92\n");
+  folder.Write("a.hex", ":011800005592\n");
   for (const char* arguments : {"", "--binary a.hex", "a.hex b.hex", "--bin x a.hex", "a.hex --binary"}) {
     EXPECT_EQ(Run(arguments), 2) << arguments;
     EXPECT_TRUE(output.empty()) << arguments;

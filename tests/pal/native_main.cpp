@@ -10,8 +10,8 @@ int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   pal::Machine machine;
   machine.LoadResources(CONTRACT_RESOURCES);
-  // COM1 has a plug that sends back what it is sent.
-  pal::SerialPort& loopBack = machine.AddSerialPort(1);
+  // COM2 has a plug that sends back what it is sent.
+  pal::SerialPort& loopBack = machine.AddSerialPort(2);
   loopBack.OnWrite([&](std::span<const uint8_t> bytes) { loopBack.Deliver(bytes); });
 
   machine.StartProgram([] { return RUN_ALL_TESTS(); });

@@ -1,4 +1,4 @@
-// Serial ports. COM1 needs a plug that sends back what it is sent; where there is none the tests are skipped.
+// Serial ports. COM2 needs a plug that sends back what it is sent; where there is none the tests are skipped.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -19,8 +19,8 @@ HANDLE OpenPort(const WCHAR* name) {
 class Serial : public testing::Test {
  protected:
   void SetUp() override {
-    port = OpenPort(TEXT("\\\\.\\COM1"));
-    if (port == INVALID_HANDLE_VALUE) GTEST_SKIP() << "there is no COM1";
+    port = OpenPort(TEXT("\\\\.\\COM2"));
+    if (port == INVALID_HANDLE_VALUE) GTEST_SKIP() << "there is no COM2";
     COMMTIMEOUTS timeouts = {MAXDWORD, 0, 0, 10, 1000};
     ASSERT_TRUE(SetCommTimeouts(port, &timeouts));
     DCB dcb = {};
@@ -36,7 +36,7 @@ class Serial : public testing::Test {
     ASSERT_TRUE(PurgeComm(port, PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR));
     reading.hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     writing.hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    if (!HasPlug()) GTEST_SKIP() << "COM1 has no loop-back plug";
+    if (!HasPlug()) GTEST_SKIP() << "COM2 has no loop-back plug";
   }
 
   void TearDown() override {
@@ -84,6 +84,11 @@ class Serial : public testing::Test {
   }
 
   bool HasPlug() {
+    static const bool hasPlug = TryPlug();
+    return hasPlug;
+  }
+
+  bool TryPlug() {
     DWORD count = 0;
     const bool written = WriteFile(port, "?", 1, &count, &writing) || GetLastError() == ERROR_IO_PENDING;
     const bool isBack = written && AwaitQueued(1, 1000);
@@ -103,7 +108,7 @@ TEST(SerialNames, APortThatIsNotThere) {
 
 TEST_F(Serial, IsOpenedOnceAndRemembersItsSettings) {
   if (!contract::WineDeviates("opens a port twice")) {
-    EXPECT_EQ(OpenPort(TEXT("\\\\.\\COM1")), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(OpenPort(TEXT("\\\\.\\COM2")), INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
   }
   DCB dcb = {};
@@ -118,13 +123,18 @@ TEST_F(Serial, IsOpenedOnceAndRemembersItsSettings) {
 }
 
 TEST_F(Serial, ReadsReturnAtOnceWithWhatIsThere) {
-  EXPECT_EQ(Read(), "");
+  const bool canReadNothing = !contract::WineDeviates("waits in a read of nothing");
+  if (canReadNothing) {
+    EXPECT_EQ(Read(), "");
+  }
   ASSERT_TRUE(Write("UU\nSw1Make"));
   ASSERT_TRUE(AwaitQueued(10));
   EXPECT_EQ(Read(4), "UU\nS");
   EXPECT_EQ(Queued(), 6u);
   EXPECT_EQ(Read(), "w1Make");
-  EXPECT_EQ(Read(), "");
+  if (canReadNothing) {
+    EXPECT_EQ(Read(), "");
+  }
 
   ASSERT_TRUE(Write("lost"));
   ASSERT_TRUE(AwaitQueued(4));
@@ -165,11 +175,14 @@ TEST_F(Serial, AnEventIsKeptWhileNobodyWaits) {
   ASSERT_TRUE(Write("x"));
   ASSERT_TRUE(AwaitQueued(1));
   DWORD events = 0;
-  EXPECT_TRUE(WaitCommEvent(port, &events, nullptr));
-  EXPECT_EQ(events, EV_RXCHAR);
+  if (!contract::WineDeviates("forgets an event for which nobody waited")) {
+    EXPECT_TRUE(WaitCommEvent(port, &events, nullptr));
+    EXPECT_EQ(events, static_cast<DWORD>(EV_RXCHAR));
+  }
   EXPECT_EQ(Read(), "x");
 
   // Without a mask there is nothing to wait for.
+  if (contract::WineDeviates("waits without a mask for ever")) return;
   ASSERT_TRUE(SetCommMask(port, 0));
   EXPECT_FALSE(WaitCommEvent(port, &events, nullptr));
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
@@ -188,16 +201,18 @@ TEST_F(Serial, AnOverlappedWaitIsToldByItsEvent) {
   ASSERT_TRUE(Write("x"));
   EXPECT_EQ(WaitForSingleObject(waiting.hEvent, 10'000), WAIT_OBJECT_0);
   EXPECT_TRUE(GetOverlappedResult(port, &waiting, &count, TRUE));
-  EXPECT_EQ(events, EV_RXCHAR);
+  EXPECT_EQ(events, static_cast<DWORD>(EV_RXCHAR));
   ASSERT_TRUE(AwaitQueued(1));
   Read();
 
-  ASSERT_FALSE(WaitCommEvent(port, &events, &waiting));
-  ASSERT_TRUE(CancelIoEx(port, &waiting));
-  EXPECT_FALSE(GetOverlappedResult(port, &waiting, &count, TRUE));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_OPERATION_ABORTED));
-  EXPECT_FALSE(CancelIoEx(port, &waiting));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_FOUND));
+  if (!contract::WineDeviates("cannot cancel a wait for an event")) {
+    ASSERT_FALSE(WaitCommEvent(port, &events, &waiting));
+    ASSERT_TRUE(CancelIoEx(port, &waiting));
+    EXPECT_FALSE(GetOverlappedResult(port, &waiting, &count, TRUE));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_OPERATION_ABORTED));
+    EXPECT_FALSE(CancelIoEx(port, &waiting));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_FOUND));
+  }
   CloseHandle(waiting.hEvent);
 }
 

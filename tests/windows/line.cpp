@@ -1,14 +1,11 @@
 #include "tests/windows/line.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <pty.h>
-#include <termios.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <optional>
-#include <system_error>
 #include <thread>
 
 #include "simulator/wire.h"
@@ -25,35 +22,7 @@ std::vector<uint8_t> BytesOf(std::string_view hex) {
   return bytes;
 }
 
-[[noreturn]] void FailToMake(const char* what) {
-  throw std::system_error(errno, std::generic_category(), what);
-}
-
 }  // namespace
-
-// Our copy of the tool's end is closed again: that the terminal hangs up tells us when the tool has closed
-// it.
-Line::Line(std::filesystem::path link) : link_(std::move(link)) {
-  int ours = -1;
-  int theirs = -1;
-  char path[128];
-  if (openpty(&ours, &theirs, path, nullptr, nullptr) != 0) FailToMake("pseudo terminal");
-  terminal_ = FileDescriptor(ours);
-  const FileDescriptor tool(theirs);
-  termios settings{};
-  if (tcgetattr(theirs, &settings) != 0) FailToMake("terminal settings");
-  cfmakeraw(&settings);
-  if (tcsetattr(theirs, TCSANOW, &settings) != 0) FailToMake("terminal settings");
-  fcntl(ours, F_SETFD, FD_CLOEXEC);
-  fcntl(ours, F_SETFL, O_NONBLOCK);
-  std::filesystem::remove(link_);
-  std::filesystem::create_symlink(path, link_);
-}
-
-Line::~Line() {
-  std::error_code ignored;
-  std::filesystem::remove(link_, ignored);
-}
 
 bool Line::IsOpen() {
   pollfd state{terminal_.Get(), 0, 0};

@@ -10,15 +10,14 @@
 #include <vector>
 
 #include "tests/windows/failure.h"
-#include "tests/windows/file_descriptor.h"
+#include "tests/windows/pseudo_terminal.h"
 
 namespace windows_test {
 
 class Line {
  public:
   // Makes a pseudo terminal; the symbolic link leads to it until the line is destroyed.
-  explicit Line(std::filesystem::path link);
-  ~Line();
+  explicit Line(const std::filesystem::path& link) : terminal_(link) {}
 
   // The tool has the port open.
   bool IsOpen();
@@ -47,8 +46,7 @@ class Line {
   void ReadWhatIsThere();
   void Send(const std::vector<uint8_t>& bytes, const Where& where);
 
-  std::filesystem::path link_;
-  FileDescriptor terminal_;
+  PseudoTerminal terminal_;
   std::deque<Byte> received_;  // not taken yet
   std::chrono::microseconds pause_{};
 };

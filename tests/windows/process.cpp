@@ -59,6 +59,7 @@ std::string ProgramPath(const std::string& name) {
 
 WineProcess::WineProcess(const std::string& program, const std::vector<std::string>& arguments,
                          const Where& where) {
+  if (!std::filesystem::exists(ProgramPath(program))) Fail(ProgramPath(program) + " is missing", where);
   Pipe input = MakePipe(where);
   Pipe output = MakePipe(where);
   posix_spawn_file_actions_t actions;

@@ -30,8 +30,8 @@ inline constexpr int64_t kResumeAutomatic = 0x0012;  // PBT_APMRESUMEAUTOMATIC
 inline constexpr uint32_t kQueryPicFirmware = 0x80DF;
 inline constexpr uint32_t kStatusLedRequest = 0x876F;
 
-// Wine does not end a wait for comm events when the other end of a pseudo terminal hangs up, as a serial driver does
-// when its device is gone: there the tool cannot know.
+// Wine does not end a wait for comm events when the other end of a pseudo terminal hangs up, as a serial
+// driver does when its device is gone: there the tool cannot know.
 inline constexpr char kWineWaitsForEver[] = "Wine's wait for comm events outlives the line";
 
 class ToolTest : public testing::Test {
