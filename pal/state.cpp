@@ -46,6 +46,7 @@ void State::ReleaseProgram() {
   desktop.ForgetProgram();
   ReleaseProgramData(*this);
   executionState = ES_CONTINUOUS;
+  mayShutDown = false;
 }
 
 State& CurrentState() {
