@@ -19,7 +19,10 @@ constexpr bool kNoticed =
     std::is_same_v<Detail, pal::ExecutionState> || std::is_same_v<Detail, pal::Beep> ||
     std::is_same_v<Detail, pal::BoxShown> || std::is_same_v<Detail, pal::BoxAnswered> ||
     std::is_same_v<Detail, pal::ForeignMessageSent> || std::is_same_v<Detail, pal::DeviceCall> ||
-    std::is_same_v<Detail, pal::ProgramStarted> || std::is_same_v<Detail, pal::ProgramEnded>;
+    std::is_same_v<Detail, pal::TrayChange> || std::is_same_v<Detail, pal::MenuShown> ||
+    std::is_same_v<Detail, pal::MenuChosen> || std::is_same_v<Detail, pal::SoundPlayed> ||
+    std::is_same_v<Detail, pal::SoundStopped> || std::is_same_v<Detail, pal::PlaybackLevel> || std::is_same_v<Detail, pal::ProgramStarted> ||
+    std::is_same_v<Detail, pal::ProgramEnded>;
 
 bool IsNoticed(const pal::Effect& effect) {
   return std::visit([](const auto& detail) { return kNoticed<std::decay_t<decltype(detail)>>; },
