@@ -21,7 +21,7 @@ constexpr bool kNoticed =
     std::is_same_v<Detail, pal::ForeignMessageSent> || std::is_same_v<Detail, pal::DeviceCall> ||
     std::is_same_v<Detail, pal::TrayChange> || std::is_same_v<Detail, pal::MenuShown> ||
     std::is_same_v<Detail, pal::MenuChosen> || std::is_same_v<Detail, pal::SoundPlayed> ||
-    std::is_same_v<Detail, pal::SoundStopped> || std::is_same_v<Detail, pal::PlaybackLevel> || std::is_same_v<Detail, pal::ProgramStarted> ||
+    std::is_same_v<Detail, pal::PlaybackLevel> || std::is_same_v<Detail, pal::ProgramStarted> ||
     std::is_same_v<Detail, pal::ProgramEnded>;
 
 bool IsNoticed(const pal::Effect& effect) {
