@@ -46,6 +46,13 @@ const HKL kUnitedStates = reinterpret_cast<HKL>(static_cast<ULONG_PTR>(0x0409040
 
 }  // namespace
 
+BOOL WINAPI GetCursorPos(LPPOINT point) {
+  const Call call("GetCursorPos");
+  if (call.Fails()) return FALSE;
+  *point = call->cursor;
+  return TRUE;
+}
+
 void WINAPI mouse_event(DWORD flags, DWORD dx, DWORD dy, DWORD data, ULONG_PTR /*extraInfo*/) {
   const Call call;
   if (flags == 0 || (flags & ~kKnownMouseFlags)) Die("mouse_event with unknown flags");

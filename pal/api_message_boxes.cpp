@@ -53,25 +53,6 @@ HWND AddBoxWindow(State& state, Thread& self, const OpenMessageBox& shown) {
   return state.desktop.Add(std::move(window)).handle;
 }
 
-// The box's own message loop. Returns the exit code of a WM_QUIT that ended it.
-std::optional<int> RunBox(State& state, Thread& self, const WaitingBox& box) {
-  const MessageFilter everything;
-  const std::function<bool()> hasWork = [&] {
-    return box.answer || self.queue.HasSent() || self.queue.Has(everything, state.scheduler.Now());
-  };
-  while (!box.answer && !state.scheduler.IsEnding() && state.desktop.Find(box.window)) {
-    if (self.queue.HasSent()) {
-      HandleSentMessages(state, self);
-    } else if (const std::optional<MSG> message = self.queue.Take(everything, state.scheduler.Now(), true)) {
-      if (message->message == WM_QUIT) return static_cast<int>(message->wParam);
-      Dispatch(state, *message);
-    } else {
-      state.scheduler.Wait(hasWork, self.queue.NextTimer(everything));
-    }
-  }
-  return std::nullopt;
-}
-
 }  // namespace
 
 namespace pal {
@@ -119,7 +100,7 @@ int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
   if (!box->answer) {
     box->window = AddBoxWindow(state, self, shown);
     state.boxes.open.push_back(box);
-    quit = RunBox(state, self, *box);
+    quit = RunNestedLoop(state, self, [&] { return box->answer || !state.desktop.Find(box->window); });
     std::erase(state.boxes.open, box);
     DestroyTree(state, box->window);
   }

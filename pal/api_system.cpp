@@ -1,6 +1,5 @@
-// The version of Windows, folders of the shell, COM and common controls.
+// The version of Windows, folders of the shell and common controls.
 #include <commctrl.h>
-#include <objbase.h>
 #include <shlobj.h>
 
 #include <algorithm>
@@ -54,9 +53,6 @@ bool Meets(DWORD actual, DWORD wanted, BYTE condition) {
   }
 }
 
-// CoInitialize calls of the thread that still want their CoUninitialize.
-thread_local int comCount = 0;
-
 }  // namespace
 
 ULONGLONG WINAPI VerSetConditionMask(ULONGLONG conditions, DWORD typeMask, BYTE condition) {
@@ -103,18 +99,6 @@ HRESULT WINAPI SHGetFolderPathW(HWND /*owner*/, int folder, HANDLE token, DWORD 
   if (!exists) disk.MakeDirectories(Machine::kCommonDocuments);
   *std::ranges::copy(Machine::kCommonDocuments, path).out = 0;
   return S_OK;
-}
-
-HRESULT WINAPI CoInitialize(LPVOID reserved) {
-  const Call call("CoInitialize");
-  if (call.Fails()) return E_FAIL;
-  if (reserved) return E_INVALIDARG;
-  return comCount++ == 0 ? S_OK : S_FALSE;
-}
-
-void WINAPI CoUninitialize() {
-  if (comCount == 0) Die("CoUninitialize without CoInitialize");
-  --comCount;
 }
 
 // The classes of common controls are always there.

@@ -182,6 +182,16 @@ HWND WINAPI GetDesktopWindow() {
   return call->desktop.DesktopWindow();
 }
 
+BOOL WINAPI SetForegroundWindow(HWND window) {
+  const Call call("SetForegroundWindow");
+  if (call.Fails()) return FALSE;
+  const Window* found = FindOr1400(call.Get(), window);
+  if (!found) return FALSE;
+  call->foreground = window;
+  call->Emit(ForegroundSet{found->windowClass->name});
+  return TRUE;
+}
+
 HWND WINAPI GetDlgItem(HWND dialog, int id) {
   const Call call;
   if (!FindOr1400(call.Get(), dialog)) return nullptr;
@@ -265,11 +275,6 @@ LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
 HCURSOR WINAPI LoadCursorW(HINSTANCE instance, LPCWSTR name) {
   if (instance || !IS_INTRESOURCE(name)) Die("LoadCursorW of the program's own cursors");
   return reinterpret_cast<HCURSOR>(0x20000 + reinterpret_cast<ULONG_PTR>(name));
-}
-
-HICON WINAPI LoadIconW(HINSTANCE instance, LPCWSTR name) {
-  if (instance || !IS_INTRESOURCE(name)) Die("LoadIconW of the program's own icons");
-  return reinterpret_cast<HICON>(0x30000 + reinterpret_cast<ULONG_PTR>(name));
 }
 
 HGDIOBJ WINAPI GetStockObject(int object) {

@@ -43,4 +43,13 @@ std::string OneLine(std::string_view bytes) {
   return OneLine(text);
 }
 
+std::u16string MenuLabel(std::u16string_view text) {
+  std::u16string label;
+  for (size_t i = 0; i < text.size() && text[i] != u'\t'; ++i) {
+    if (text[i] == u'&' && i + 1 < text.size()) ++i;
+    label.push_back(text[i]);
+  }
+  return label;
+}
+
 }  // namespace pal

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <mmsystem.h>
+
 #include <algorithm>
 #include <cstring>
 #include <string_view>
@@ -54,6 +56,43 @@ struct ButtonRow {
 constexpr ButtonRow kButtonRows[] = {{IDOK, "ok"},       {IDCANCEL, "cancel"}, {IDABORT, "abort"},
                                      {IDRETRY, "retry"}, {IDIGNORE, "ignore"}, {IDYES, "yes"},
                                      {IDNO, "no"}};
+
+std::string DescribeItem(const MenuItem& item);
+
+// "Options (default) | - | Language > [English | Nederlands (checked)]"
+std::string DescribeItems(const std::vector<MenuItem>& items) {
+  std::string words;
+  for (const MenuItem& item : items) words.append(words.empty() ? "" : " | ").append(DescribeItem(item));
+  return words;
+}
+
+std::string DescribeItem(const MenuItem& item) {
+  if (item.isSeparator) return "-";
+  std::string words = OneLine(MenuLabel(item.text));
+  if (item.isDefault) words += " (default)";
+  if (item.isChecked) words += " (checked)";
+  if (item.isGrayed) words += " (gray)";
+  if (!item.popup.empty()) words.append(" > [").append(DescribeItems(item.popup)).append("]");
+  return words;
+}
+
+std::string DescribeIcon(const TrayChange& e) {
+  std::string words = "tray " + std::to_string(e.id);
+  if (e.action == TrayChange::Action::kAdded) words += " added";
+  if (e.action == TrayChange::Action::kRemoved) words += " removed";
+  if (e.picture) words += " picture " + std::to_string(*e.picture);
+  if (e.tooltip) words += " tooltip " + Quoted(*e.tooltip);
+  if (e.balloon) words += " balloon " + Quoted(e.balloon->title) + ": " + OneLine(e.balloon->text);
+  return words;
+}
+
+std::string DescribeSound(const SoundPlayed& e) {
+  std::string words = "sound ";
+  words += e.file.empty() ? std::to_string(e.resource) : OneLine(e.file);
+  if (e.isMissing) words += " (missing)";
+  if ((e.flags & SND_LOOP) != 0) words += " again and again";
+  return words;
+}
 
 // One wording for each kind of effect.
 struct Words {
@@ -126,6 +165,25 @@ struct Words {
   std::string operator()(const ModuleLoaded& e) const { return "library " + FileName(e.path) + " loaded"; }
   std::string operator()(const ModuleFreed& e) const { return "library " + FileName(e.path) + " freed"; }
   std::string operator()(const DeviceCall& e) const { return e.device + " " + e.call; }
+  std::string operator()(const TrayChange& e) const { return DescribeIcon(e); }
+  std::string operator()(const MenuShown& e) const { return "menu " + DescribeItems(e.items); }
+  std::string operator()(const MenuChosen& e) const {
+    if (e.command == 0) return "menu closed";
+    return "chosen " + std::to_string(e.command) + " " + OneLine(MenuLabel(e.text));
+  }
+  std::string operator()(const SoundPlayed& e) const { return DescribeSound(e); }
+  std::string operator()(const SoundStopped& /*e*/) const { return "sound stopped"; }
+  std::string operator()(const PlaybackLevel& e) const {
+    return "playback level " + std::to_string(e.percent) + " %";
+  }
+  std::string operator()(const PlaybackMute& e) const {
+    return e.isMuted ? "playback muted" : "playback not muted";
+  }
+  std::string operator()(const ForegroundSet& e) const { return "foreground " + OneLine(e.className); }
+  std::string operator()(const ProgramExecuted& e) const {
+    return (e.verb.empty() ? "run " : OneLine(e.verb) + " ") + FileName(e.file) +
+           (e.parameters.empty() ? "" : " " + OneLine(e.parameters));
+  }
   std::string operator()(const ProgramStarted& e) const {
     return "program starts: " + OneLine(e.commandLine);
   }

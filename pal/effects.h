@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -10,6 +11,24 @@
 namespace pal {
 
 using Time = std::chrono::microseconds;
+
+// An item of a menu that is shown.
+struct MenuItem {
+  std::u16string text;  // as it stands, with "&" and short cut
+  uint32_t command = 0;
+  bool isSeparator = false;
+  bool isChecked = false;
+  bool isGrayed = false;
+  bool isDefault = false;
+  std::vector<MenuItem> popup;  // what it opens
+};
+
+struct TrayBalloon {
+  std::u16string title;
+  std::u16string text;
+  uint32_t flags = 0;  // NIIF_...
+  uint32_t timeoutMs = 0;
+};
 
 // One record a line.
 // clang-format off
@@ -35,6 +54,16 @@ struct ForeignMessageSent {
   uint64_t copyDataTag = 0;
   std::vector<uint8_t> payload;
 };
+// An icon of the notification area. What was not told stays empty; a picture is the number of an icon resource,
+// 0 for none.
+struct TrayChange {
+  enum class Action { kAdded, kChanged, kRemoved };
+  Action action = Action::kAdded;
+  uint32_t id = 0;
+  std::optional<int> picture;
+  std::optional<std::u16string> tooltip;
+  std::optional<TrayBalloon> balloon;
+};
 struct TimerSet { uint64_t id = 0; uint32_t periodMs = 0; };
 struct TimerKilled { uint64_t id = 0; };
 struct LanguageSet { uint16_t language = 0; };
@@ -42,15 +71,60 @@ struct ModuleLoaded { std::u16string path; };
 struct ModuleFreed { std::u16string path; };
 // What a simulated device behind a module was told: "joystick", "mouse filter", "board".
 struct DeviceCall { std::string device; std::string call; };
+struct MenuShown { std::vector<MenuItem> items; int32_t x = 0, y = 0; uint32_t flags = 0; };
+struct MenuChosen { uint32_t command = 0; std::u16string text; };  // command 0: closed without a choice
+// A sound of the program's resources or of a file. A file that is missing sounds like Windows' own.
+struct SoundPlayed { int resource = 0; std::u16string file; uint32_t flags = 0; bool isMissing = false; };
+struct SoundStopped {};
+struct PlaybackLevel { int percent = 0; };
+struct PlaybackMute { bool isMuted = false; };
+struct ForegroundSet { std::u16string className; };
+// Another program, started through the shell.
+struct ProgramExecuted {
+  std::u16string verb;
+  std::u16string file;
+  std::u16string parameters;
+  std::u16string directory;
+  int show = 0;
+};
 struct ProgramStarted { std::u16string commandLine; };
 struct ProgramEnded { int exitCode = 0; };
 // clang-format on
 
-using EffectDetail =
-    std::variant<DebugOutput, RegistryWrite, FileWrite, SerialOpened, SerialClosed, SerialWrite, MouseInput,
-                 KeyInput, ExecutionState, WindowsExit, Beep, BoxShown, BoxAnswered, ForeignMessageSent,
-                 TimerSet, TimerKilled, LanguageSet, ModuleLoaded, ModuleFreed, DeviceCall, ProgramStarted,
-                 ProgramEnded>;
+// clang-format off
+using EffectDetail = std::variant<
+    DebugOutput,
+    RegistryWrite,
+    FileWrite,
+    SerialOpened,
+    SerialClosed,
+    SerialWrite,
+    MouseInput,
+    KeyInput,
+    ExecutionState,
+    WindowsExit,
+    Beep,
+    BoxShown,
+    BoxAnswered,
+    ForeignMessageSent,
+    TimerSet,
+    TimerKilled,
+    LanguageSet,
+    ModuleLoaded,
+    ModuleFreed,
+    DeviceCall,
+    TrayChange,
+    MenuShown,
+    MenuChosen,
+    SoundPlayed,
+    SoundStopped,
+    PlaybackLevel,
+    PlaybackMute,
+    ForegroundSet,
+    ProgramExecuted,
+    ProgramStarted,
+    ProgramEnded>;
+// clang-format on
 
 struct Effect {
   Time at{0};

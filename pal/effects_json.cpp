@@ -23,6 +23,25 @@ std::string JsonText(std::string_view utf8) {
   return text + "\"";
 }
 
+std::string JsonItems(const std::vector<MenuItem>& items);
+
+std::string JsonItem(const MenuItem& item) {
+  if (item.isSeparator) return "null";
+  std::string text = "{\"text\":" + JsonText(ToUtf8(item.text));
+  if (item.popup.empty()) text += ",\"command\":" + std::to_string(item.command);
+  if (item.isDefault) text += ",\"default\":true";
+  if (item.isChecked) text += ",\"checked\":true";
+  if (item.isGrayed) text += ",\"grayed\":true";
+  if (!item.popup.empty()) text += ",\"items\":" + JsonItems(item.popup);
+  return text + "}";
+}
+
+std::string JsonItems(const std::vector<MenuItem>& items) {
+  std::string text;
+  for (const MenuItem& item : items) text.append(text.empty() ? "" : ",").append(JsonItem(item));
+  return "[" + text + "]";
+}
+
 // Names and values of one effect, in order.
 class Object {
  public:
@@ -37,6 +56,9 @@ class Object {
   // UTF-8, or what is not, byte by byte.
   Object&& With(std::string_view name, std::string_view text) && {
     return Add(name, JsonText(DecodeUtf8(text).valid ? std::string(text) : OneLine(text)));
+  }
+  Object&& With(std::string_view name, const std::vector<MenuItem>& items) && {
+    return Add(name, JsonItems(items));
   }
   Object&& With(std::string_view name, std::integral auto number) && {
     return Add(name, std::to_string(number));
@@ -122,6 +144,62 @@ Object Fields(const ModuleFreed& e) {
 }
 Object Fields(const DeviceCall& e) {
   return Object("device").With("device", std::string_view(e.device)).With("call", std::string_view(e.call));
+}
+std::string_view ActionName(TrayChange::Action action) {
+  switch (action) {
+    case TrayChange::Action::kAdded:
+      return "added";
+    case TrayChange::Action::kChanged:
+      return "changed";
+    case TrayChange::Action::kRemoved:
+      return "removed";
+  }
+  return {};
+}
+
+Object Fields(const TrayChange& e) {
+  Object object = Object("tray").With("id", e.id).With("action", ActionName(e.action));
+  if (e.picture) object = std::move(object).With("picture", *e.picture);
+  if (e.tooltip) object = std::move(object).With("tooltip", *e.tooltip);
+  if (e.balloon)
+    object = std::move(object)
+                 .With("balloon_title", e.balloon->title)
+                 .With("balloon", e.balloon->text)
+                 .With("balloon_flags", e.balloon->flags)
+                 .With("timeout_ms", e.balloon->timeoutMs);
+  return object;
+}
+Object Fields(const MenuShown& e) {
+  return Object("menu").With("items", e.items).With("x", e.x).With("y", e.y).With("flags", e.flags);
+}
+Object Fields(const MenuChosen& e) {
+  return Object("chosen").With("command", e.command).With("item", e.text);
+}
+Object Fields(const SoundPlayed& e) {
+  Object object = Object("sound");
+  object = e.file.empty() ? std::move(object).With("resource", e.resource)
+                          : std::move(object).With("file", e.file);
+  return std::move(object).With("flags", e.flags).With("missing", e.isMissing ? 1 : 0);
+}
+Object Fields(const SoundStopped& /*e*/) {
+  return Object("sound stopped");
+}
+Object Fields(const PlaybackLevel& e) {
+  return Object("playback level").With("percent", e.percent);
+}
+Object Fields(const PlaybackMute& e) {
+  return Object("playback mute").With("muted", e.isMuted ? 1 : 0);
+}
+Object Fields(const ForegroundSet& e) {
+  return Object("foreground").With("window_class", e.className);
+}
+Object Fields(const ProgramExecuted& e) {
+  return Object("program executed")
+      .With("verb", e.verb)
+      .With("file", e.file)
+      .With("parameters", e.parameters)
+      .With("directory", e.directory)
+      .With("show", e.show);
 }
 Object Fields(const ProgramStarted& e) {
   return Object("program started").With("command_line", e.commandLine);

@@ -177,6 +177,9 @@ int Machine::CountOpen(std::string_view kind) const {
   const MachineLock lock(state_->mutex);
   if (kind == "thread") return state_->scheduler.RunningSecondaryThreads();
   if (kind == "window") return state_->desktop.CountOfProgram();
+  if (kind == "menu") return state_->menus.Count();
+  if (kind == "icon") return state_->pictures.CountLoaded();
+  if (kind == "com object") return static_cast<int>(state_->playback.objects.size());
   if (kind != "timer") return state_->handles.Count(kind);
   size_t timers = 0;
   for (const std::shared_ptr<Thread>& thread : state_->scheduler.Threads())
@@ -195,6 +198,11 @@ size_t Machine::QueuedMessages() const {
 void Machine::Fail(std::string function, int times, DWORD lastError, int skip) {
   const MachineLock lock(state_->mutex);
   state_->failures.Arm(std::move(function), times, lastError, skip);
+}
+
+void Machine::SetExecutedProgramTime(Time time) {
+  const MachineLock lock(state_->mutex);
+  state_->executedProgramTime = time;
 }
 
 const std::vector<Effect>& Machine::Effects() const {

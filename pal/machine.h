@@ -58,6 +58,21 @@ struct OpenMessageBox {
   UINT type = 0;
 };
 
+// An icon in the notification area, as the person sees it.
+struct TrayIcon {
+  HWND window = nullptr;
+  UINT id = 0;
+  UINT callbackMessage = 0;
+  int picture = 0;  // number of its icon resource, 0 for none
+  std::u16string tooltip;
+};
+
+// Of the default playback device.
+struct PlaybackVolume {
+  float level = 0.5F;  // 0 to 1
+  bool isMuted = false;
+};
+
 class Machine {
  public:
   explicit Machine(Clock clock = Clock::kVirtual);
@@ -100,7 +115,8 @@ class Machine {
                                       Time limit = std::chrono::seconds(30));
   bool Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   // What the program holds now, for leak checks: handles by kind ("event", "mutex", "file", "serial", "key",
-  // "thread handle"), "window", "timer", and "thread": those that run beside the main thread.
+  // "thread handle"), "window", "timer", "menu", "icon" (loaded pictures),
+  // "com object", and "thread": those that run beside the main thread.
   [[nodiscard]] int CountOpen(std::string_view kind) const;
   [[nodiscard]] size_t QueuedMessages() const;  // posted messages that wait for the program's main thread
 
@@ -159,6 +175,8 @@ class Machine {
   // A DLL in the program's directory. LoadLibrary of its full path finds it, of a bare name does not.
   void AddModule(std::u16string_view fileName, std::vector<Export> exports);
   void RemoveModule(std::u16string_view fileName);
+  // How long programs run that the shell starts; they end at once by default.
+  void SetExecutedProgramTime(Time time);
 
   // ---- desktop ------------------------------------------------------------------------------------------
   HWND AddForeignWindow(std::u16string_view className, ForeignWindowHandler handler = {});
@@ -168,8 +186,37 @@ class Machine {
   [[nodiscard]] std::vector<OpenMessageBox> OpenMessageBoxes() const;  // innermost last
   void AnswerMessageBox(int button);                                   // the innermost
   void AnswerMessageBoxesWith(std::optional<int> button);
+  [[nodiscard]] HWND ForegroundWindow() const;  // as SetForegroundWindow left it, null at first
   // Windows version as the version test reports it; default 6.1 with service pack 1.
   void SetWindowsVersion(WORD major, WORD minor, WORD servicePack);
+
+  // ---- notification area --------------------------------------------------------------------------------
+  // Without a shell there is no taskbar: Shell_NotifyIconW fails. A shell that comes up knows no icon and
+  // tells every top-level window "TaskbarCreated". The machine begins with a shell.
+  void StopShell();
+  void StartShell();
+  void RestartShell();
+  // In the order of their adding. The icon of a program that left it behind stays until the pointer comes
+  // near.
+  [[nodiscard]] std::vector<TrayIcon> TrayIcons() const;
+  [[nodiscard]] std::optional<TrayIcon> FindTrayIcon(UINT id) const;  // the newest of that number
+  // The person. False when no such icon stands. The pointer stays where the icon is.
+  bool ClickTrayIcon(UINT id);
+  bool DoubleClickTrayIcon(UINT id);
+  bool RightClickTrayIcon(UINT id);
+
+  // ---- menus --------------------------------------------------------------------------------------------
+  // A menu stays open until the person chooses, or closes it. What hangs on its items counts as open, too.
+  [[nodiscard]] std::optional<std::vector<MenuItem>> OpenMenu() const;
+  // False when no menu is open or has such an item to choose. A label is the text without its "&".
+  bool ChooseMenuItem(std::u16string_view label);
+  bool ChooseMenuCommand(UINT command);
+  bool DismissMenu();
+  void SetCursor(POINT place);
+
+  // ---- playback -----------------------------------------------------------------------------------------
+  [[nodiscard]] PlaybackVolume Playback() const;
+  void SetPlayback(PlaybackVolume volume);  // by somebody else
 
  private:
   std::unique_ptr<State> state_;

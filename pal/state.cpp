@@ -44,6 +44,9 @@ void State::ReleaseThread(Thread& thread) {
 void State::ReleaseProgram() {
   handles.CloseAll();
   desktop.ForgetProgram();
+  menus.Clear();
+  pictures.Clear();
+  playback.objects.clear();
   ReleaseProgramData(*this);
   executionState = ES_CONTINUOUS;
   mayShutDown = false;

@@ -21,7 +21,11 @@
 #include "pal/handles.h"
 #include "pal/machine.h"
 #include "pal/machine_mutex.h"
+#include "pal/menus.h"
 #include "pal/message_boxes.h"
+#include "pal/notification_area.h"
+#include "pal/pictures.h"
+#include "pal/playback.h"
 #include "pal/scheduler.h"
 #include "pal/serial_port.h"
 #include "pal/sync_objects.h"
@@ -50,6 +54,10 @@ struct State {
   FailureTable failures;
   Desktop desktop;
   MessageBoxes boxes;
+  NotificationArea notificationArea;
+  Menus menus;
+  Pictures pictures;
+  Playback playback;
   SerialPorts serialPorts;
   std::shared_ptr<DataState> data;
 
@@ -62,6 +70,10 @@ struct State {
   std::vector<std::vector<uint8_t>> postedCopies;      // what messages that the outside posted point to
   DWORD executionState = ES_CONTINUOUS;
   bool mayShutDown = false;  // the program has enabled that privilege
+  POINT cursor = {512, 384};
+  HWND foreground = nullptr;
+  uint32_t lastGuid = 0;
+  Time executedProgramTime{0};  // how long a program runs that the shell started
   UINT_PTR lastFreeTimerId = 0;  // of timers without a window
 };
 

@@ -84,6 +84,28 @@ LRESULT Dispatch(State& state, const MSG& message) {
   return CallWindow(state, message.hwnd, message.message, message.wParam, message.lParam);
 }
 
+std::optional<int> RunNestedLoop(State& state, Thread& self, const std::function<bool()>& isOver,
+                                 const std::function<void(const MSG&)>& dispatch) {
+  const MessageFilter everything;
+  const std::function<bool()> hasWork = [&] {
+    return isOver() || self.queue.HasSent() || self.queue.Has(everything, state.scheduler.Now());
+  };
+  while (!isOver() && !state.scheduler.IsEnding()) {
+    if (self.queue.HasSent()) {
+      HandleSentMessages(state, self);
+    } else if (const std::optional<MSG> message = self.queue.Take(everything, state.scheduler.Now(), true)) {
+      if (message->message == WM_QUIT) return static_cast<int>(message->wParam);
+      if (dispatch)
+        dispatch(*message);
+      else
+        Dispatch(state, *message);
+    } else {
+      state.scheduler.Wait(hasWork, self.queue.NextTimer(everything));
+    }
+  }
+  return std::nullopt;
+}
+
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   Thread* thread = nullptr;
   if (window) {

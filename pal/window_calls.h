@@ -2,6 +2,7 @@
 // let go while a window procedure or a foreign window's handler runs.
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "pal/state.h"
@@ -19,6 +20,11 @@ LRESULT CallWindow(State& state, HWND window, UINT message, WPARAM wParam, LPARA
 void HandleSentMessages(State& state, Thread& self);
 // DispatchMessageW.
 LRESULT Dispatch(State& state, const MSG& message);
+// The message loop of a message box, a menu or a modal dialog, until `isOver`. `dispatch` takes the place of
+// Dispatch. Returns the exit code of a WM_QUIT that ended it, for MessageQueue::PostQuit when the caller is
+// done.
+std::optional<int> RunNestedLoop(State& state, Thread& self, const std::function<bool()>& isOver,
+                                 const std::function<void(const MSG&)>& dispatch = {});
 
 // Puts a message into the queue of the window's thread; 0 or the error.
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam);

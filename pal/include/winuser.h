@@ -96,6 +96,7 @@ BOOL WINAPI IsWindow(HWND window);
 LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 HWND WINAPI FindWindowW(LPCWSTR className, LPCWSTR title);
 HWND WINAPI GetDesktopWindow();
+BOOL WINAPI SetForegroundWindow(HWND window);
 HWND WINAPI GetDlgItem(HWND dialog, int id);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect);
 BOOL WINAPI ScreenToClient(HWND window, LPPOINT point);
@@ -103,7 +104,6 @@ BOOL WINAPI InvalidateRect(HWND window, const RECT* rect, BOOL erase);
 LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index);
 LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value);
 HCURSOR WINAPI LoadCursorW(HINSTANCE instance, LPCWSTR name);
-HICON WINAPI LoadIconW(HINSTANCE instance, LPCWSTR name);
 int WINAPI LoadStringW(HINSTANCE instance, UINT id, LPWSTR buffer, int size);
 HGDIOBJ WINAPI GetStockObject(int object);
 
@@ -147,6 +147,7 @@ using PCOPYDATASTRUCT = COPYDATASTRUCT*;
 #define WM_COMMAND 0x0111
 #define WM_SYSCOMMAND 0x0112
 #define WM_TIMER 0x0113
+#define WM_MOUSEMOVE 0x0200
 #define WM_LBUTTONDOWN 0x0201
 #define WM_LBUTTONUP 0x0202
 #define WM_LBUTTONDBLCLK 0x0203
@@ -212,6 +213,55 @@ BOOL WINAPI KillTimer(HWND window, UINT_PTR id);
 int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
 BOOL WINAPI MessageBeep(UINT type);
 
+// ---- menus --------------------------------------------------------------------------------------------------
+
+#define MF_BYCOMMAND 0x00000000u
+#define MF_BYPOSITION 0x00000400u
+#define MF_STRING 0x00000000u
+#define MF_GRAYED 0x00000001u
+#define MF_DISABLED 0x00000002u
+#define MF_UNCHECKED 0x00000000u
+#define MF_CHECKED 0x00000008u
+#define MF_POPUP 0x00000010u
+#define MF_END 0x00000080u
+#define MF_SEPARATOR 0x00000800u
+#define TPM_LEFTALIGN 0x0000u
+#define TPM_RIGHTBUTTON 0x0002u
+#define TPM_CENTERALIGN 0x0004u
+#define TPM_RIGHTALIGN 0x0008u
+#define TPM_BOTTOMALIGN 0x0020u
+
+HMENU WINAPI LoadMenuIndirectW(LPCVOID menuTemplate);
+BOOL WINAPI DestroyMenu(HMENU menu);
+HMENU WINAPI GetSubMenu(HMENU menu, int position);
+BOOL WINAPI InsertMenuW(HMENU menu, UINT position, UINT flags, UINT_PTR id, LPCWSTR text);
+BOOL WINAPI DeleteMenu(HMENU menu, UINT position, UINT flags);
+BOOL WINAPI SetMenuDefaultItem(HMENU menu, UINT item, UINT byPosition);
+BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int reserved, HWND window, const RECT* rect);
+// What a menu has become.
+int WINAPI GetMenuItemCount(HMENU menu);
+UINT WINAPI GetMenuItemID(HMENU menu, int position);
+UINT WINAPI GetMenuState(HMENU menu, UINT item, UINT flags);
+int WINAPI GetMenuStringW(HMENU menu, UINT item, LPWSTR buffer, int size, UINT flags);
+UINT WINAPI GetMenuDefaultItem(HMENU menu, UINT byPosition, UINT flags);
+
+// ---- pictures and metrics -----------------------------------------------------------------------------------
+
+#define IMAGE_ICON 1u
+#define LR_DEFAULTCOLOR 0x0000u
+#define SM_CXSCREEN 0
+#define SM_CYSCREEN 1
+#define SM_CXICON 11
+#define SM_CYICON 12
+#define SM_CXSMICON 49
+#define SM_CYSMICON 50
+
+// A picture that Windows or the program keeps: it is not destroyed.
+HICON WINAPI LoadIconW(HINSTANCE instance, LPCWSTR name);
+HANDLE WINAPI LoadImageW(HINSTANCE instance, LPCWSTR name, UINT type, int width, int height, UINT flags);
+BOOL WINAPI DestroyIcon(HICON icon);
+int WINAPI GetSystemMetrics(int metric);
+
 // ---- input --------------------------------------------------------------------------------------------------
 
 #define MOUSEEVENTF_MOVE 0x0001u
@@ -251,10 +301,13 @@ BOOL WINAPI MessageBeep(UINT type);
 #define VK_F12 0x7B
 #define VK_LSHIFT 0xA0
 
+BOOL WINAPI GetCursorPos(LPPOINT point);
 void WINAPI mouse_event(DWORD flags, DWORD dx, DWORD dy, DWORD data, ULONG_PTR extraInfo);
 void WINAPI keybd_event(BYTE virtualKey, BYTE scanCode, DWORD flags, ULONG_PTR extraInfo);
 UINT WINAPI MapVirtualKeyExW(UINT code, UINT mapType, HKL layout);
 HKL WINAPI GetKeyboardLayout(DWORD threadId);
+
+#define SW_SHOWNORMAL 1
 
 // ---- the end of Windows -------------------------------------------------------------------------------------
 
