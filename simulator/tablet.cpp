@@ -35,9 +35,7 @@ void SimulatedTablet::Start(std::u16string_view arguments) {
 bool SimulatedTablet::StartAndSettle(std::u16string_view arguments) {
   Start(arguments);
   constexpr pal::Time kQuiet = std::chrono::milliseconds(200);
-  const size_t earlier = controller_.Requests().size();
-  const auto asked = [this, earlier] { return controller_.Requests().size() > earlier; };
-  if (!machine_.AdvanceUntil(asked, kPatience)) return false;
+  if (!AwaitBatteryWatch()) return false;
   const pal::Time end = machine_.Now() + kPatience;
   while (machine_.Now() < end) {
     const size_t before = controller_.Requests().size();
@@ -45,6 +43,21 @@ bool SimulatedTablet::StartAndSettle(std::u16string_view arguments) {
     if (controller_.Requests().size() == before) return true;
   }
   return false;
+}
+
+// The last step of the start-up sequence.
+bool SimulatedTablet::AwaitBatteryWatch() {
+  constexpr uint64_t kBatteryTimer = 1;
+  size_t looked = Mark();
+  const auto watches = [&] {
+    const std::vector<pal::Effect>& effects = machine_.Effects();
+    while (looked < effects.size()) {
+      const auto* timer = std::get_if<pal::TimerSet>(&effects[looked++].detail);
+      if (timer && timer->id == kBatteryTimer) return true;
+    }
+    return false;
+  };
+  return machine_.AdvanceUntil(watches, kPatience);
 }
 
 bool SimulatedTablet::Quit(bool answer) {

@@ -65,6 +65,8 @@ class SimulatedTablet {
   [[nodiscard]] std::vector<pal::Effect> Since(size_t mark) const;
 
  private:
+  bool AwaitBatteryWatch();
+
   // The controller outlives the machine: a program that the machine ends may still write to it.
   Controller controller_;
   pal::Machine machine_;

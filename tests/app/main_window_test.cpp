@@ -25,8 +25,8 @@ TEST_F(MainWindow, AnswersWhatTheMakersApplicationsAsk) {
   Start();
   EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 12), 1);
   EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 13), 50);
-  EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 20), 0x1FFFF);
-  EXPECT_EQ(tablet.Ask(WM_APP + 0x770), 2);  // the codec is not ready
+  EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 20), 0x10032);
+  EXPECT_EQ(tablet.Ask(WM_APP + 0x770), 1);  // the codec is ready
   EXPECT_EQ(NewTraces(), std::vector<std::u16string>{u"Kavo3 tool: GetSpeakerVolume invoked"});
   EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 0, -7), 0);
   EXPECT_EQ(NewTraces(), std::vector<std::u16string>{u"Kavo3 tool: device operation 0 -7 invoked"});

@@ -169,15 +169,16 @@ TEST_F(Battery, ChecksRestFromSuspendToResume) {
 }
 
 TEST_F(Battery, TheDetailsAreAskedOnceAndShownAsTheyCame) {
-  tablet.Start();
-  tablet.Advance(3001ms);
+  tablet.Pic().SetReplyDelay(20s);
+  Start();
   machine.Post(tablet.MainWindow(), WM_COMMAND, 40205, 0);
-  tablet.Advance(1s);
+  tablet.Advance(10ms);
   ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
   EXPECT_TRUE(
       machine.OpenMessageBoxes()[0].text.starts_with(u"Manufacturer: \nManufacturer date: \nSerial: \n"));
   machine.AnswerMessageBox(IDOK);
-  tablet.Advance(1s);
+  tablet.Pic().SetReplyDelay(2ms);
+  tablet.Advance(30s);
   machine.Post(tablet.MainWindow(), WM_COMMAND, 40205, 0);
   tablet.Advance(10ms);
   ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);

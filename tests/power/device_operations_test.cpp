@@ -108,8 +108,7 @@ TEST_F(DeviceOperations, TheCallProfileComesBackToWhereItWas) {
 
 TEST_F(DeviceOperations, InFlightModeNoRadioGoesOn) {
   SetUserValue(u"EnableFlightMode", 1);
-  tablet.Start();
-  tablet.Advance(4s);
+  ASSERT_TRUE(tablet.StartAndSettle());
   Texts requests = NewRequests();
   ASSERT_FALSE(requests.empty());
   EXPECT_EQ(requests.back(), "EnableGsm=0");
@@ -131,8 +130,7 @@ TEST_F(DeviceOperations, InFlightModeNoRadioGoesOn) {
 TEST_F(DeviceOperations, RadiosThatAreOffStayOff) {
   for (const char16_t* name : {u"EnableWLAN", u"EnableBluetooth", u"EnableMobilePhone"})
     SetUserValue(name, 0);
-  tablet.Start();
-  tablet.Advance(4s);
+  ASSERT_TRUE(tablet.StartAndSettle());
   const Texts requests = NewRequests();
   EXPECT_EQ(requests.back(), "EnableGsm=0");
   EXPECT_EQ(std::ranges::count(requests, "EnableBT=1"), 0);
@@ -168,8 +166,7 @@ TEST_F(DeviceOperations, AnUnsetVolumeBecomesFifty) {
 }
 
 TEST_F(DeviceOperations, TheEndpointIsTriedFiveTimesAndThenABoxIsShown) {
-  for (const char* step : {"CoCreateGuid", "CoCreateInstance", "IMMDeviceEnumerator::GetDefaultAudioEndpoint",
-                           "IMMDevice::Activate"}) {
+  for (const char* step : {"CoCreateGuid", "CoCreateInstance", "GetDefaultAudioEndpoint", "Activate"}) {
     SCOPED_TRACE(step);
     if (!tablet.MainWindow()) Start();
     machine.Fail(step, 5, static_cast<DWORD>(E_FAIL));
@@ -206,7 +203,7 @@ TEST_F(DeviceOperations, TheSecondAttemptMaySucceed) {
 
 TEST_F(DeviceOperations, ADeviceThatCannotBeSetSaysSoAndTheToolRunsOn) {
   Start();
-  machine.Fail("IAudioEndpointVolume::SetMute", 1, static_cast<DWORD>(E_FAIL));
+  machine.Fail("SetMute", 1, static_cast<DWORD>(E_FAIL));
   machine.Post(tablet.MainWindow(), simulator::SimulatedTablet::kDeviceToolRequest, 11, 30);
   tablet.Advance(10ms);
   ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
