@@ -36,7 +36,7 @@ TEST(Menus, AreBuiltFromATemplate) {
   EXPECT_EQ(TextOf(popup, 0), TEXT("&First\tF1"));
   EXPECT_EQ(TextOf(popup, 128, MF_BYCOMMAND), TEXT("&Last"));
   EXPECT_EQ(GetMenuState(popup, 0, MF_BYPOSITION), 0U);
-  EXPECT_EQ(GetMenuState(popup, 1, MF_BYPOSITION), UINT{MF_SEPARATOR});
+  EXPECT_NE(GetMenuState(popup, 1, MF_BYPOSITION) & MF_SEPARATOR, 0U);
   EXPECT_EQ(GetMenuState(popup, 2, MF_BYPOSITION), UINT{MF_POPUP} | 1U << 8);
   EXPECT_EQ(GetMenuState(popup, 40233, MF_BYCOMMAND), UINT{MF_CHECKED | MF_GRAYED});
   EXPECT_EQ(GetSubMenu(popup, 0), nullptr);
@@ -79,9 +79,7 @@ TEST(Menus, GoWithWhatHangsOnThem) {
     EXPECT_EQ(GetMenuItemCount(popup), 4);
   }
   EXPECT_EQ(GetMenuItemCount(popup), -1);
-  SetLastError(0);
   EXPECT_FALSE(DestroyMenu(popup));
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_MENU_HANDLE});
 }
 
 }  // namespace
