@@ -8,11 +8,14 @@
 #include <vector>
 
 #include "app/diagnostic_log.h"
+#include "app/tray_state.h"
 #include "base/text.h"
+#include "board/audio_settings.h"
 #include "board/board_library.h"
 #include "link/device_identity.h"
 #include "link/link_state.h"
 #include "link/serial_input.h"
+#include "power/alarm_decision.h"
 #include "power/battery_status.h"
 #include "switches/joystick_library.h"
 #include "switches/mouse_filter_library.h"
@@ -25,13 +28,6 @@ struct LanguageEntry {
   LANGID id = 0;
 };
 
-// The audio settings record.
-struct AudioSettings {
-  int32_t SpeakerVol = -1;     // 10 to 100, -1 not set
-  int32_t MicrophoneVol = -1;  // 1 to 9, -1 not set
-  bool codecReady = false;     // the codec power-up has finished
-};
-
 struct AppState {
   AppState();
   AppState(const AppState&) = delete;
@@ -40,6 +36,7 @@ struct AppState {
   // Process and windows.
   HINSTANCE hInstance = nullptr;
   HWND hMainWnd = nullptr;
+  TrayState tray;
   UINT SwitchInputMessage = 0;  // the registered message "Veltra_SwitchInput"; 0 when the registration failed
 
   // User settings, kept in the registry together with those of `battery` and `audio`.
@@ -77,8 +74,11 @@ struct AppState {
 
   DeviceIdentity identity;
   BatteryStatus battery;
+  int32_t lowAlarmLevel = kAlarmArmed;  // capacity of the last low-battery alarm
   AudioSettings audio;
   BoardLibrary board;
+  uint8_t ExpanderPortA = 0;  // the outputs of the I/O expander as last written
+  uint8_t ExpanderPortB = 0;
 
   // Switches.
   bool escHeld = false;  // a long press of the middle, top or bottom side button is pending

@@ -9,8 +9,11 @@
 #include "app/main_window.h"
 #include "app/settings_store.h"
 #include "app/startup.h"
+#include "app/tray_icons.h"
 #include "base/debug_output.h"
 #include "base/handles.h"
+#include "power/outside_tools.h"
+#include "resources/resource_ids.h"
 #include "switches/joystick.h"
 #include "switches/switch_outputs.h"
 
@@ -22,7 +25,7 @@ constexpr int kAnotherInstanceRuns = 6;  // exit code
 // The running instance opens its power meter.
 void CallRunningInstance() {
   if (const HWND running = FindWindowW(kMainWindowClass, nullptr))
-    SendMessageW(running, WM_COMMAND, kOpenPowerMeterCommand, 0);
+    SendMessageW(running, WM_COMMAND, IDC_OPEN_POWER_METER, 0);
 }
 
 void RegisterMainWindowClass(HINSTANCE instance) {
@@ -84,8 +87,10 @@ int RunTool(HINSTANCE instance) {
     return 0;
   }
 
+  CheckPowerFlags();
   CreateMainWindow();
   LoadSettings();
+  AddTrayIcons(GetAppState().hMainWnd);
   WaitBeforeStart();
   RunStartupSequence(false);
   const int exitCode = RunMessageLoop();

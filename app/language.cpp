@@ -1,5 +1,7 @@
 #include "app/language.h"
 
+#include <array>
+
 #include "app/app_state.h"
 #include "app/settings_store.h"
 #include "app/windows_version.h"
@@ -37,13 +39,23 @@ WideView StringInBlock(WideView block, size_t index) {
   }
 }
 
-WideView LoadStringOf(UINT id, LANGID language) {
+// In the order in which a resource is looked for.
+std::array<LANGID, 3> ResourceLanguages() {
+  const LANGID language = CompleteLanguage(GetAppState().CurrentLangID);
+  return {language, static_cast<LANGID>(MAKELANGID(PRIMARYLANGID(language), SUBLANG_NEUTRAL)), kEnglish};
+}
+
+Bytes FindResourceIn(LANGID language, const WCHAR* type, WORD id) {
   const HMODULE module = GetAppState().hInstance;
-  const HRSRC resource = FindResourceExW(module, RT_STRING, MAKEINTRESOURCEW(id / 16 + 1), language);
+  const HRSRC resource = FindResourceExW(module, type, MAKEINTRESOURCEW(id), language);
   if (!resource) return {};
-  const auto* text = static_cast<const WCHAR*>(LockResource(LoadResource(module, resource)));
-  if (!text) return {};
-  return StringInBlock({text, SizeofResource(module, resource) / sizeof(WCHAR)}, id % 16);
+  const auto* data = static_cast<const uint8_t*>(LockResource(LoadResource(module, resource)));
+  return data ? Bytes(data, SizeofResource(module, resource)) : Bytes();
+}
+
+WideView FindStringIn(LANGID language, UINT id) {
+  const Bytes block = FindResourceIn(language, RT_STRING, static_cast<WORD>(id / 16 + 1));
+  return StringInBlock({reinterpret_cast<const WCHAR*>(block.data()), block.size() / sizeof(WCHAR)}, id % 16);
 }
 
 }  // namespace
@@ -72,11 +84,15 @@ WideText GetCurrentLanguageName() {
   return TEXT("english");
 }
 
+Bytes FindLocalResource(const WCHAR* type, WORD id) {
+  for (const LANGID language : ResourceLanguages())
+    if (const Bytes data = FindResourceIn(language, type, id); !data.empty()) return data;
+  return {};
+}
+
 WideText LoadResString(UINT id) {
-  const LANGID language = CompleteLanguage(GetAppState().CurrentLangID);
-  const LANGID neutral = MAKELANGID(PRIMARYLANGID(language), SUBLANG_NEUTRAL);
-  for (const LANGID candidate : {language, neutral, kEnglish})
-    if (const WideView text = LoadStringOf(id, candidate); !text.empty())
+  for (const LANGID language : ResourceLanguages())
+    if (const WideView text = FindStringIn(language, id); !text.empty())
       return WideText(text.substr(0, kLongestString));
   return {};
 }

@@ -16,6 +16,10 @@ void ApplyUiLanguage(LANGID language);
 // The display name of the current language; "english" when it is none of the list.
 WideText GetCurrentLanguageName();
 
+// The data of a resource in the current language, in its neutral form, or in English; empty when there is
+// none.
+Bytes FindLocalResource(const WCHAR* type, WORD id);
+
 // The string of the program's resources in the current language, in its neutral form, or in English; at most
 // 254 characters. Empty when there is none.
 WideText LoadResString(UINT id);

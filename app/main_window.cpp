@@ -9,14 +9,21 @@
 #include "app/language.h"
 #include "app/power_events.h"
 #include "app/startup.h"
+#include "app/tray_icons.h"
+#include "app/tray_menu.h"
 #include "app/windows_version.h"
 #include "base/debug_output.h"
+#include "board/codec.h"
 #include "link/identity_updates.h"
 #include "link/infrared.h"
 #include "link/pic_comm.h"
 #include "link/pic_receiver.h"
 #include "link/send_queue.h"
 #include "link/serial_input.h"
+#include "power/battery_alarms.h"
+#include "power/battery_details.h"
+#include "power/device_operations.h"
+#include "power/flight_mode_notice.h"
 #include "resources/resource_ids.h"
 #include "switches/switch_events.h"
 
@@ -41,7 +48,22 @@ using Result = std::optional<LRESULT>;
 
 // ---- the window's life ------------------------------------------------------------------------------------
 
+// The shell tells with this message that it has started anew and forgotten all icons; 0 when the registration
+// failed.
+UINT TaskbarCreatedMessage = 0;
+
+Result OnCreate(const WindowMessage&) {
+  TaskbarCreatedMessage = RegisterWindowMessageW(TEXT("TaskbarCreated"));
+  return 0;
+}
+
+Result OnTaskbarCreated(const WindowMessage& m) {
+  AddTrayIcons(m.window);
+  return 0;
+}
+
 Result OnClose(const WindowMessage& m) {
+  RemoveTrayIcons(m.window);
   DestroyWindow(m.window);
   return 0;
 }
@@ -86,12 +108,33 @@ Result OnCopyData(const WindowMessage& m) {
   return {};
 }
 
+// ---- tray icons -------------------------------------------------------------------------------------------
+
+void OnIconMouse(const WindowMessage& m, WORD doubleClickCommand, TrayMenu menu) {
+  if (m.lParam == WM_LBUTTONDBLCLK) SendMessageW(m.window, WM_COMMAND, doubleClickCommand, 0);
+  if (m.lParam == WM_RBUTTONUP) ShowTrayMenu(m.window, menu);
+}
+
+Result OnPowerIcon(const WindowMessage& m) {
+  OnIconMouse(m, IDC_OPEN_POWER_METER, TrayMenu::kPower);
+  return {};
+}
+
+Result OnToolIcon(const WindowMessage& m) {
+  OnIconMouse(m, IDC_OPTIONS, TrayMenu::kTool);
+  return {};
+}
+
 // ---- menu commands ----------------------------------------------------------------------------------------
 
 void ConfirmClose(HWND window) {
   const WideText question = LoadResString(IDS_CONFIRM_CLOSE);
   if (MessageBoxW(window, question.c_str(), GetDeviceModelName().c_str(), MB_YESNO) == IDYES)
     SendMessageW(window, WM_CLOSE, 0, 0);
+}
+
+void ShowBatteryDetails(HWND window) {
+  MessageBoxW(window, BatteryDetailsText().c_str(), GetDeviceModelName().c_str(), MB_OK | MB_ICONINFORMATION);
 }
 
 void ChooseLanguage(size_t index) {
@@ -101,9 +144,10 @@ void ChooseLanguage(size_t index) {
 
 Result OnCommand(const WindowMessage& m) {
   const WORD command = LOWORD(m.wParam);
-  if (command == kCloseCommand) ConfirmClose(m.window);
-  if (command >= kFirstLanguageCommand && command <= kLastLanguageCommand)
-    ChooseLanguage(command - kFirstLanguageCommand);
+  if (command == IDC_CLOSE) ConfirmClose(m.window);
+  if (command == IDC_BATTERY_INFO) ShowBatteryDetails(m.window);
+  if (command >= IDC_FIRST_LANGUAGE && command <= IDC_LAST_LANGUAGE)
+    ChooseLanguage(command - IDC_FIRST_LANGUAGE);
   return 0;
 }
 
@@ -115,10 +159,13 @@ struct TimerRow {
 };
 
 constexpr TimerRow kTimerRows[] = {
+    {kBatteryTimer, [](UINT_PTR) { CheckBatteryAlarms(); }},
     {kResumeTimer, [](UINT_PTR) { OnResumeTimer(); }},
     {kMiddleButtonTimer, OnLongPressTimer},
+    {kFlightModeTimer, [](UINT_PTR) { OnFlightModeTimer(); }},
     {kTopButtonTimer, OnLongPressTimer},
     {kBottomButtonTimer, OnLongPressTimer},
+    {kCallProfileTimer, [](UINT_PTR) { OnCallProfileTimer(); }},
     {PORT_RETRY_TIMER, [](UINT_PTR) { OnPortRetryTimer(); }},
 };
 
@@ -177,6 +224,8 @@ Result OnStatusLedRequest(const WindowMessage& m) {
 
 // ---- requests of the maker's applications -----------------------------------------------------------------
 
+constexpr WPARAM kFirstOperationRequest = 1;  // operation 0
+constexpr WPARAM kLastOperationRequest = 19;
 constexpr WPARAM kQueryPowerSource = 12;
 constexpr WPARAM kQueryCapacity = 13;
 constexpr WPARAM kQuerySpeakerVolume = 20;
@@ -191,6 +240,8 @@ Result OnDeviceToolRequest(const WindowMessage& m) {
   }
   Trace(TEXT("Kavo3 tool: device operation %d %d invoked"), static_cast<int32_t>(m.wParam),
         static_cast<int32_t>(m.lParam));
+  if (m.wParam >= kFirstOperationRequest && m.wParam <= kLastOperationRequest)
+    DeviceOperation(static_cast<int32_t>(m.lParam), static_cast<int32_t>(m.wParam - kFirstOperationRequest));
   return {};
 }
 
@@ -207,6 +258,7 @@ struct MessageRow {
 };
 
 constexpr MessageRow kMessageRows[] = {
+    {WM_CREATE, true, OnCreate},
     {WM_CLOSE, false, OnClose},
     {WM_DESTROY, false, OnDestroy},
     {WM_ENDSESSION, true, OnEndSession},
@@ -215,6 +267,8 @@ constexpr MessageRow kMessageRows[] = {
     {WM_TIMER, true, OnTimer},
     {WM_POWERBROADCAST, true, OnPowerBroadcast},
     {WM_DEVICECHANGE, true, OnDeviceChange},
+    {kPowerIconMessage, true, OnPowerIcon},
+    {kToolIconMessage, true, OnToolIcon},
     {WM_PIC_BYTE, true, OnPicByteMessage},
     {WM_PIC_LINE_LOST, true, OnPicLineLostMessage},
     {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
@@ -225,6 +279,7 @@ constexpr MessageRow kMessageRows[] = {
 
 Result Handle(const WindowMessage& m) {
   const std::shared_ptr<AppState> state = KeepAppState();  // a session may end inside a handler that waits
+  if (state && TaskbarCreatedMessage != 0 && m.message == TaskbarCreatedMessage) return OnTaskbarCreated(m);
   for (const MessageRow& row : kMessageRows)
     if (row.message == m.message && (state || !row.needsState)) return row.handle(m);
   return {};

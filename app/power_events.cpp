@@ -4,19 +4,19 @@
 
 #include "app/app_state.h"
 #include "app/startup.h"
+#include "board/codec.h"
+#include "board/expander.h"
+#include "power/battery_alarms.h"
 #include "switches/switch_outputs.h"
 
 namespace veltra {
 namespace {
 
-constexpr UINT_PTR kBatteryTimer = 1;
-
-// A timer's message may have been taken from the clock already.
-void StopBatteryTimer() {
-  const HWND window = GetAppState().hMainWnd;
-  KillTimer(window, kBatteryTimer);
-  MSG message = {};
-  PeekMessageW(&message, window, WM_TIMER, WM_TIMER, PM_REMOVE);
+void PowerDownBoard() {
+  const AppState& state = GetAppState();
+  if (state.DisableUSBBack) SetPortA(kExpanderUsbBackOff);
+  if (state.DisableUSBBottom) SetPortB(kExpanderUsbBottomOff);
+  CodecPowerDown();
 }
 
 void OnSuspend() {
@@ -24,7 +24,7 @@ void OnSuspend() {
   state.log.WriteDetail(TEXT("Suspend"), TEXT("Device going to suspend"));
   StopBatteryTimer();
   ReleaseHeldSwitches();
-  state.suspended = true;
+  if (!std::exchange(state.suspended, true)) PowerDownBoard();
 }
 
 void OnResume() {

@@ -5,8 +5,14 @@
 #include <objbase.h>
 
 #include "app/app_state.h"
+#include "board/codec.h"
+#include "board/expander.h"
 #include "link/pic_comm.h"
 #include "link/send_queue.h"
+#include "power/battery_alarms.h"
+#include "power/battery_details.h"
+#include "power/device_operations.h"
+#include "power/flight_mode_notice.h"
 #include "switches/switch_outputs.h"
 
 namespace veltra {
@@ -44,11 +50,28 @@ void SwitchDisplayOn() {
   mouse_event(MOUSEEVENTF_MOVE, 0, static_cast<DWORD>(-1), 0, 0);
 }
 
+void SwitchRadiosOn() {
+  const AppState& state = GetAppState();
+  const bool mayRadiate = !state.EnableFlightMode;
+  if (mayRadiate && state.EnableWLAN) SetPortA(kExpanderWlan);
+  if (mayRadiate && state.EnableBluetooth) DeviceOperation(0, kBluetoothOn);
+  DeviceOperation(0, mayRadiate && state.EnableMobilePhone ? kMobilePhoneOn : kMobilePhoneOff);
+}
+
 void Start() {
   StartBoardLibrary();
   GetAppState().log.WriteDetail(TEXT("Startup"), TEXT("Application starting"));
   StartPicComm();
   for (const char* query : kStartupQueries) SendText(query);
+  QueryBatteryDetails();
+  SwitchRadiosOn();
+  StartFlightModeTimer();
+}
+
+void PowerUsbOn() {
+  const AppState& state = GetAppState();
+  if (state.DisableUSBBack) ClearPortA(kExpanderUsbBackOff);
+  if (state.DisableUSBBottom) ClearPortB(kExpanderUsbBottomOff);
 }
 
 void Resume() {
@@ -56,6 +79,14 @@ void Resume() {
   ReopenLostLine();
   SendText("Ready");
   SwitchDisplayOn();
+  PowerUsbOn();
+}
+
+void PowerUpBoard() {
+  SetPortA(kExpanderAlwaysA);
+  SetPortB(kExpanderB3);
+  MakeAllPinsOutputs();
+  CodecPowerUp();
 }
 
 }  // namespace
@@ -65,12 +96,15 @@ void RunStartupSequence(bool resume) {
     Resume();
   else
     Start();
+  PowerUpBoard();
+  StartBatteryTimer();
 }
 
 // The port is not stopped here but left to the end of the process: its monitor thread may hang in a driver,
 // and the end of a session must not wait for that.
 void RunShutdownSequence() {
   ReleaseHeldSwitches();
+  CodecPowerDown();
   const BoardLibrary board = std::move(GetAppState().board);
   DestroyAppState();
   StopBoardLibrary(board);

@@ -55,10 +55,23 @@ struct ModuleKind {  // LoadLibraryW
   static void Close(Handle handle) { FreeLibrary(handle); }
 };
 
+struct IconKind {
+  using Handle = HICON;
+  static Handle Invalid() { return nullptr; }
+  static void Close(Handle handle) { DestroyIcon(handle); }
+};
+struct MenuKind {
+  using Handle = HMENU;
+  static Handle Invalid() { return nullptr; }
+  static void Close(Handle handle) { DestroyMenu(handle); }
+};
+
 using UniqueKernelObject = UniqueHandle<KernelObjectKind>;
 using UniqueFile = UniqueHandle<FileKind>;
 using UniqueRegistryKey = UniqueHandle<RegistryKeyKind>;
 using UniqueModule = UniqueHandle<ModuleKind>;
+using UniqueIcon = UniqueHandle<IconKind>;
+using UniqueMenu = UniqueHandle<MenuKind>;
 
 // The function that a module exports under that name, null when it has none.
 template <class Function>

@@ -13,6 +13,7 @@ BoardLibrary LoadBoardLibrary() {
   library.KEApiLibInitialize = FindExport<decltype(library.KEApiLibInitialize)>(module, "KEApiLibInitialize");
   library.KEApiLibUnInitialize =
       FindExport<decltype(library.KEApiLibUnInitialize)>(module, "KEApiLibUnInitialize");
+  library.KEApiI2cXfer = FindExport<decltype(library.KEApiI2cXfer)>(module, "KEApiI2cXfer");
   return library;
 }
 

@@ -15,6 +15,8 @@ struct BoardLibrary {
   UniqueModule module;
   int32_t(WINAPI* KEApiLibInitialize)() = nullptr;
   int32_t(WINAPI* KEApiLibUnInitialize)() = nullptr;
+  int32_t(WINAPI* KEApiI2cXfer)(int32_t bus, uint8_t address, const uint8_t* writeData, uint32_t writeLength,
+                                uint8_t* readData, uint32_t* readLength) = nullptr;
 };
 
 BoardLibrary LoadBoardLibrary();

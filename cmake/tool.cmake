@@ -2,6 +2,7 @@
 add_library(veltra_cores STATIC
   base/text.cpp
   app/command_line.cpp
+  board/codec_download.cpp
   firmware/flash_image.cpp
   firmware/hex_file.cpp
   link/frame.cpp
@@ -17,9 +18,18 @@ add_library(veltra_tool STATIC
   app/main_window.cpp
   app/power_events.cpp
   app/settings_store.cpp
+  app/sounds.cpp
   app/startup.cpp
+  app/tray_icons.cpp
+  app/tray_menu.cpp
   app/windows_version.cpp
+  board/amplifiers.cpp
+  board/audio_endpoint.cpp
   board/board_library.cpp
+  board/codec.cpp
+  board/expander.cpp
+  board/i2c.cpp
+  board/volume.cpp
   firmware/read_hex_file.cpp
   link/identity_store.cpp
   link/identity_updates.cpp
@@ -29,7 +39,13 @@ add_library(veltra_tool STATIC
   link/pic_receiver.cpp
   link/send_queue.cpp
   link/serial_input.cpp
+  power/battery_alarms.cpp
+  power/battery_details.cpp
   power/battery_status.cpp
+  power/device_operations.cpp
+  power/flight_mode_notice.cpp
+  power/outside_tools.cpp
+  power/power_off.cpp
   switches/injected_input.cpp
   switches/joystick.cpp
   switches/joystick_library.cpp
@@ -48,7 +64,7 @@ if(WIN32)
   file(GLOB_RECURSE resource_files ${CMAKE_SOURCE_DIR}/resources/*.rc ${CMAKE_SOURCE_DIR}/resources/*.h
     ${CMAKE_SOURCE_DIR}/resources/*.ico ${CMAKE_SOURCE_DIR}/resources/*.wav ${CMAKE_SOURCE_DIR}/resources/*.manifest)
   set_source_files_properties(resources/veltratool.rc PROPERTIES OBJECT_DEPENDS "${resource_files}")
-  target_link_libraries(veltratool PRIVATE veltra_tool version comctl32 shell32 ole32 advapi32 user32 gdi32)
+  target_link_libraries(veltratool PRIVATE veltra_tool version comctl32 shell32 winmm ole32 advapi32 user32 gdi32)
   target_link_options(veltratool PRIVATE -municode -s)
   target_compile_options(veltratool PRIVATE $<$<COMPILE_LANGUAGE:RC>:-c65001>)
 else()

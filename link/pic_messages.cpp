@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "app/app_state.h"
+#include "board/expander.h"
 #include "link/identity_store.h"
 #include "link/infrared.h"
 #include "link/send_queue.h"
@@ -127,6 +128,10 @@ void OnOwnReply(std::string_view request, Bytes reply) {
   if (Matches(request, "IRRecord")) return StoreInfraredRecording(reply);
   for (const BatteryDetail& detail : kBatteryDetails)
     if (Matches(request, detail.query)) return state.battery.SetDetail(detail.index, reply);
+  if (Matches(request, "EnableGsm=1")) {
+    SetPortB(kExpanderMobilePhone);
+    return;
+  }
   if (request.starts_with("Suspend=") || request.starts_with("LcdOff="))
     state.log.Write(TEXT("Reply detected"), TEXT("Suspend= detected"));
 }

@@ -137,6 +137,10 @@ struct Words {
     if (e.flags == (ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED)) return "awake";
     return "execution state " + Hex(e.flags, 8);
   }
+  std::string operator()(const WindowsExit& e) const {
+    if (e.flags == (EWX_POWEROFF | EWX_FORCE)) return "power off, reason " + Hex(e.reason, 5);
+    return "exit windows " + Hex(e.flags, 2) + ", reason " + Hex(e.reason, 5);
+  }
   std::string operator()(const Beep& e) const { return e.type == MB_OK ? "beep" : "beep " + Hex(e.type, 2); }
   std::string operator()(const BoxShown& e) const {
     return "box " + Quoted(e.caption) + ": " + OneLine(e.text);

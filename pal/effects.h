@@ -41,6 +41,7 @@ struct SerialWrite { int port = 0; std::vector<uint8_t> bytes; };
 struct MouseInput { uint32_t flags = 0; int32_t dx = 0, dy = 0; uint32_t data = 0; };
 struct KeyInput { uint8_t virtualKey = 0; uint8_t scanCode = 0; uint32_t flags = 0; };
 struct ExecutionState { uint32_t flags = 0; };
+struct WindowsExit { uint32_t flags = 0; uint32_t reason = 0; };
 struct Beep { uint32_t type = 0; };
 struct BoxShown { std::u16string text; std::u16string caption; uint32_t type = 0; };
 struct BoxAnswered { int button = 0; };
@@ -84,9 +85,9 @@ struct ProgramEnded { int exitCode = 0; };
 
 using EffectDetail =
     std::variant<DebugOutput, RegistryWrite, FileWrite, SerialOpened, SerialClosed, SerialWrite, MouseInput,
-                 KeyInput, ExecutionState, Beep, BoxShown, BoxAnswered, ForeignMessageSent, TimerSet,
-                 TimerKilled, LanguageSet, ModuleLoaded, ModuleFreed, DeviceCall, TrayChange, MenuShown,
-                 MenuChosen, SoundPlayed, SoundStopped, PlaybackLevel, PlaybackMute, ForegroundSet,
+                 KeyInput, ExecutionState, WindowsExit, Beep, BoxShown, BoxAnswered, ForeignMessageSent,
+                 TimerSet, TimerKilled, LanguageSet, ModuleLoaded, ModuleFreed, DeviceCall, TrayChange,
+                 MenuShown, MenuChosen, SoundPlayed, SoundStopped, PlaybackLevel, PlaybackMute, ForegroundSet,
                  ProgramStarted, ProgramEnded>;
 
 struct Effect {

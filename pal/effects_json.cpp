@@ -106,6 +106,9 @@ Object Fields(const KeyInput& e) {
 Object Fields(const ExecutionState& e) {
   return Object("execution state").With("flags", e.flags);
 }
+Object Fields(const WindowsExit& e) {
+  return Object("windows exit").With("flags", e.flags).With("reason", e.reason);
+}
 Object Fields(const Beep& e) {
   return Object("beep").With("type", e.type);
 }

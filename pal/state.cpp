@@ -49,6 +49,7 @@ void State::ReleaseProgram() {
   playback.objects.clear();
   ReleaseProgramData(*this);
   executionState = ES_CONTINUOUS;
+  mayShutDown = false;
 }
 
 State& CurrentState() {

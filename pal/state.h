@@ -69,6 +69,7 @@ struct State {
   std::vector<std::shared_ptr<Mutex>> foreignMutexes;  // that other programs hold
   std::vector<std::vector<uint8_t>> postedCopies;      // what messages that the outside posted point to
   DWORD executionState = ES_CONTINUOUS;
+  bool mayShutDown = false;  // the program has enabled that privilege
   POINT cursor = {512, 384};
   HWND foreground = nullptr;
   uint32_t lastGuid = 0;

@@ -11,7 +11,7 @@ build_all() {
   mkdir -p build
   echo "building veltratool.exe and the simulated controller (build/run.log)"
   {
-    cmake --preset windows-x64 && cmake --build --preset windows-x64 --target veltratool observer &&
+    cmake --preset windows-x64 && cmake --build --preset windows-x64 --target veltratool observer audio &&
       cmake --preset native && cmake --build --preset native --target pic_simulator serial_shim
   } >build/run.log 2>&1 || { tail -n 40 build/run.log >&2; exit 1; }
 }
@@ -19,7 +19,7 @@ build_all() {
 if [ -z "${VELTRA_WINE_SESSION:-}" ]; then
   build_all
   echo "starting Wine"
-  export VELTRA_WINE_PREFIX=$PWD/build/wine VELTRA_SERIAL_SHIM=$PWD/$native/libserial_shim.so
+  export VELTRA_WINE_PREFIX=$PWD/build/wine VELTRA_SERIAL_SHIM=$PWD/$native/libserial_shim.so VELTRA_DEVICES=$PWD/$programs/devices
   exec tests/windows/session.sh "$PWD/scripts/run_windows.sh"
 fi
 

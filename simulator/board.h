@@ -1,16 +1,46 @@
-// The board vendor's library, keapi.dll, as far as starting and stopping it.
+// The board behind the vendor's library, keapi.dll: the I2C bus with the devices on it.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdint>
+#include <map>
+#include <optional>
+#include <vector>
 
 namespace simulator {
+
+struct I2cTransfer {
+  uint8_t address = 0;
+  std::vector<uint8_t> bytes;
+  int32_t error = 0;  // what the tool got; 0 when the device took it
+  bool operator==(const I2cTransfer&) const = default;
+};
+
+// Transfers that fail: `skip` go well first, then `times` fail.
+struct I2cFailure {
+  std::optional<uint8_t> address;  // empty: of any device
+  int times = 1;
+  int skip = 0;
+  int32_t error = 5;
+};
 
 struct Board {
   int32_t initializeError = 0;    // what the next starts return
   int32_t uninitializeError = 0;  // and the next stops
   bool initialized = false;
+
+  std::vector<I2cFailure> failures;    // tried in this order
+  std::vector<I2cTransfer> transfers;  // every one so far
+
+  // What the devices hold.
+  std::map<uint8_t, uint8_t> expander;             // by register
+  std::map<uint16_t, std::vector<uint8_t>> codec;  // words by address: 2, 4 or 6 bytes
+  std::map<uint8_t, uint8_t> headphoneAmp;         // by register
+  std::vector<std::vector<uint8_t>> speakerAmp;    // commands, in order
+
+  // The transfer's result.
+  int32_t Transfer(uint8_t address, std::vector<uint8_t> bytes);
 };
 
 // The board behind the exports.
@@ -21,4 +51,6 @@ Board& TheBoard();
 extern "C" {
 int32_t WINAPI KEApiLibInitialize(void);
 int32_t WINAPI KEApiLibUnInitialize(void);
+int32_t WINAPI KEApiI2cXfer(int32_t bus, uint8_t address, const uint8_t* writeData, uint32_t writeLength,
+                            uint8_t* readData, uint32_t* readLength);
 }

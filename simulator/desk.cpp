@@ -35,7 +35,7 @@ const std::vector<LibraryRow>& Libraries() {
       {Library::kBoard,
        u"keapi.dll",
        {MakeExport("KEApiLibInitialize", KEApiLibInitialize),
-        MakeExport("KEApiLibUnInitialize", KEApiLibUnInitialize)}},
+        MakeExport("KEApiLibUnInitialize", KEApiLibUnInitialize), MakeExport("KEApiI2cXfer", KEApiI2cXfer)}},
   };
   return libraries;
 }

@@ -9,6 +9,7 @@ namespace {
 constexpr std::string_view kFromController = "controller ->";
 constexpr std::string_view kFromTool = "tool ->";
 constexpr std::string_view kEffect = "effect";
+constexpr std::string_view kBus = "i2c";  // hundreds of transfers at every start
 
 // Effects that a person at the tablet, or beside it, would notice. The others are the tool's own
 // housekeeping.
@@ -16,15 +17,17 @@ template <class Detail>
 constexpr bool kNoticed =
     std::is_same_v<Detail, pal::SerialOpened> || std::is_same_v<Detail, pal::SerialClosed> ||
     std::is_same_v<Detail, pal::MouseInput> || std::is_same_v<Detail, pal::KeyInput> ||
-    std::is_same_v<Detail, pal::ExecutionState> || std::is_same_v<Detail, pal::Beep> ||
-    std::is_same_v<Detail, pal::BoxShown> || std::is_same_v<Detail, pal::BoxAnswered> ||
-    std::is_same_v<Detail, pal::ForeignMessageSent> || std::is_same_v<Detail, pal::DeviceCall> ||
-    std::is_same_v<Detail, pal::TrayChange> || std::is_same_v<Detail, pal::MenuShown> ||
-    std::is_same_v<Detail, pal::MenuChosen> || std::is_same_v<Detail, pal::SoundPlayed> ||
-    std::is_same_v<Detail, pal::PlaybackLevel> || std::is_same_v<Detail, pal::ProgramStarted> ||
-    std::is_same_v<Detail, pal::ProgramEnded>;
+    std::is_same_v<Detail, pal::ExecutionState> || std::is_same_v<Detail, pal::WindowsExit> ||
+    std::is_same_v<Detail, pal::Beep> || std::is_same_v<Detail, pal::BoxShown> ||
+    std::is_same_v<Detail, pal::BoxAnswered> || std::is_same_v<Detail, pal::ForeignMessageSent> ||
+    std::is_same_v<Detail, pal::DeviceCall> || std::is_same_v<Detail, pal::TrayChange> ||
+    std::is_same_v<Detail, pal::MenuShown> || std::is_same_v<Detail, pal::MenuChosen> ||
+    std::is_same_v<Detail, pal::SoundPlayed> || std::is_same_v<Detail, pal::PlaybackLevel> ||
+    std::is_same_v<Detail, pal::ProgramStarted> || std::is_same_v<Detail, pal::ProgramEnded>;
 
 bool IsNoticed(const pal::Effect& effect) {
+  const auto* call = std::get_if<pal::DeviceCall>(&effect.detail);
+  if (call && call->device == kBus) return false;
   return std::visit([](const auto& detail) { return kNoticed<std::decay_t<decltype(detail)>>; },
                     effect.detail);
 }

@@ -306,3 +306,12 @@ void WINAPI mouse_event(DWORD flags, DWORD dx, DWORD dy, DWORD data, ULONG_PTR e
 void WINAPI keybd_event(BYTE virtualKey, BYTE scanCode, DWORD flags, ULONG_PTR extraInfo);
 UINT WINAPI MapVirtualKeyExW(UINT code, UINT mapType, HKL layout);
 HKL WINAPI GetKeyboardLayout(DWORD threadId);
+
+// ---- the end of Windows -------------------------------------------------------------------------------------
+
+#define EWX_FORCE 0x00000004u
+#define EWX_POWEROFF 0x00000008u
+#define SHTDN_REASON_MAJOR_POWER 0x00060000u
+#define SHTDN_REASON_MINOR_POWER_SUPPLY 0x0000000Au
+
+BOOL WINAPI ExitWindowsEx(UINT flags, DWORD reason);

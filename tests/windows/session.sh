@@ -6,6 +6,7 @@
 # and the exit code is the command's. Environment:
 #   VELTRA_WINE_PREFIX   a directory that keeps the prefix, for faster starts
 #   VELTRA_SERIAL_SHIM   the library to preload into Wine, so that COM2 can be a pseudo terminal
+#   VELTRA_DEVICES       a directory with audio.dll, the playback device of this Windows
 # COM2 is what the symbolic link $WINEPREFIX/com2 points to; the command makes that link.
 set -u
 
@@ -54,6 +55,10 @@ REGEDIT4
 [HKEY_LOCAL_MACHINE\\Software\\Wine\\Ports]
 "COM2"="$WINEPREFIX/com2"
 
+[HKEY_LOCAL_MACHINE\\Software\\Classes\\CLSID\\{BCDE0395-E52F-467C-8E3D-C4579291692E}\\InprocServer32]
+@="C:\\\\devices\\\\audio.dll"
+"ThreadingModel"="Both"
+
 [HKEY_CURRENT_USER\\Software\\Wine\\Explorer]
 "Desktop"="veltra"
 
@@ -72,8 +77,13 @@ make_prefix() {
   } >"$scratch/wineboot.log" 2>&1 || { cat "$scratch/wineboot.log" >&2; return 1; }
 }
 
+install_devices() {
+  [ -n "${VELTRA_DEVICES:-}" ] || return 0
+  mkdir -p "$WINEPREFIX/drive_c/devices" && cp "$VELTRA_DEVICES/audio.dll" "$WINEPREFIX/drive_c/devices/"
+}
+
 [ $# -gt 0 ] || { echo "usage: session.sh COMMAND [ARGUMENT...]" >&2; exit 2; }
-start_display && make_prefix && start_wine || { echo "session.sh: no Windows to be had" >&2; exit 125; }
+start_display && make_prefix && install_devices && start_wine || { echo "session.sh: no Windows to be had" >&2; exit 125; }
 "$@" <&0 &
 command=$!
 wait "$command"

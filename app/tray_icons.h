@@ -1,0 +1,33 @@
+// The two icons in the notification area: A shows the power state and carries the warnings, B is the tool's
+// own.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+#include "base/text.h"
+
+namespace veltra {
+
+constexpr UINT kPowerIconId = 1977;
+constexpr UINT kToolIconId = 1978;
+constexpr UINT kPowerIconMessage = WM_USER;  // mouse events of the icons, to the main window
+constexpr UINT kToolIconMessage = WM_USER + 1;
+
+// Adds both icons with their first pictures; also after the shell has started anew. An icon that the shell
+// does not take, because it is not up yet, is tried again by RetryTrayIcons.
+void AddTrayIcons(HWND window);
+void RetryTrayIcons(HWND window);
+void RemoveTrayIcons(HWND window);
+
+// Picture and tooltip of icon A; nothing is sent when both are as they were.
+void UpdateTrayIcon(HWND window, const WideText& text, int32_t iconId, bool balloon);
+// A warning at icon A: at most 255 characters, for 10 seconds.
+void ShowTrayBalloon(const WideText& text);
+
+// An icon of the program's resources at the size of the notification area; loaded once. Null when it is
+// missing.
+HICON LoadTrayIcon(int32_t iconId);
+
+}  // namespace veltra

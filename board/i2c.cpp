@@ -1,0 +1,56 @@
+#include "board/i2c.h"
+
+#include <windows.h>
+
+#include <vector>
+
+#include "app/app_state.h"
+#include "app/tray_icons.h"
+#include "board/expander.h"
+
+namespace veltra {
+namespace {
+
+constexpr int32_t kBus = 0;
+
+int32_t Transfer(const BoardLibrary& board, uint8_t address, Bytes bytes) {
+  uint8_t readBack = 0;
+  uint32_t readLength = 0;
+  return board.KEApiI2cXfer(kBus, address, bytes.data(), static_cast<uint32_t>(bytes.size()), &readBack,
+                            &readLength);
+}
+
+// Before attempt 2, 3 and every later one.
+DWORD PauseBefore(int attempt) {
+  return attempt == 2 ? 50 : attempt == 3 ? 200 : 500;
+}
+
+void ReportFailure(uint8_t address, int32_t reg, size_t count, int32_t result) {
+  AppState& state = GetAppState();
+  state.log.WriteError(
+      TEXT("Err I2C write"),
+      FormatText(TEXT("Slaveaddr=%X,ucOffset=%X,iNumberBytes=%d,retval=%d"), address, reg, count, result));
+  ShowTrayBalloon(FormatText(TEXT("Error during I2C write: %d-%X"), result, address));
+}
+
+}  // namespace
+
+bool I2cWrite(uint8_t address, Bytes data, int32_t reg, int retries) {
+  const AppState& state = GetAppState();
+  if (!state.board.KEApiI2cXfer) return false;
+  if (address != kExpanderAddress && !(state.ExpanderPortA & kExpanderCodecGate)) return false;
+  std::vector<uint8_t> bytes;
+  if (reg >= 0) bytes.push_back(static_cast<uint8_t>(reg));
+  bytes.insert(bytes.end(), data.begin(), data.end());
+
+  int32_t result = 0;
+  for (int attempt = 1; attempt <= retries + 1; ++attempt) {
+    if (attempt > 1) Sleep(PauseBefore(attempt));
+    result = Transfer(state.board, address, bytes);
+    if (result == 0) return true;
+  }
+  ReportFailure(address, reg, data.size(), result);
+  return false;
+}
+
+}  // namespace veltra

@@ -1,0 +1,94 @@
+#include "power/battery_alarms.h"
+
+#include "app/app_state.h"
+#include "app/language.h"
+#include "app/sounds.h"
+#include "app/tray_icons.h"
+#include "power/alarm_decision.h"
+#include "power/power_off.h"
+#include "resources/resource_ids.h"
+
+namespace veltra {
+namespace {
+
+constexpr DWORD kCriticalWarningMs = 4000;  // between the critical warning and the power-off
+
+struct BatteryPicture {
+  int32_t from;  // percent
+  int32_t iconId;
+};
+
+constexpr BatteryPicture kBatteryPictures[] = {
+    {66, IDI_BATTERY_HIGH}, {33, IDI_BATTERY_MEDIUM}, {5, IDI_BATTERY_LOW}, {0, IDI_BATTERY_EMPTY}};
+
+int32_t PictureOf(int32_t capacity) {
+  for (const BatteryPicture& picture : kBatteryPictures)
+    if (capacity >= picture.from) return picture.iconId;
+  return IDI_BATTERY_EMPTY;
+}
+
+AlarmDecision Decide() {
+  AppState& state = GetAppState();
+  BatteryStatus& battery = state.battery;
+  return DecideAlarm({.onBattery = battery.GetPowerSource() == PowerSource::kBattery,
+                      .capacity = battery.capacity,
+                      .lowEnabled = battery.BattLow,
+                      .criticalEnabled = battery.BattCrit,
+                      .lowLevel = battery.BattLowPercentage,
+                      .criticalLevel = battery.BattCritPercentage,
+                      .lowAlarmLevel = state.lowAlarmLevel});
+}
+
+void WarnLow() {
+  PlayResourceSound(IDW_LOW_ALARM, false);
+  ShowTrayBalloon(LoadResString(IDS_LOW_BALLOON));
+}
+
+void WarnAndPowerOff() {
+  PlayResourceSound(IDW_CRITICAL_ALARM, false);
+  ShowTrayBalloon(LoadResString(IDS_CRITICAL_BALLOON));
+  Sleep(kCriticalWarningMs);
+  if (PowerOffSystem()) SendMessageW(GetAppState().hMainWnd, WM_CLOSE, 0, 0);
+}
+
+}  // namespace
+
+void StartBatteryTimer() {
+  SetTimer(GetAppState().hMainWnd, kBatteryTimer, kBatteryCheckMs, nullptr);
+}
+
+void StopBatteryTimer() {
+  const HWND window = GetAppState().hMainWnd;
+  KillTimer(window, kBatteryTimer);
+  MSG message = {};
+  PeekMessageW(&message, window, WM_TIMER, WM_TIMER, PM_REMOVE);
+}
+
+void CheckBatteryAlarms() {
+  StopBatteryTimer();
+  const AlarmDecision decision = Decide();
+  GetAppState().lowAlarmLevel = decision.lowAlarmLevel;
+  if (decision.alarm == BatteryAlarm::kLow) WarnLow();
+  if (decision.alarm == BatteryAlarm::kCritical) WarnAndPowerOff();
+  RetryTrayIcons(GetAppState().hMainWnd);
+  UpdateTrayBatteryIcon();
+  StartBatteryTimer();
+}
+
+void UpdateTrayBatteryIcon() {
+  AppState& state = GetAppState();
+  const int32_t capacity = state.battery.capacity;
+  const PowerSource source = state.battery.GetPowerSource();
+  WideText tooltip = LoadResString(IDS_AC_POWER);
+  int32_t iconId = IDI_MAINS;
+  if (source == PowerSource::kBattery || source == PowerSource::kAcCharging)
+    tooltip = FormatText(LoadResString(IDS_PERCENT_REMAINING), capacity);
+  if (source == PowerSource::kBattery) iconId = PictureOf(capacity);
+  if (source == PowerSource::kAcCharging) {
+    tooltip += TEXT(" (") + LoadResString(IDS_CHARGING) + TEXT(")");
+    iconId = IDI_CHARGING;
+  }
+  UpdateTrayIcon(state.hMainWnd, tooltip, iconId, false);
+}
+
+}  // namespace veltra

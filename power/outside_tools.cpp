@@ -1,0 +1,83 @@
+#include "power/outside_tools.h"
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include "app/folders.h"
+#include "base/handles.h"
+
+namespace veltra {
+namespace {
+
+constexpr DWORD kToggleMs = 5000;
+
+struct PowerFlag {
+  const WCHAR* key;
+  const WCHAR* value;
+};
+
+constexpr PowerFlag kPowerFlags[] = {
+    {TEXT("SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Power"), TEXT("HiberbootEnabled")},
+    {TEXT("SYSTEM\\CurrentControlSet\\Enum\\PCI\\VEN_8086&DEV_9C3A&SUBSYS_72708086&REV_04\\3&11583659&0&"
+          "B0\\Device "
+          "Parameters\\WDF"),
+     TEXT("IdleInWorkingState")},
+};
+
+bool IsOn(const PowerFlag& flag) {
+  HKEY opened = nullptr;
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, flag.key, 0, KEY_READ, &opened) != ERROR_SUCCESS) return false;
+  const UniqueRegistryKey key(opened);
+  DWORD type = 0;
+  DWORD number = 0;
+  DWORD size = sizeof(number);
+  return RegQueryValueExW(key.Get(), flag.value, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size) ==
+             ERROR_SUCCESS &&
+         type == REG_DWORD && number == 1;
+}
+
+}  // namespace
+
+void SetBrightness(int32_t level) {
+  const WideText folder = ModuleDirectory();
+  ShellExecuteW(nullptr, nullptr, (folder + TEXT("nircmd.exe")).c_str(),
+                FormatText(TEXT("setbrightness %d"), level).c_str(), folder.c_str(), SW_SHOWNORMAL);
+}
+
+void RunFlagToggler(const WideText& keyName, const WideText& valueName) {
+  const WideText program = ModuleDirectory() + TEXT("FlagToggler.exe");
+  const WideText parameters = FormatText(TEXT("OurQuietSmallMarker -KeyName %s -ValueName %s -SetValue %d"),
+                                         QuoteArgument(keyName), QuoteArgument(valueName), 0);
+  SHELLEXECUTEINFOW execute = {};
+  execute.cbSize = sizeof(execute);
+  execute.fMask = SEE_MASK_NOCLOSEPROCESS;
+  execute.lpVerb = TEXT("runas");
+  execute.lpFile = program.c_str();
+  execute.lpParameters = parameters.c_str();
+  execute.nShow = SW_SHOWNORMAL;
+  if (!ShellExecuteExW(&execute) || !execute.hProcess) return;
+  const UniqueKernelObject process(execute.hProcess);
+  WaitForSingleObject(process.Get(), kToggleMs);
+}
+
+void CheckPowerFlags() {
+  for (const PowerFlag& flag : kPowerFlags)
+    if (IsOn(flag)) RunFlagToggler(flag.key, flag.value);
+}
+
+// A backslash counts as itself except before a quote, so those before a quote and at the end are doubled.
+WideText QuoteArgument(const WideText& text) {
+  WideText quoted(1, '"');
+  size_t backslashes = 0;
+  for (const WideChar c : text) {
+    if (c == '"') quoted.append(backslashes + 1, '\\');
+    backslashes = c == '\\' ? backslashes + 1 : 0;
+    quoted.push_back(c);
+  }
+  quoted.append(backslashes, '\\');
+  quoted.push_back('"');
+  return quoted;
+}
+
+}  // namespace veltra
