@@ -42,7 +42,12 @@ TEST(Com, NoObjectsBeforeTheBeginning) {
 TEST(Com, ObjectsCountTheirReferences) {
   ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
   void* created = nullptr;
-  ASSERT_EQ(CreateEnumerator(&created), S_OK);
+  const HRESULT result = CreateEnumerator(&created);
+  if (FAILED(result) && contract::WineDeviates("it has no playback device here")) {
+    CoUninitialize();
+    GTEST_SKIP() << "Wine has no playback device here";
+  }
+  ASSERT_EQ(result, S_OK);
   auto* enumerator = static_cast<IMMDeviceEnumerator*>(created);
   void* other = nullptr;
   EXPECT_EQ(enumerator->QueryInterface(kUnknown, &other), S_OK);
