@@ -180,6 +180,10 @@ struct Words {
     return e.isMuted ? "playback muted" : "playback not muted";
   }
   std::string operator()(const ForegroundSet& e) const { return "foreground " + OneLine(e.className); }
+  std::string operator()(const ProgramExecuted& e) const {
+    return (e.verb.empty() ? "run " : OneLine(e.verb) + " ") + FileName(e.file) +
+           (e.parameters.empty() ? "" : " " + OneLine(e.parameters));
+  }
   std::string operator()(const ProgramStarted& e) const {
     return "program starts: " + OneLine(e.commandLine);
   }

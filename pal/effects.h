@@ -79,16 +79,52 @@ struct SoundStopped {};
 struct PlaybackLevel { int percent = 0; };
 struct PlaybackMute { bool isMuted = false; };
 struct ForegroundSet { std::u16string className; };
+// Another program, started through the shell.
+struct ProgramExecuted {
+  std::u16string verb;
+  std::u16string file;
+  std::u16string parameters;
+  std::u16string directory;
+  int show = 0;
+};
 struct ProgramStarted { std::u16string commandLine; };
 struct ProgramEnded { int exitCode = 0; };
 // clang-format on
 
-using EffectDetail =
-    std::variant<DebugOutput, RegistryWrite, FileWrite, SerialOpened, SerialClosed, SerialWrite, MouseInput,
-                 KeyInput, ExecutionState, WindowsExit, Beep, BoxShown, BoxAnswered, ForeignMessageSent,
-                 TimerSet, TimerKilled, LanguageSet, ModuleLoaded, ModuleFreed, DeviceCall, TrayChange,
-                 MenuShown, MenuChosen, SoundPlayed, SoundStopped, PlaybackLevel, PlaybackMute, ForegroundSet,
-                 ProgramStarted, ProgramEnded>;
+// clang-format off
+using EffectDetail = std::variant<
+    DebugOutput,
+    RegistryWrite,
+    FileWrite,
+    SerialOpened,
+    SerialClosed,
+    SerialWrite,
+    MouseInput,
+    KeyInput,
+    ExecutionState,
+    WindowsExit,
+    Beep,
+    BoxShown,
+    BoxAnswered,
+    ForeignMessageSent,
+    TimerSet,
+    TimerKilled,
+    LanguageSet,
+    ModuleLoaded,
+    ModuleFreed,
+    DeviceCall,
+    TrayChange,
+    MenuShown,
+    MenuChosen,
+    SoundPlayed,
+    SoundStopped,
+    PlaybackLevel,
+    PlaybackMute,
+    ForegroundSet,
+    ProgramExecuted,
+    ProgramStarted,
+    ProgramEnded>;
+// clang-format on
 
 struct Effect {
   Time at{0};

@@ -194,6 +194,14 @@ Object Fields(const PlaybackMute& e) {
 Object Fields(const ForegroundSet& e) {
   return Object("foreground").With("window_class", e.className);
 }
+Object Fields(const ProgramExecuted& e) {
+  return Object("program executed")
+      .With("verb", e.verb)
+      .With("file", e.file)
+      .With("parameters", e.parameters)
+      .With("directory", e.directory)
+      .With("show", e.show);
+}
 Object Fields(const ProgramStarted& e) {
   return Object("program started").With("command_line", e.commandLine);
 }

@@ -200,6 +200,11 @@ void Machine::Fail(std::string function, int times, DWORD lastError, int skip) {
   state_->failures.Arm(std::move(function), times, lastError, skip);
 }
 
+void Machine::SetExecutedProgramTime(Time time) {
+  const MachineLock lock(state_->mutex);
+  state_->executedProgramTime = time;
+}
+
 const std::vector<Effect>& Machine::Effects() const {
   return state_->effects;
 }

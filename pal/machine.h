@@ -175,6 +175,8 @@ class Machine {
   // A DLL in the program's directory. LoadLibrary of its full path finds it, of a bare name does not.
   void AddModule(std::u16string_view fileName, std::vector<Export> exports);
   void RemoveModule(std::u16string_view fileName);
+  // How long programs run that the shell starts; they end at once by default.
+  void SetExecutedProgramTime(Time time);
 
   // ---- desktop ------------------------------------------------------------------------------------------
   HWND AddForeignWindow(std::u16string_view className, ForeignWindowHandler handler = {});

@@ -73,6 +73,7 @@ struct State {
   POINT cursor = {512, 384};
   HWND foreground = nullptr;
   uint32_t lastGuid = 0;
+  Time executedProgramTime{0};  // how long a program runs that the shell started
   UINT_PTR lastFreeTimerId = 0;  // of timers without a window
 };
 

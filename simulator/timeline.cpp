@@ -13,17 +13,29 @@ constexpr std::string_view kBus = "i2c";  // hundreds of transfers at every star
 
 // Effects that a person at the tablet, or beside it, would notice. The others are the tool's own
 // housekeeping.
+// clang-format off
 template <class Detail>
 constexpr bool kNoticed =
-    std::is_same_v<Detail, pal::SerialOpened> || std::is_same_v<Detail, pal::SerialClosed> ||
-    std::is_same_v<Detail, pal::MouseInput> || std::is_same_v<Detail, pal::KeyInput> ||
-    std::is_same_v<Detail, pal::ExecutionState> || std::is_same_v<Detail, pal::WindowsExit> ||
-    std::is_same_v<Detail, pal::Beep> || std::is_same_v<Detail, pal::BoxShown> ||
-    std::is_same_v<Detail, pal::BoxAnswered> || std::is_same_v<Detail, pal::ForeignMessageSent> ||
-    std::is_same_v<Detail, pal::DeviceCall> || std::is_same_v<Detail, pal::TrayChange> ||
-    std::is_same_v<Detail, pal::MenuShown> || std::is_same_v<Detail, pal::MenuChosen> ||
-    std::is_same_v<Detail, pal::SoundPlayed> || std::is_same_v<Detail, pal::PlaybackLevel> ||
-    std::is_same_v<Detail, pal::ProgramStarted> || std::is_same_v<Detail, pal::ProgramEnded>;
+    std::is_same_v<Detail, pal::SerialOpened> ||
+    std::is_same_v<Detail, pal::SerialClosed> ||
+    std::is_same_v<Detail, pal::MouseInput> ||
+    std::is_same_v<Detail, pal::KeyInput> ||
+    std::is_same_v<Detail, pal::ExecutionState> ||
+    std::is_same_v<Detail, pal::WindowsExit> ||
+    std::is_same_v<Detail, pal::Beep> ||
+    std::is_same_v<Detail, pal::BoxShown> ||
+    std::is_same_v<Detail, pal::BoxAnswered> ||
+    std::is_same_v<Detail, pal::ForeignMessageSent> ||
+    std::is_same_v<Detail, pal::DeviceCall> ||
+    std::is_same_v<Detail, pal::TrayChange> ||
+    std::is_same_v<Detail, pal::MenuShown> ||
+    std::is_same_v<Detail, pal::MenuChosen> ||
+    std::is_same_v<Detail, pal::SoundPlayed> ||
+    std::is_same_v<Detail, pal::PlaybackLevel> ||
+    std::is_same_v<Detail, pal::ProgramExecuted> ||
+    std::is_same_v<Detail, pal::ProgramStarted> ||
+    std::is_same_v<Detail, pal::ProgramEnded>;
+// clang-format on
 
 bool IsNoticed(const pal::Effect& effect) {
   const auto* call = std::get_if<pal::DeviceCall>(&effect.detail);

@@ -42,3 +42,30 @@ struct NOTIFYICONDATAW {
 using PNOTIFYICONDATAW = NOTIFYICONDATAW*;
 
 BOOL WINAPI Shell_NotifyIconW(DWORD message, PNOTIFYICONDATAW data);
+
+// ---- starting programs --------------------------------------------------------------------------------------
+
+#define SEE_MASK_NOCLOSEPROCESS 0x00000040u
+
+struct SHELLEXECUTEINFOW {
+  DWORD cbSize;
+  ULONG fMask;
+  HWND hwnd;
+  LPCWSTR lpVerb;
+  LPCWSTR lpFile;
+  LPCWSTR lpParameters;
+  LPCWSTR lpDirectory;
+  int nShow;
+  HINSTANCE hInstApp;
+  LPVOID lpIDList;
+  LPCWSTR lpClass;
+  HKEY hkeyClass;
+  DWORD dwHotKey;
+  HANDLE hIcon;
+  HANDLE hProcess;
+};
+
+// A value above 32 is success.
+HINSTANCE WINAPI ShellExecuteW(HWND owner, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory,
+                               int show);
+BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info);

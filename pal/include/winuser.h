@@ -307,6 +307,8 @@ void WINAPI keybd_event(BYTE virtualKey, BYTE scanCode, DWORD flags, ULONG_PTR e
 UINT WINAPI MapVirtualKeyExW(UINT code, UINT mapType, HKL layout);
 HKL WINAPI GetKeyboardLayout(DWORD threadId);
 
+#define SW_SHOWNORMAL 1
+
 // ---- the end of Windows -------------------------------------------------------------------------------------
 
 #define EWX_FORCE 0x00000004u

@@ -1,3 +1,5 @@
+#include <shellapi.h>
+
 #include "tests/tool_test.h"
 
 namespace veltra {

@@ -1,6 +1,7 @@
 #include "power/alarm_decision.h"
 
 #include <gtest/gtest.h>
+#include <mmsystem.h>
 
 #include "tests/tool_test.h"
 

@@ -1,3 +1,5 @@
+#include <objbase.h>
+
 #include "simulator/board.h"
 #include "tests/tool_test.h"
 
