@@ -47,20 +47,20 @@ class Object {
  public:
   explicit Object(std::string_view kind) : kind_(kind) {}
 
-  Object&& With(std::string_view name, std::u16string_view text) && {
+  Object With(std::string_view name, std::u16string_view text) && {
     return Add(name, JsonText(ToUtf8(text)));
   }
-  Object&& With(std::string_view name, const std::vector<uint8_t>& bytes) && {
+  Object With(std::string_view name, const std::vector<uint8_t>& bytes) && {
     return Add(name, JsonText(HexBytes(bytes)));
   }
   // UTF-8, or what is not, byte by byte.
-  Object&& With(std::string_view name, std::string_view text) && {
+  Object With(std::string_view name, std::string_view text) && {
     return Add(name, JsonText(DecodeUtf8(text).valid ? std::string(text) : OneLine(text)));
   }
-  Object&& With(std::string_view name, const std::vector<MenuItem>& items) && {
+  Object With(std::string_view name, const std::vector<MenuItem>& items) && {
     return Add(name, JsonItems(items));
   }
-  Object&& With(std::string_view name, std::integral auto number) && {
+  Object With(std::string_view name, std::integral auto number) && {
     return Add(name, std::to_string(number));
   }
 
@@ -70,7 +70,7 @@ class Object {
   }
 
  private:
-  Object&& Add(std::string_view name, const std::string& value) {
+  Object Add(std::string_view name, const std::string& value) {
     fields_ += "," + JsonText(name) + ":" + value;
     return std::move(*this);
   }
@@ -176,10 +176,11 @@ Object Fields(const MenuChosen& e) {
   return Object("chosen").With("command", e.command).With("item", e.text);
 }
 Object Fields(const SoundPlayed& e) {
-  Object object = Object("sound");
-  object = e.file.empty() ? std::move(object).With("resource", e.resource)
-                          : std::move(object).With("file", e.file);
-  return std::move(object).With("flags", e.flags).With("missing", e.isMissing ? 1 : 0);
+  return Object("sound")
+      .With("resource", e.resource)
+      .With("file", e.file)
+      .With("flags", e.flags)
+      .With("missing", e.isMissing ? 1 : 0);
 }
 Object Fields(const SoundStopped& /*e*/) {
   return Object("sound stopped");

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <mmsystem.h>
+
 namespace {
 
 using namespace pal;
@@ -44,6 +46,17 @@ TEST(Effects, OneShortWordingForEach) {
       {ModuleLoaded{u"C:\\x\\keapi.dll"}, "library keapi.dll loaded"},
       {ModuleFreed{u"C:\\x\\keapi.dll"}, "library keapi.dll freed"},
       {DeviceCall{"joystick", "button 1 down"}, "joystick button 1 down"},
+      {TrayChange{TrayChange::Action::kAdded, 1978, 170, u"Model", {}},
+       "tray 1978 added picture 170 tooltip \"Model\""},
+      {TrayChange{TrayChange::Action::kChanged, 1977, {}, {}, TrayBalloon{u"Model", u"Low.", 2, 10000}},
+       "tray 1977 balloon \"Model\": Low."},
+      {MenuChosen{40211, u"&Options\tF2"}, "chosen 40211 Options"},
+      {MenuChosen{}, "menu closed"},
+      {SoundPlayed{163, u"", SND_RESOURCE | SND_ASYNC}, "sound 163"},
+      {SoundStopped{}, "sound stopped"},
+      {PlaybackLevel{90}, "playback level 90 %"},
+      {PlaybackMute{false}, "playback not muted"},
+      {ForegroundSet{u"Sarvik5"}, "foreground Sarvik5"},
       {ProgramStarted{u"\"a.exe\" -s"}, "program starts: \"a.exe\" -s"},
       {ProgramEnded{6}, "program ends with 6"},
   };
@@ -58,6 +71,23 @@ TEST(Effects, TracesAreJson) {
             "{\"t_us\":0,\"kind\":\"box\",\"caption\":\"\xC3\xA9\",\"message\":\"a "
             "\\\"b\\\"\\u000A\\\\\",\"type\":0,"
             "\"text\":\"box \\\"\xC3\xA9\\\": a \\\"b\\\"\\\\n\\\\\"}");
+  const MenuItem inner = {u"English", 40212, false, true, false, false, {}};
+  const MenuShown menu = {{{u"&Options", 40211, false, false, false, true, {}},
+                           {u"", 0, true, false, false, false, {}},
+                           {u"Language", 0, false, false, false, false, {inner}}},
+                          5,
+                          6,
+                          0x2A};
+  EXPECT_EQ(ToJson({Time(0), menu}),
+            "{\"t_us\":0,\"kind\":\"menu\",\"items\":[{\"text\":\"&Options\",\"command\":40211,\"default\":"
+            "true},null,"
+            "{\"text\":\"Language\",\"items\":[{\"text\":\"English\",\"command\":40212,\"checked\":true}]}],"
+            "\"x\":5,"
+            "\"y\":6,\"flags\":42,\"text\":\"menu Options (default) | - | Language > [English (checked)]\"}");
+  EXPECT_EQ(
+      ToJson({Time(0), TrayChange{TrayChange::Action::kChanged, 1977, 157, u"65%", {}}}),
+      "{\"t_us\":0,\"kind\":\"tray\",\"id\":1977,\"action\":\"changed\",\"picture\":157,\"tooltip\":\"65%\","
+      "\"text\":\"tray 1977 picture 157 tooltip \\\"65%\\\"\"}");
   // Bytes that are no text at all still give a line of JSON.
   EXPECT_EQ(ToJson({Time(0), FileWrite{u"C:\\f", "\xFF"}}),
             "{\"t_us\":0,\"kind\":\"file\",\"path\":\"C:\\\\f\",\"bytes\":\"\xC3\xBF\",\"text\":\"file f: "

@@ -1,0 +1,26 @@
+// The menu of the contract tests' resources, destroyed at the end.
+#pragma once
+
+#include <windows.h>
+
+#include "tests/pal/contract_ids.h"
+
+namespace contract {
+
+class ContractMenu {
+ public:
+  ContractMenu() {
+    const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(CONTRACT_MENU), RT_MENU);
+    handle_ = LoadMenuIndirectW(LockResource(LoadResource(nullptr, resource)));
+  }
+  ~ContractMenu() { DestroyMenu(handle_); }
+  ContractMenu(const ContractMenu&) = delete;
+  ContractMenu& operator=(const ContractMenu&) = delete;
+
+  [[nodiscard]] HMENU Get() const { return handle_; }
+
+ private:
+  HMENU handle_ = nullptr;
+};
+
+}  // namespace contract
