@@ -24,6 +24,7 @@
 #include "power/battery_details.h"
 #include "power/device_operations.h"
 #include "power/flight_mode_notice.h"
+#include "report/device_report.h"
 #include "resources/resource_ids.h"
 #include "switches/switch_events.h"
 
@@ -33,6 +34,7 @@ namespace {
 // Private messages of other programs.
 constexpr UINT WM_QUERY_PIC_FIRMWARE = WM_APP + 0xDF;
 constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
+constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
 constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
 constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
 
@@ -245,6 +247,11 @@ Result OnDeviceToolRequest(const WindowMessage& m) {
   return {};
 }
 
+Result OnDeviceReportRequest(const WindowMessage& m) {
+  SendDeviceReport(reinterpret_cast<HWND>(m.lParam), m.wParam);
+  return {};
+}
+
 Result OnCodecStatusQuery(const WindowMessage&) {
   return GetAppState().audio.codecReady ? 1 : 2;
 }
@@ -273,6 +280,7 @@ constexpr MessageRow kMessageRows[] = {
     {WM_PIC_LINE_LOST, true, OnPicLineLostMessage},
     {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
     {kDeviceToolRequest, true, OnDeviceToolRequest},
+    {kDeviceReportRequest, true, OnDeviceReportRequest},
     {kStatusLedRequest, true, OnStatusLedRequest},
     {kCodecStatusQuery, true, OnCodecStatusQuery},
 };
