@@ -2,6 +2,7 @@
 
 #include <dbt.h>
 
+#include <cstddef>
 #include <optional>
 
 #include "app/app_state.h"
@@ -184,6 +185,15 @@ Result OnPowerBroadcast(const WindowMessage& m) {
   return 1;
 }
 
+// A sender may count the record too short for its name, or leave the name without an end.
+WideView PortName(const DEV_BROADCAST_HDR& device) {
+  constexpr size_t kNameAt = offsetof(DEV_BROADCAST_PORT_W, dbcp_name);
+  if (device.dbch_size <= kNameAt) return {};
+  const WCHAR* begin = reinterpret_cast<const DEV_BROADCAST_PORT_W&>(device).dbcp_name;
+  const WideView name(begin, (device.dbch_size - kNameAt) / sizeof(WCHAR));
+  return name.substr(0, name.find(WCHAR{0}));
+}
+
 Result OnDeviceChange(const WindowMessage& m) {
   Trace(TEXT("OnDeviceChange %08X\r\n"), static_cast<DWORD>(m.wParam));
   if (m.wParam != DBT_DEVICEARRIVAL && m.wParam != DBT_DEVICEREMOVECOMPLETE) return 1;
@@ -196,8 +206,7 @@ Result OnDeviceChange(const WindowMessage& m) {
   }
   Trace(TEXT("win devtype %d"), device->dbch_devicetype);
   if (device->dbch_devicetype != DBT_DEVTYP_PORT) return 1;
-  const auto* port = reinterpret_cast<const DEV_BROADCAST_PORT_W*>(device);
-  OnPicPortChange(UpperAscii(WideView(port->dbcp_name)), arrived);
+  OnPicPortChange(UpperAscii(PortName(*device)), arrived);
   return 1;
 }
 

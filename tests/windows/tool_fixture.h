@@ -28,7 +28,10 @@ inline constexpr uint32_t kPowerBroadcast = 0x0218;
 inline constexpr int64_t kSuspend = 0x0004;          // PBT_APMSUSPEND
 inline constexpr int64_t kResumeAutomatic = 0x0012;  // PBT_APMRESUMEAUTOMATIC
 inline constexpr uint32_t kQueryPicFirmware = 0x80DF;
+inline constexpr uint32_t kDeviceToolRequest = 0x876C;
+inline constexpr uint32_t kDeviceReportRequest = 0x876D;
 inline constexpr uint32_t kStatusLedRequest = 0x876F;
+inline constexpr uint32_t kCodecStatusQuery = 0x8770;
 
 // Wine does not end a wait for comm events when the other end of a pseudo terminal hangs up, as a serial
 // driver does when its device is gone: there the tool cannot know.
@@ -47,6 +50,8 @@ class ToolTest : public testing::Test {
   void PlugLine() { line_ = std::make_unique<windows_test::Line>(linkPath_); }
 
   // ---- the tool
+  // From now on the tool starts beside a simulated board library, in a directory of their own.
+  void InstallBoard();
   // Starts it without the dialog at the end of start-up.
   void StartTool(const std::vector<std::string>& arguments = {"-s"}, const Where& where = Where::current());
   // Starts it without delay, answers everything that it asks at start, and forgets what happened until then.
@@ -76,6 +81,7 @@ class ToolTest : public testing::Test {
   std::filesystem::path dataFolder_;
   std::unique_ptr<windows_test::Line> line_;
   std::unique_ptr<WineProcess> tool_;
+  std::string program_ = "veltratool.exe";
   int marks_ = 0;
 };
 
