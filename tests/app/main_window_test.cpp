@@ -1,3 +1,5 @@
+#include <dbt.h>
+
 #include "tests/tool_test.h"
 
 namespace veltra {
