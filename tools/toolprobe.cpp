@@ -137,8 +137,9 @@ bool PrintReport(const Probe& probe) {
   }
   const auto items = probe::ReadReport(*receivedReport);
   if (!items) std::fputs("toolprobe: the report has an unknown form\n", stderr);
-  const bool plain = probe.asXml || !items;
-  std::fputs((plain ? probe::Utf8(*receivedReport) : probe::FormatReport(*items)).c_str(), stdout);
+  std::erase(*receivedReport, WCHAR{'\r'});  // the standard output makes its own line ends
+  const bool asDocument = probe.asXml || !items;
+  std::fputs((asDocument ? probe::Utf8(*receivedReport) : probe::FormatReport(*items)).c_str(), stdout);
   return items.has_value();
 }
 
