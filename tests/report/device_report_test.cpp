@@ -48,14 +48,6 @@ const std::u16string kBattery =
     u"<Item C=\"Battery\" K=\"Cycles\" V=\"37\"/>\r\n"
     u"<Item C=\"Battery\" K=\"Status\" V=\"00C0\"/>\r\n";
 
-constexpr const char* kBatteryQueries[] = {
-    "GetBatteryManufacturer",  "GetBatteryManufactureDate", "GetBatterySerial",
-    "GetBatteryDeviceName",    "GetBatteryChemistry",       "GetBatteryTemperature",
-    "GetBatteryVoltage",       "GetBatteryCurrent",         "GetBatteryRemainingCapacity",
-    "GetBatteryStatus",        "GetBatteryCycles",          "GetBatteryDesignCapacity",
-    "GetBatteryDesignVoltage",
-};
-
 std::u16string Item(std::u16string_view key, std::u16string_view value) {
   return std::u16string(u"K=\"").append(key).append(u"\" V=\"").append(value).append(u"\"/>\r\n");
 }
@@ -69,10 +61,6 @@ class DeviceReport : public ToolTest {
  protected:
   DeviceReport() { SetUserValue(u"StartupDelay", 0); }
 
-  void AskBatteryDetails() {
-    for (const char* query : kBatteryQueries) tablet.SendData(nullptr, 0, ToBytes(query));
-    tablet.Advance(2s);
-  }
   void Text(std::string_view text) {
     tablet.Pic().SendText(text);
     tablet.Advance(20ms);
@@ -106,7 +94,6 @@ class DeviceReport : public ToolTest {
 
 TEST_F(DeviceReport, SelectionsChooseTheSections) {
   Start();
-  AskBatteryDetails();
   EXPECT_EQ(Asked(0), Report({kHardware, kPlatform, kBattery}));
   EXPECT_EQ(received[0].message, static_cast<UINT>(WM_COPYDATA));
   EXPECT_EQ(received[0].copyDataTag, 0U);
@@ -118,7 +105,6 @@ TEST_F(DeviceReport, SelectionsChooseTheSections) {
 
 TEST_F(DeviceReport, PlatformIsWholeOrMissing) {
   Start();
-  AskBatteryDetails();
   const std::u16string without = Report({kHardware, kBattery});
   for (int32_t simulator::Board::*error : {&simulator::Board::boardInfoError, &simulator::Board::cpuInfoError,
                                            &simulator::Board::memoryInfoError}) {
@@ -135,7 +121,6 @@ TEST_F(DeviceReport, PlatformIsWholeOrMissing) {
 TEST_F(DeviceReport, WithoutTheLibraryThereIsNoPlatform) {
   tablet.TheDesk().Remove(simulator::Library::kBoard);
   Start();
-  AskBatteryDetails();
   EXPECT_EQ(Asked(0), Report({kHardware, kBattery}));
 }
 

@@ -58,7 +58,7 @@ TEST_F(RequestsTest, EveryQuestionHasItsAnswer) {
   EXPECT_EQ(SendTool(kDeviceToolRequest, kSpeakerVolume), 0x10000 + 70);
   for (const int64_t operation : {int64_t{0}, int64_t{21}, int64_t{-1}, int64_t{0x7FFFFFFF}})
     EXPECT_EQ(SendTool(kDeviceToolRequest, operation, -1), 0) << operation;
-  EXPECT_EQ(SendTool(kCodecStatusQuery), 2);
+  EXPECT_EQ(SendTool(kCodecStatusQuery), 1);
   const std::pair<int64_t, const char*> lights[] = {{3, "SetStatusLed=3"}, {4, "SetStatusLed=0"}};
   for (const auto& [state, text] : lights) {
     EXPECT_EQ(SendTool(kStatusLedRequest, state), 0);

@@ -32,14 +32,8 @@ void ToolTest::TearDown() {
   Observer().CloseWindows();
 }
 
-void ToolTest::InstallBoard() {
-  program_ = "board/veltratool.exe";
-  std::filesystem::copy_file(ProgramPath("veltratool.exe"), ProgramPath(program_),
-                             std::filesystem::copy_options::overwrite_existing);
-}
-
 void ToolTest::StartTool(const std::vector<std::string>& arguments, const Where& where) {
-  tool_ = std::make_unique<WineProcess>(program_, arguments, where);
+  tool_ = std::make_unique<WineProcess>("veltratool.exe", arguments, where);
 }
 
 void ToolTest::StartQuietTool(const Where& where) {

@@ -50,8 +50,6 @@ class ToolTest : public testing::Test {
   void PlugLine() { line_ = std::make_unique<windows_test::Line>(linkPath_); }
 
   // ---- the tool
-  // From now on the tool starts beside a simulated board library, in a directory of their own.
-  void InstallBoard();
   // Starts it without the dialog at the end of start-up.
   void StartTool(const std::vector<std::string>& arguments = {"-s"}, const Where& where = Where::current());
   // Starts it without delay, answers everything that it asks at start, and forgets what happened until then.
@@ -81,7 +79,6 @@ class ToolTest : public testing::Test {
   std::filesystem::path dataFolder_;
   std::unique_ptr<windows_test::Line> line_;
   std::unique_ptr<WineProcess> tool_;
-  std::string program_ = "veltratool.exe";
   int marks_ = 0;
 };
 
