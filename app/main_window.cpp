@@ -2,6 +2,7 @@
 
 #include <dbt.h>
 
+#include <cstddef>
 #include <optional>
 
 #include "app/app_state.h"
@@ -24,6 +25,7 @@
 #include "power/battery_details.h"
 #include "power/device_operations.h"
 #include "power/flight_mode_notice.h"
+#include "report/device_report.h"
 #include "resources/resource_ids.h"
 #include "switches/switch_events.h"
 
@@ -33,6 +35,7 @@ namespace {
 // Private messages of other programs.
 constexpr UINT WM_QUERY_PIC_FIRMWARE = WM_APP + 0xDF;
 constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
+constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
 constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
 constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
 
@@ -182,6 +185,15 @@ Result OnPowerBroadcast(const WindowMessage& m) {
   return 1;
 }
 
+// A sender may count the record too short for its name, or leave the name without an end.
+WideView PortName(const DEV_BROADCAST_HDR& device) {
+  constexpr size_t kNameAt = offsetof(DEV_BROADCAST_PORT_W, dbcp_name);
+  if (device.dbch_size <= kNameAt) return {};
+  const WCHAR* begin = reinterpret_cast<const DEV_BROADCAST_PORT_W&>(device).dbcp_name;
+  const WideView name(begin, (device.dbch_size - kNameAt) / sizeof(WCHAR));
+  return name.substr(0, name.find(WCHAR{0}));
+}
+
 Result OnDeviceChange(const WindowMessage& m) {
   Trace(TEXT("OnDeviceChange %08X\r\n"), static_cast<DWORD>(m.wParam));
   if (m.wParam != DBT_DEVICEARRIVAL && m.wParam != DBT_DEVICEREMOVECOMPLETE) return 1;
@@ -194,8 +206,7 @@ Result OnDeviceChange(const WindowMessage& m) {
   }
   Trace(TEXT("win devtype %d"), device->dbch_devicetype);
   if (device->dbch_devicetype != DBT_DEVTYP_PORT) return 1;
-  const auto* port = reinterpret_cast<const DEV_BROADCAST_PORT_W*>(device);
-  OnPicPortChange(UpperAscii(WideView(port->dbcp_name)), arrived);
+  OnPicPortChange(UpperAscii(PortName(*device)), arrived);
   return 1;
 }
 
@@ -245,6 +256,11 @@ Result OnDeviceToolRequest(const WindowMessage& m) {
   return {};
 }
 
+Result OnDeviceReportRequest(const WindowMessage& m) {
+  SendDeviceReport(reinterpret_cast<HWND>(m.lParam), m.wParam);
+  return {};
+}
+
 Result OnCodecStatusQuery(const WindowMessage&) {
   return GetAppState().audio.codecReady ? 1 : 2;
 }
@@ -273,6 +289,7 @@ constexpr MessageRow kMessageRows[] = {
     {WM_PIC_LINE_LOST, true, OnPicLineLostMessage},
     {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
     {kDeviceToolRequest, true, OnDeviceToolRequest},
+    {kDeviceReportRequest, true, OnDeviceReportRequest},
     {kStatusLedRequest, true, OnStatusLedRequest},
     {kCodecStatusQuery, true, OnCodecStatusQuery},
 };

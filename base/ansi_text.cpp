@@ -16,4 +16,14 @@ std::optional<std::string> ConvertToAnsi(WideView text) {
   return ansi;
 }
 
+WideText ConvertFromAnsi(std::string_view text) {
+  if (text.empty()) return {};
+  const int length = static_cast<int>(text.size());
+  const int needed = MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, nullptr, 0);
+  if (needed <= 0) return {};
+  WideText wide(static_cast<size_t>(needed), 0);
+  const int converted = MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, wide.data(), needed);
+  return converted == needed ? wide : WideText();
+}
+
 }  // namespace veltra

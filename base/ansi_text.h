@@ -12,4 +12,7 @@ namespace veltra {
 // character.
 std::optional<std::string> ConvertToAnsi(WideView text);
 
+// Empty when Windows cannot convert the text.
+WideText ConvertFromAnsi(std::string_view text);
+
 }  // namespace veltra

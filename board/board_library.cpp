@@ -14,6 +14,9 @@ BoardLibrary LoadBoardLibrary() {
   library.KEApiLibUnInitialize =
       FindExport<decltype(library.KEApiLibUnInitialize)>(module, "KEApiLibUnInitialize");
   library.KEApiI2cXfer = FindExport<decltype(library.KEApiI2cXfer)>(module, "KEApiI2cXfer");
+  library.KEApiGetBoardInfo = FindExport<decltype(library.KEApiGetBoardInfo)>(module, "KEApiGetBoardInfo");
+  library.KEApiGetCpuInfo = FindExport<decltype(library.KEApiGetCpuInfo)>(module, "KEApiGetCpuInfo");
+  library.KEApiGetMemoryInfo = FindExport<decltype(library.KEApiGetMemoryInfo)>(module, "KEApiGetMemoryInfo");
   return library;
 }
 

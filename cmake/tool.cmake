@@ -6,12 +6,14 @@ add_library(veltra_cores STATIC
   firmware/flash_image.cpp
   firmware/hex_file.cpp
   link/frame.cpp
+  report/xml_writer.cpp
 )
 
 add_library(veltra_tool STATIC
   base/ansi_text.cpp
   base/debug_output.cpp
   app/app_state.cpp
+  app/copied_data.cpp
   app/diagnostic_log.cpp
   app/folders.cpp
   app/language.cpp
@@ -30,6 +32,7 @@ add_library(veltra_tool STATIC
   board/expander.cpp
   board/i2c.cpp
   board/volume.cpp
+  board/platform_info.cpp
   firmware/read_hex_file.cpp
   link/identity_store.cpp
   link/identity_updates.cpp
@@ -46,6 +49,7 @@ add_library(veltra_tool STATIC
   power/flight_mode_notice.cpp
   power/outside_tools.cpp
   power/power_off.cpp
+  report/device_report.cpp
   switches/injected_input.cpp
   switches/joystick.cpp
   switches/joystick_library.cpp
@@ -70,6 +74,15 @@ if(WIN32)
 else()
   target_sources(veltra_tool PRIVATE app/entry.cpp)
   target_link_libraries(veltra_tool PUBLIC pal)
+endif()
+
+# For the technician in front of a tablet: the program asks the running tool, its texts are tested natively.
+add_library(probe_text STATIC tools/probe_text.cpp)
+target_link_libraries(probe_text PUBLIC veltra_cores)
+if(WIN32)
+  add_executable(toolprobe tools/toolprobe.cpp)
+  target_link_libraries(toolprobe PRIVATE probe_text user32)
+  target_link_options(toolprobe PRIVATE -s)
 endif()
 
 # For the people who make firmware.

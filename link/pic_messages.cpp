@@ -7,6 +7,7 @@
 
 #include "app/app_state.h"
 #include "board/expander.h"
+#include "app/copied_data.h"
 #include "link/identity_store.h"
 #include "link/infrared.h"
 #include "link/send_queue.h"
@@ -109,14 +110,7 @@ void OnText(std::string_view text) {
 
 // ---- replies (type 0x0B) ----------------------------------------------------------------------------------
 
-void ForwardReply(HWND target, Bytes reply) {
-  std::vector<uint8_t> copy(reply.begin(), reply.end());
-  COPYDATASTRUCT data = {};
-  data.cbData = static_cast<DWORD>(copy.size());
-  data.lpData = copy.data();
-  SendMessageW(target, WM_COPYDATA, reinterpret_cast<WPARAM>(GetAppState().hMainWnd),
-               reinterpret_cast<LPARAM>(&data));
-}
+constexpr ULONG_PTR kReplyTag = 0;  // of the copied data that takes a reply to the window that asked
 
 // A request matches a literal that begins with the whole request.
 bool Matches(std::string_view request, std::string_view literal) {
@@ -149,7 +143,7 @@ std::optional<PicRequest> TakeAnsweredRequest() {
 void OnReply(Bytes reply) {
   const std::optional<PicRequest> request = TakeAnsweredRequest();
   if (!request) return;
-  if (!reply.empty() && request->replyTarget) ForwardReply(request->replyTarget, reply);
+  if (!reply.empty() && request->replyTarget) SendCopiedData(request->replyTarget, kReplyTag, reply);
   if (!reply.empty() && !request->replyTarget) OnOwnReply(request->Text(), reply);
   const PicQueue& queue = GetAppState().picQueue;
   if (!queue.empty() && !queue.front().transmitted) TransmitHead();

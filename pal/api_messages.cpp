@@ -68,24 +68,62 @@ std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND win
   return sent;
 }
 
-// Sends and waits for the answer, handling meanwhile what others send to the caller. Empty, with a last
-// error, when there is none.
+// How long who sends something waits for its answer.
+struct Patience {
+  std::optional<Time> deadline = std::nullopt;
+  UINT flags = SMTO_NORMAL;
+};
+
+// Waits, handling meanwhile what others send to the caller; 0 or the error.
+DWORD WaitUntil(State& state, Thread& self, const std::function<bool()>& done, std::optional<Time> deadline) {
+  const std::function<bool()> isOver = [&] { return done() || self.queue.HasSent(); };
+  while (!done()) {
+    const Waited waited = state.scheduler.Wait(isOver, deadline);
+    if (waited == Waited::kTimedOut) return ERROR_TIMEOUT;
+    if (waited == Waited::kProgramEnds) return ERROR_OPERATION_ABORTED;
+    if (!done()) HandleSentMessages(state, self);
+  }
+  return ERROR_SUCCESS;
+}
+
+// Until a window of another program looks at its messages, or is gone; 0 or the error.
+DWORD WaitWhileHung(State& state, const Window& hung, const Patience& patience) {
+  constexpr Time kCountsAsHung = std::chrono::seconds(5);
+  const Time countsFrom = *hung.hungSince + kCountsAsHung;
+  if ((patience.flags & SMTO_ABORTIFHUNG) && state.scheduler.Now() >= countsFrom) return ERROR_TIMEOUT;
+  std::optional<Time> deadline = patience.deadline;
+  if (deadline && (patience.flags & SMTO_NOTIMEOUTIFNOTHUNG)) deadline = std::max(*deadline, countsFrom);
+  const auto looks = [&state, window = hung.handle] {
+    const Window* found = state.desktop.Find(window);
+    return !found || !found->hungSince;
+  };
+  return WaitUntil(state, CallingThread("SendMessageW"), looks, deadline);
+}
+
+std::optional<LRESULT> SendToOther(State& state, const Window& window, UINT message, WPARAM wParam,
+                                   LPARAM lParam, const Patience& patience) {
+  const HWND handle = window.handle;
+  if (window.hungSince)
+    if (const DWORD error = WaitWhileHung(state, window, patience))
+      return Refuse(error, std::optional<LRESULT>());
+  const Window* found = state.desktop.Find(handle);
+  if (!found) return Refuse(ERROR_INVALID_WINDOW_HANDLE, std::optional<LRESULT>());
+  return SendToForeign(state, *found, message, wParam, lParam);
+}
+
+// Sends and waits for the answer. Empty, with a last error, when there is none.
 std::optional<LRESULT> SendAndWait(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                   std::optional<Time> deadline) {
+                                   const Patience& patience) {
   const Window* found = state.desktop.Find(window);
   if (!found) return Refuse(ERROR_INVALID_WINDOW_HANDLE, std::optional<LRESULT>());
-  if (!found->thread) return SendToForeign(state, *found, message, wParam, lParam);
+  if (!found->thread) return SendToOther(state, *found, message, wParam, lParam, patience);
   Thread& self = CallingThread("SendMessageW");
   if (found->thread == &self) return CallWindow(state, window, message, wParam, lParam);
 
   const auto sent = SendToThread(state, *found->thread, window, message, wParam, lParam);
-  const std::function<bool()> isOver = [&] { return sent->answered || self.queue.HasSent(); };
-  while (!sent->answered) {
-    const Waited waited = state.scheduler.Wait(isOver, deadline);
-    if (waited == Waited::kTimedOut) return Refuse(ERROR_TIMEOUT, std::optional<LRESULT>());
-    if (waited == Waited::kProgramEnds) return Refuse(ERROR_OPERATION_ABORTED, std::optional<LRESULT>());
-    if (!sent->answered) HandleSentMessages(state, self);
-  }
+  const DWORD error = WaitUntil(
+      state, self, [&] { return sent->answered; }, patience.deadline);
+  if (error != ERROR_SUCCESS) return Refuse(error, std::optional<LRESULT>());
   if (!sent->result) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
   return sent->result;
 }
@@ -169,9 +207,9 @@ LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lPa
   const Call call("SendMessageW");
   if (call.Fails()) return 0;
   if (window != HWND_BROADCAST)
-    return SendAndWait(call.Get(), window, message, wParam, lParam, std::nullopt).value_or(0);
+    return SendAndWait(call.Get(), window, message, wParam, lParam, {}).value_or(0);
   Broadcast(call.Get(), message, wParam, lParam,
-            [&](HWND own) { SendAndWait(call.Get(), own, message, wParam, lParam, std::nullopt); });
+            [&](HWND own) { SendAndWait(call.Get(), own, message, wParam, lParam, {}); });
   return TRUE;
 }
 
@@ -179,10 +217,12 @@ LRESULT WINAPI SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPA
                                    UINT timeoutMs, PDWORD_PTR result) {
   const Call call("SendMessageTimeoutW");
   if (call.Fails()) return 0;
-  if (flags & ~(SMTO_BLOCK | SMTO_ABORTIFHUNG)) Die("SendMessageTimeoutW with an unknown flag");
+  if (flags & ~(SMTO_BLOCK | SMTO_ABORTIFHUNG | SMTO_NOTIMEOUTIFNOTHUNG))
+    Die("SendMessageTimeoutW with an unknown flag");
   if (window == HWND_BROADCAST) Die("SendMessageTimeoutW to all windows");
   const std::optional<Time> deadline = Deadline(call->scheduler.Now(), timeoutMs);
-  const std::optional<LRESULT> answer = SendAndWait(call.Get(), window, message, wParam, lParam, deadline);
+  const std::optional<LRESULT> answer =
+      SendAndWait(call.Get(), window, message, wParam, lParam, {deadline, flags});
   if (!answer) return 0;
   if (result) *result = static_cast<DWORD_PTR>(*answer);
   return TRUE;

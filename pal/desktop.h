@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,7 @@ struct Window {
   std::shared_ptr<const WindowClass> windowClass;
   Thread* thread = nullptr;      // null for a window of another program
   ForeignWindowHandler foreign;  // of a window of another program
+  std::optional<Time> hungSince = std::nullopt;  // its program looks at no messages since then
   WNDPROC procedure = nullptr;
   std::u16string title;
   DWORD style = 0;

@@ -39,6 +39,13 @@ std::string DescribeValue(const RegistryWrite& write) {
   return Quoted(text);
 }
 
+// A long payload is told by its beginning.
+std::string DescribePayload(std::span<const uint8_t> payload) {
+  constexpr size_t kMostBytes = 64;
+  if (payload.size() <= kMostBytes) return HexBytes(payload);
+  return HexBytes(payload.first(kMostBytes)) + " ... " + std::to_string(payload.size()) + " bytes";
+}
+
 struct MouseRow {
   uint32_t flag;
   std::string_view words;
@@ -152,7 +159,7 @@ struct Words {
   std::string operator()(const ForeignMessageSent& e) const {
     if (e.message == WM_COPYDATA)
       return "data " + std::to_string(e.copyDataTag) + " to " + OneLine(e.className) + ": " +
-             HexBytes(e.payload);
+             DescribePayload(e.payload);
     const std::string parameters = " " + std::to_string(e.wParam) + " " + std::to_string(e.lParam);
     if (e.className == kEverybody) return "notify " + Hex(e.message, 4) + parameters;
     return "message " + Hex(e.message, 4) + " to " + OneLine(e.className) + parameters;

@@ -248,6 +248,15 @@ void Machine::RemoveForeignWindow(HWND window) {
   const Window* found = state_->desktop.Find(window);
   if (!found || found->thread) Die("no such window of another program");
   state_->desktop.Remove(window);
+  state_->scheduler.Notify();
+}
+
+void Machine::SetHung(HWND window, bool hung) {
+  const MachineLock lock(state_->mutex);
+  Window* found = state_->desktop.Find(window);
+  if (!found || found->thread) Die("no such window of another program");
+  found->hungSince = hung ? std::optional(state_->scheduler.Now()) : std::nullopt;
+  state_->scheduler.Notify();
 }
 
 void Machine::AddForeignMutex(std::u16string_view name) {

@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+#include "simulator/platform.h"
+
 namespace simulator {
 
 struct I2cTransfer {
@@ -28,7 +30,11 @@ struct I2cFailure {
 struct Board {
   int32_t initializeError = 0;    // what the next starts return
   int32_t uninitializeError = 0;  // and the next stops
+  int32_t boardInfoError = 0;     // and the questions for the three records
+  int32_t cpuInfoError = 0;
+  int32_t memoryInfoError = 0;
   bool initialized = false;
+  Platform platform;
 
   std::vector<I2cFailure> failures;    // tried in this order
   std::vector<I2cTransfer> transfers;  // every one so far
@@ -53,4 +59,7 @@ int32_t WINAPI KEApiLibInitialize(void);
 int32_t WINAPI KEApiLibUnInitialize(void);
 int32_t WINAPI KEApiI2cXfer(int32_t bus, uint8_t address, const uint8_t* writeData, uint32_t writeLength,
                             uint8_t* readData, uint32_t* readLength);
+int32_t WINAPI KEApiGetBoardInfo(simulator::BoardRecord* record);
+int32_t WINAPI KEApiGetCpuInfo(simulator::CpuRecord* record);
+int32_t WINAPI KEApiGetMemoryInfo(simulator::MemoryRecord* record);
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "pal/unicode.h"
 #include "simulator/board.h"
 #include "simulator/console.h"
 #include "simulator/controller_commands.h"
@@ -159,10 +160,17 @@ Problem RunBoard(Console& console, Words words) {
     return {};
   }
   const std::optional<int64_t> error = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
-  if (!error || (word != "start-error" && word != "stop-error"))
-    return ExpectedArguments("absent|start-error CODE|stop-error CODE");
-  (word == "start-error" ? TheBoard().initializeError : TheBoard().uninitializeError) =
-      static_cast<int32_t>(*error);
+  struct Row {
+    std::string_view word;
+    int32_t Board::*error;
+  };
+  constexpr Row kErrors[] = {{"start-error", &Board::initializeError},
+                             {"stop-error", &Board::uninitializeError},
+                             {"info-error", &Board::boardInfoError}};
+  const auto* row = std::ranges::find(kErrors, word, &Row::word);
+  if (!error || row == std::end(kErrors))
+    return ExpectedArguments("absent|start-error CODE|stop-error CODE|info-error CODE");
+  TheBoard().*(row->error) = static_cast<int32_t>(*error);
   return {};
 }
 
@@ -256,6 +264,26 @@ Problem RunAskFirmware(Console& console, Words) {
   return Answered(console, console.Tablet().Ask(SimulatedTablet::kQueryFirmware));
 }
 
+// Prints the report that comes back.
+Problem RunAskReport(Console& console, Words words) {
+  const std::optional<int64_t> selection = words.size() > 1 ? ParseNumber(words[1]) : 0;
+  if (!selection || words.size() > 2) return ExpectedArguments("[SELECTION]");
+  pal::Machine& machine = console.Tablet().Machine();
+  std::u16string report;
+  const HWND asker =
+      machine.AddForeignWindow(u"Asker", [&report](const pal::ForeignMessage& message) -> LRESULT {
+        report.assign(reinterpret_cast<const char16_t*>(message.payload.data()), message.payload.size() / 2);
+        return TRUE;
+      });
+  const auto answer = console.Tablet().Ask(SimulatedTablet::kDeviceReportRequest,
+                                           static_cast<WPARAM>(*selection), reinterpret_cast<LPARAM>(asker));
+  machine.RemoveForeignWindow(asker);
+  std::string text = pal::ToUtf8(report.substr(0, report.find(u'\0')));
+  std::erase(text, '\r');
+  console.Out() << text;
+  return Delivered(console, answer);
+}
+
 // ---- what is printed
 // ----------------------------------------------------------------------------------------
 
@@ -319,7 +347,8 @@ constexpr ConsoleCommand kCommands[] = {
      RunJoystick},
     {"mouse-filter", "absent|plain", "the mouse filter's library: none, or its 64-bit form", true,
      RunMouseFilter},
-    {"board", "absent|start-error CODE|...", "the board's library; also stop-error CODE", true, RunBoard},
+    {"board", "absent|start-error CODE|...", "the board's library; also stop-error CODE, info-error CODE",
+     true, RunBoard},
     {"other-copy", "", "another copy of the tool runs already", true, RunOtherCopy},
     {"port", "remove|arrive [NAME]|...",
      "the controller's port goes or comes; vanish, return: without a word", true, RunPort},
@@ -330,6 +359,8 @@ constexpr ConsoleCommand kCommands[] = {
     {"request", "OPERATION [VALUE]", "a device tool request from an application", true, RunRequest},
     {"led", "NUMBER", "a status LED request from an application", true, RunLed},
     {"ask-firmware", "", "an application asks whether the firmware is new enough", true, RunAskFirmware},
+    {"ask-report", "[SELECTION]", "an application asks for the device report: 0 all, 1 the battery", true,
+     RunAskReport},
     {"expect", "[no] [exactly] TEXT", "a line that holds TEXT, or is TEXT, must have come", false, RunExpect},
     {"at", "TIME expect TEXT", "and at that time; +TIME counts from the last command", false, RunAt},
     {"check", "WHAT ...", "registry NAME NUMBER, [no] log TEXT, [no] box TEXT, exit CODE, line", false,

@@ -35,7 +35,9 @@ const std::vector<LibraryRow>& Libraries() {
       {Library::kBoard,
        u"keapi.dll",
        {MakeExport("KEApiLibInitialize", KEApiLibInitialize),
-        MakeExport("KEApiLibUnInitialize", KEApiLibUnInitialize), MakeExport("KEApiI2cXfer", KEApiI2cXfer)}},
+        MakeExport("KEApiLibUnInitialize", KEApiLibUnInitialize), MakeExport("KEApiI2cXfer", KEApiI2cXfer),
+        MakeExport("KEApiGetBoardInfo", KEApiGetBoardInfo), MakeExport("KEApiGetCpuInfo", KEApiGetCpuInfo),
+        MakeExport("KEApiGetMemoryInfo", KEApiGetMemoryInfo)}},
   };
   return libraries;
 }

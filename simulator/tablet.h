@@ -23,6 +23,7 @@ class SimulatedTablet {
   // Messages that the maker's applications know.
   static constexpr UINT kQueryFirmware = WM_APP + 0xDF;
   static constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
+  static constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
   static constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
 
   explicit SimulatedTablet(pal::Clock clock = pal::Clock::kVirtual);

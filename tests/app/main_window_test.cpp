@@ -1,3 +1,5 @@
+#include <dbt.h>
+
 #include "tests/tool_test.h"
 
 namespace veltra {
@@ -176,6 +178,26 @@ TEST_F(MainWindow, OnlyTheControllersPortTouchesTheLink) {
   EXPECT_EQ(New<pal::SerialClosed>().size(), 1U);
   EXPECT_NE(Log().find("Port removed: COM2\r\n"), std::string::npos);
   EXPECT_NE(Log().find("Pic port dropped\r\n"), std::string::npos);
+}
+
+TEST_F(MainWindow, APortNameEndsWithItsRecord) {
+  Start();
+  constexpr DWORD kNameAt = 12;
+  struct {
+    DEV_BROADCAST_HDR header = {0, 3, 0};
+    WCHAR name[6] = {'C', 'O', 'M', '2', '7', 'x'};  // no end
+  } record;
+  const struct {
+    DWORD size;
+    const char* name;
+  } kCases[] = {{kNameAt, ""}, {kNameAt + 1, ""}, {kNameAt + 7, "COM"}, {kNameAt + 10, "COM27"}};
+  for (const auto& c : kCases) {
+    record.header.dbch_size = c.size;
+    EXPECT_EQ(tablet.Ask(WM_DEVICECHANGE, 0x8004, reinterpret_cast<LPARAM>(&record)), 1);
+    const std::string line = std::string("Port removed: ").append(c.name).append("\r\n");
+    EXPECT_TRUE(Log().ends_with(line)) << Log();
+  }
+  EXPECT_TRUE(New<pal::SerialClosed>().empty());
 }
 
 TEST_F(MainWindow, AnArrivalOpensThePortAtOnceAndTheRetryOpensItOnceAfter30Seconds) {

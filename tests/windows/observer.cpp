@@ -106,6 +106,14 @@ bool Observer::SeesWindow(const std::string& className, const Where& where) {
   return Run({"find", className}, where)[0] == "yes";
 }
 
+int64_t Observer::Handle(const std::string& className, const Where& where) {
+  return std::stoll(Run({"handle", className}, where)[0]);
+}
+
+void Observer::OpenHungWindow(const std::string& className, const Where& where) {
+  Run({"hang", className}, where);
+}
+
 int64_t Observer::Send(const std::string& className, uint32_t message, int64_t wParam, int64_t lParam,
                        const Where& where) {
   return std::stoll(

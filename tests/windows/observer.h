@@ -36,6 +36,10 @@ class Observer {
   // A named mutex, as a running program of that name holds it, until CloseWindows.
   void HoldMutex(const std::string& name, const Where& where = Where::current());
   bool SeesWindow(const std::string& className, const Where& where = Where::current());
+  // The number of its window.
+  int64_t Handle(const std::string& className, const Where& where = Where::current());
+  // Opens a window whose thread looks at no messages, until CloseWindows.
+  void OpenHungWindow(const std::string& className, const Where& where = Where::current());
   int64_t Send(const std::string& className, uint32_t message, int64_t wParam = 0, int64_t lParam = 0,
                const Where& where = Where::current());
   void Post(const std::string& className, uint32_t message, int64_t wParam = 0, int64_t lParam = 0,

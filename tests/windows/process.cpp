@@ -90,20 +90,29 @@ void WineProcess::WriteLine(const std::string& line, const Where& where) {
     Fail(std::string("the program takes no input: ") + std::strerror(errno), where);
 }
 
+bool WineProcess::ReadMore(const Where& where) {
+  pollfd source{output_.Get(), POLLIN, 0};
+  const auto limit = std::chrono::duration_cast<std::chrono::milliseconds>(kPatience).count();
+  if (poll(&source, 1, static_cast<int>(limit)) <= 0) Fail("the program says nothing", where);
+  char buffer[4096];
+  const ssize_t count = read(output_.Get(), buffer, sizeof buffer);
+  if (count > 0) received_.append(buffer, static_cast<size_t>(count));
+  return count > 0;
+}
+
 std::string WineProcess::ReadLine(const Where& where) {
   size_t end = 0;
-  while ((end = received_.find('\n')) == received_.npos) {
-    pollfd source{output_.Get(), POLLIN, 0};
-    const auto limit = std::chrono::duration_cast<std::chrono::milliseconds>(kPatience).count();
-    if (poll(&source, 1, static_cast<int>(limit)) <= 0) Fail("the program says nothing", where);
-    char buffer[4096];
-    const ssize_t count = read(output_.Get(), buffer, sizeof buffer);
-    if (count <= 0) Fail("the program has ended", where);
-    received_.append(buffer, static_cast<size_t>(count));
-  }
+  while ((end = received_.find('\n')) == received_.npos)
+    if (!ReadMore(where)) Fail("the program has ended", where);
   std::string line = received_.substr(0, end);
   received_.erase(0, end + 1);
   return line;
+}
+
+std::string WineProcess::ReadAll(const Where& where) {
+  while (ReadMore(where)) {
+  }
+  return std::move(received_);
 }
 
 bool WineProcess::IsRunning() {

@@ -28,6 +28,8 @@ class WineProcess {
   void WriteLine(const std::string& line, const Where& where = Where::current());
   // The next line, waiting for it.
   std::string ReadLine(const Where& where = Where::current());
+  // Everything until the program closes its output.
+  std::string ReadAll(const Where& where = Where::current());
   void CloseInput() { input_.Reset(); }
 
   bool IsRunning();
@@ -36,6 +38,9 @@ class WineProcess {
   int ExitCode(const Where& where = Where::current());
 
  private:
+  // Waits for output; false when the program has closed it.
+  bool ReadMore(const Where& where);
+
   pid_t pid_ = -1;
   std::optional<int> exitCode_;
   FileDescriptor input_;

@@ -46,6 +46,43 @@ TEST_F(RequestsTest, TheFirmwareQueryComparesWithNinetyFive) {
   }
 }
 
+TEST_F(RequestsTest, EveryQuestionHasItsAnswer) {
+  constexpr int64_t kPowerSource = 12, kCapacity = 13, kSpeakerVolume = 20;
+  Set("SpeakerVol", 70);
+  StartQuietTool();
+  for (const char* text : {"AdapterPresent=1", "BatteryPresent=1", "BatteryState=0x40"})
+    Line().SendText(text);
+  AwaitLine();
+  EXPECT_EQ(SendTool(kDeviceToolRequest, kPowerSource), 2);
+  EXPECT_EQ(SendTool(kDeviceToolRequest, kCapacity), 64);
+  EXPECT_EQ(SendTool(kDeviceToolRequest, kSpeakerVolume), 0x10000 + 70);
+  for (const int64_t operation : {int64_t{0}, int64_t{21}, int64_t{-1}, int64_t{0x7FFFFFFF}})
+    EXPECT_EQ(SendTool(kDeviceToolRequest, operation, -1), 0) << operation;
+  EXPECT_EQ(SendTool(kCodecStatusQuery), 1);
+  const std::pair<int64_t, const char*> lights[] = {{3, "SetStatusLed=3"}, {4, "SetStatusLed=0"}};
+  for (const auto& [state, text] : lights) {
+    EXPECT_EQ(SendTool(kStatusLedRequest, state), 0);
+    EXPECT_EQ(Line().TakeText(), text);
+    Line().SendReply({});
+    AwaitLine();
+  }
+}
+
+TEST_F(RequestsTest, AProgramThatAsksAndDiesLosesItsReplyOnly) {
+  StartQuietTool();
+  {
+    windows_test::Observer other;
+    EXPECT_EQ(other.Copy(kMainWindow, kInfraredRequest, "IRSend=1"), 1);
+  }
+  EXPECT_EQ(Observer().Copy(kMainWindow, kInfraredRequest, "IRSend=2"), 1);
+  EXPECT_EQ(Line().TakeText(), "IRSend=1");
+  Line().SendReply("lost");
+  AwaitLine();
+  EXPECT_EQ(Line().TakeText(), "IRSend=2");
+  Line().SendReply("kept");
+  Observer().Expect("copied Veltra Observer 0 6B657074 VeltraInternal");
+}
+
 TEST_F(RequestsTest, AnInfraredReplyReturnsToTheProgramThatAsked) {
   StartQuietTool();
   EXPECT_EQ(Observer().Copy(kMainWindow, kInfraredRequest, "IRSend"), 1);

@@ -28,7 +28,10 @@ inline constexpr uint32_t kPowerBroadcast = 0x0218;
 inline constexpr int64_t kSuspend = 0x0004;          // PBT_APMSUSPEND
 inline constexpr int64_t kResumeAutomatic = 0x0012;  // PBT_APMRESUMEAUTOMATIC
 inline constexpr uint32_t kQueryPicFirmware = 0x80DF;
+inline constexpr uint32_t kDeviceToolRequest = 0x876C;
+inline constexpr uint32_t kDeviceReportRequest = 0x876D;
 inline constexpr uint32_t kStatusLedRequest = 0x876F;
+inline constexpr uint32_t kCodecStatusQuery = 0x8770;
 
 // Wine does not end a wait for comm events when the other end of a pseudo terminal hangs up, as a serial
 // driver does when its device is gone: there the tool cannot know.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/handles.h"
+#include "tests/windows/observer/hung_windows.h"
 #include "tests/windows/observer/registry.h"
 #include "tests/windows/observer/report.h"
 #include "tests/windows/observer/watched_windows.h"
@@ -60,12 +61,22 @@ std::string RunHold(const Words& words) {
 
 std::string RunClose(const Words&) {
   heldMutexes.clear();
+  CloseHungWindows();
   CloseWatchedWindows();
   return {};
 }
 
 std::string RunFind(const Words& words) {
   return FindWindowW(Wide(words[1]).c_str(), nullptr) ? "yes" : "no";
+}
+
+std::string RunHandle(const Words& words) {
+  return std::to_string(reinterpret_cast<uintptr_t>(Find(words[1])));
+}
+
+std::string RunHang(const Words& words) {
+  OpenHungWindow(Wide(words[1]));
+  return {};
 }
 
 std::string RunSend(const Words& words) {
@@ -193,6 +204,8 @@ constexpr Command kCommands[] = {
     {"close", 0, RunClose},           // all windows but its own, and the mutexes
     {"hold", 1, RunHold},             // NAME: a mutex
     {"find", 1, RunFind},             // CLASS: yes or no
+    {"handle", 1, RunHandle},         // CLASS: the number of its window
+    {"hang", 1, RunHang},             // CLASS: a window whose thread looks at no messages
     {"send", 4, RunSend},             // CLASS MESSAGE WPARAM LPARAM: the window's result
     {"post", 4, RunPost},             // CLASS MESSAGE WPARAM LPARAM
     {"copy", 3, RunCopy},             // CLASS TAG HEX: the window's result

@@ -22,6 +22,12 @@ UINT SwitchInputMessage() {
   return message;
 }
 
+// A window of this class answers each report with the request for another one, before it is done with the
+// first.
+constexpr wchar_t kAsksAgain[] = L"Asks Again";
+constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
+constexpr WPARAM kNoItems = 2;
+
 void ReportCopiedData(const std::string& name, HWND sender, const COPYDATASTRUCT& data) {
   const std::span bytes(static_cast<const uint8_t*>(data.lpData), data.lpData ? data.cbData : 0);
   Report({"copied", name, std::to_string(data.dwData), Hex(bytes), Utf8(ClassOf(sender))});
@@ -34,7 +40,10 @@ LRESULT CALLBACK WatchedProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     return 0;
   }
   if (message == WM_COPYDATA) {
-    ReportCopiedData(name, reinterpret_cast<HWND>(wParam), *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+    const HWND sender = reinterpret_cast<HWND>(wParam);
+    ReportCopiedData(name, sender, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+    if (ClassOf(window) == kAsksAgain)
+      SendMessageW(sender, kDeviceReportRequest, kNoItems, reinterpret_cast<LPARAM>(window));
     return TRUE;
   }
   if (message == WM_COMMAND) {

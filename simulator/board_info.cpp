@@ -1,0 +1,56 @@
+// What the board's library says about the board, its processor and its memory.
+#include <algorithm>
+
+#include "simulator/board.h"
+#include "simulator/report.h"
+
+namespace {
+
+template <size_t Size>
+void Fill(char (&field)[Size], const std::string& text) {
+  std::fill(std::begin(field), std::end(field), '\0');
+  std::copy_n(text.begin(), std::min(Size, text.size()), field);
+}
+
+int32_t ReportInfo(std::string call, int32_t error) {
+  if (error != 0) call.append(" error ").append(std::to_string(error));
+  simulator::Report("board", call);
+  return error;
+}
+
+}  // namespace
+
+int32_t WINAPI KEApiGetBoardInfo(simulator::BoardRecord* record) {
+  const simulator::Board& board = simulator::TheBoard();
+  if (board.boardInfoError == 0) {
+    Fill(record->texts[0], board.platform.boardName);
+    Fill(record->texts[1], board.platform.manufacturer);
+    Fill(record->texts[2], board.platform.serialNumber);
+    Fill(record->texts[3], board.platform.hardwareVersion);
+    Fill(record->texts[4], board.platform.carrierInfo);
+    Fill(record->texts[5], board.platform.firmwareVersion);
+  }
+  return ReportInfo("board info", board.boardInfoError);
+}
+
+int32_t WINAPI KEApiGetCpuInfo(simulator::CpuRecord* record) {
+  const simulator::Board& board = simulator::TheBoard();
+  if (board.cpuInfoError == 0) {
+    Fill(record->name, board.platform.cpuName);
+    record->counts[0] = board.platform.cpuCount;
+    record->counts[1] = board.platform.coreCount;
+    record->counts[2] = board.platform.threadCount;
+  }
+  return ReportInfo("cpu info", board.cpuInfoError);
+}
+
+int32_t WINAPI KEApiGetMemoryInfo(simulator::MemoryRecord* record) {
+  const simulator::Board& board = simulator::TheBoard();
+  if (board.memoryInfoError == 0) {
+    record->numbers[0] = board.platform.memoryTotal;
+    record->numbers[1] = board.platform.memoryFree;
+    record->numbers[2] = board.platform.memorySpeed;
+    Fill(record->type, board.platform.memoryType);
+  }
+  return ReportInfo("memory info", board.memoryInfoError);
+}

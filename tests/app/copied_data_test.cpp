@@ -1,0 +1,125 @@
+// Answers to programs that are gone, hang, or ask without end: the tool lives on, one request at a time.
+#include "tests/tool_test.h"
+
+namespace veltra {
+namespace {
+
+using simulator::SimulatedTablet;
+using Texts = std::vector<std::string>;
+
+class CopiedData : public ToolTest {
+ protected:
+  CopiedData() {
+    SetUserValue(u"StartupDelay", 0);
+    SetUserValue(u"Sw1CmdVal", -1);
+  }
+  HWND AddAsker() {
+    return machine.AddForeignWindow(u"Asker", [this](const pal::ForeignMessage& message) -> LRESULT {
+      ++answers;
+      lastAnswer = message.payload;
+      return 1;
+    });
+  }
+  LPARAM Named(HWND window) { return reinterpret_cast<LPARAM>(window); }
+  // Time from the press to the click that it becomes.
+  pal::Time PressToClick() {
+    New<pal::MouseInput>();
+    const pal::Time pressed = machine.Now();
+    tablet.Press(simulator::Button::kSwitch1);
+    const size_t before = tablet.Mark();
+    const auto clicked = [&] { return !pal::Select<pal::MouseInput>(tablet.Since(before)).empty(); };
+    EXPECT_TRUE(machine.AdvanceUntil(clicked, 60s));
+    const pal::Time waited = machine.Now() - pressed;
+    Release(simulator::Button::kSwitch1);
+    return waited;
+  }
+  void ExpectOneAtATime() {
+    for (const std::string& violation : tablet.Pic().Violations()) ADD_FAILURE() << violation;
+  }
+
+  size_t answers = 0;
+  std::vector<uint8_t> lastAnswer;
+};
+
+TEST_F(CopiedData, AHungReceiverCostsFiveSecondsOnceAndNoPress) {
+  const HWND asker = AddAsker();
+  Start();
+  machine.SetHung(asker, true);
+  int posted = 0;
+  while (machine.Post(tablet.MainWindow(), SimulatedTablet::kDeviceReportRequest, 0, Named(asker))) ++posted;
+  EXPECT_EQ(posted, 10'000);
+  EXPECT_LE(PressToClick(), 5100ms);
+  EXPECT_EQ(answers, 0U);
+  EXPECT_LE(PressToClick(), 20ms);
+
+  machine.SetHung(asker, false);  // it lives after all
+  EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceReportRequest, 1, Named(asker)), 0);
+  EXPECT_EQ(answers, 1U);
+}
+
+TEST_F(CopiedData, ABusyReceiverIsWaitedFor) {
+  const HWND asker = AddAsker();
+  Start();
+  machine.SetHung(asker, true);
+  machine.After(4900ms, [&] { machine.SetHung(asker, false); });
+  machine.Post(tablet.MainWindow(), SimulatedTablet::kDeviceReportRequest, 2, Named(asker));
+  tablet.Advance(4800ms);
+  EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 13),
+            50);  // what others send is answered meanwhile
+  EXPECT_EQ(answers, 0U);
+  tablet.Advance(200ms);
+  EXPECT_EQ(answers, 1U);
+  EXPECT_EQ(std::string(lastAnswer.begin(), lastAnswer.begin() + 4), std::string("<\0R\0", 4));
+}
+
+TEST_F(CopiedData, AnInfraredAskerThatIsGoneOrHangsLeavesTheQueueMoving) {
+  const HWND gone = AddAsker();
+  const HWND hung = AddAsker();
+  const HWND patient = AddAsker();
+  Start();
+  tablet.Pic().SetReplyDelay(50ms);
+  tablet.SendData(gone, 0, ToBytes("IRSend=1"));
+  tablet.SendData(hung, 1, ToBytes("IRSend=2"));
+  tablet.SendData(HWND_BROADCAST, 0, ToBytes("IRSend=3"));
+  tablet.SendData(patient, 0, ToBytes("IRSend=4"));
+  machine.RemoveForeignWindow(gone);
+  machine.SetHung(hung, true);
+  tablet.Advance(6s);
+  EXPECT_EQ(NewRequests(), (Texts{"IRSend=1", "IRSend=2", "IRSend=3", "IRSend=4"}));
+  EXPECT_EQ(answers, 1U);
+  EXPECT_EQ(lastAnswer, ToBytes(tablet.Pic().infraredReply));
+  ExpectOneAtATime();
+}
+
+// Else the tool's own answer would be a request of its own, and so on without end.
+TEST_F(CopiedData, TheToolDoesNotAnswerItself) {
+  Start();
+  tablet.SendData(tablet.MainWindow(), 0, ToBytes("IRSend=5"));
+  tablet.Ask(SimulatedTablet::kDeviceReportRequest, 2, Named(tablet.MainWindow()));
+  tablet.Advance(1s);
+  EXPECT_EQ(NewRequests(), Texts{"IRSend=5"});
+}
+
+TEST_F(CopiedData, TenThousandRequestsAreServedOneByOneBesideTheSwitches) {
+  constexpr size_t kMany = 10'000;
+  const HWND asker = AddAsker();
+  Start();
+  for (size_t n = 0; n < kMany; ++n)
+    ASSERT_EQ(tablet.SendData(asker, n % 2, ToBytes("IRSend=" + std::to_string(n))), 1);
+  EXPECT_LE(PressToClick(), 20ms);
+  machine.Post(tablet.MainWindow(), WM_COMMAND, 128, 0);
+  tablet.Advance(20ms);
+  ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
+  machine.AnswerMessageBox(IDNO);
+  tablet.Ask(SimulatedTablet::kStatusLedRequest, 2);
+  tablet.Advance(200s);
+  EXPECT_EQ(answers, kMany);
+  const Texts requests = NewRequests();
+  ASSERT_EQ(requests.size(), kMany + 1);
+  EXPECT_EQ(requests[kMany - 1], "IRSend=9999");
+  EXPECT_EQ(requests[kMany], "SetStatusLed=2");
+  ExpectOneAtATime();
+}
+
+}  // namespace
+}  // namespace veltra

@@ -1,0 +1,231 @@
+// toolprobe: asks the device tool that runs on this tablet what it knows, for the technician in front of it.
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/probe_text.h"
+
+namespace {
+
+using veltra::WideText;
+
+constexpr int kAnswered = 0;
+constexpr int kNoTool = 1;
+constexpr int kWrongUsage = 2;
+constexpr int kNoAnswer = 3;
+
+constexpr char kUsage[] =
+    "usage: toolprobe [--xml] [QUESTION...]\n"
+    "\n"
+    "Asks the device tool that runs on this tablet and prints its answers. Questions, all of them when none "
+    "is "
+    "named:\n"
+    "\n"
+    "  battery   where the power comes from, and the battery's capacity\n"
+    "  volume    the speaker volume\n"
+    "  firmware  whether the controller's firmware is version 95 or later\n"
+    "  codec     whether the sound is ready\n"
+    "  report    the device report\n"
+    "\n"
+    "  --xml     print the device report as the document that programs get\n"
+    "  --help    print this\n"
+    "\n"
+    "Exit code: 0 answered, 1 the tool does not run, 2 wrong usage, 3 no answer.\n";
+
+// ---- the tool's window --------------------------------------------------------------------------------------
+
+constexpr const WCHAR* kToolWindow = TEXT("VeltraInternal");
+constexpr UINT kQueryFirmware = WM_APP + 0xDF;
+constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
+constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
+constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
+constexpr WPARAM kPowerSource = 12;
+constexpr WPARAM kCapacity = 13;
+constexpr WPARAM kSpeakerVolume = 20;
+constexpr WPARAM kWholeReport = 0;
+constexpr UINT kPatienceMs = 10000;
+
+struct Probe {
+  HWND tool = nullptr;
+  HWND receiver = nullptr;  // takes the report
+  bool asXml = false;
+};
+
+// Empty, with words on the standard error output, when there is no answer.
+std::optional<LRESULT> Ask(const Probe& probe, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+  DWORD_PTR answer = 0;
+  if (SendMessageTimeoutW(probe.tool, message, wParam, lParam, SMTO_NORMAL, kPatienceMs, &answer))
+    return static_cast<LRESULT>(answer);
+  const DWORD error = GetLastError();
+  std::fprintf(stderr, "toolprobe: no answer from the tool, Windows error %lu%s\n", error,
+               error == ERROR_ACCESS_DENIED ? ": start this program with the rights that the tool has" : "");
+  return std::nullopt;
+}
+
+// ---- the report that comes back -----------------------------------------------------------------------------
+
+HWND expectedSender = nullptr;
+std::optional<WideText> receivedReport;
+
+LRESULT CALLBACK ReceiverProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message != WM_COPYDATA) return DefWindowProcW(window, message, wParam, lParam);
+  const auto& data = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+  if (reinterpret_cast<HWND>(wParam) != expectedSender || data.dwData != 0 || !data.lpData) return FALSE;
+  WideText text(static_cast<const WCHAR*>(data.lpData), data.cbData / sizeof(WCHAR));
+  text.resize(std::min(text.size(), text.find(WCHAR{0})));
+  receivedReport = std::move(text);
+  return TRUE;
+}
+
+HWND MakeReceiver() {
+  WNDCLASSEXW windowClass = {};
+  windowClass.cbSize = sizeof(windowClass);
+  windowClass.lpfnWndProc = ReceiverProc;
+  windowClass.hInstance = GetModuleHandleW(nullptr);
+  windowClass.lpszClassName = TEXT("Veltra Tool Probe");
+  RegisterClassExW(&windowClass);
+  return CreateWindowExW(0, windowClass.lpszClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                         windowClass.hInstance, nullptr);
+}
+
+// ---- the questions ------------------------------------------------------------------------------------------
+
+void PrintLine(const char* what, const std::string& answer) {
+  std::printf("%-16s%s\n", what, answer.c_str());
+}
+
+bool PrintBattery(const Probe& probe) {
+  const std::optional<LRESULT> source = Ask(probe, kDeviceToolRequest, kPowerSource);
+  if (!source) return false;
+  const std::optional<LRESULT> capacity = Ask(probe, kDeviceToolRequest, kCapacity);
+  if (!capacity) return false;
+  PrintLine("power source", probe::FormatPowerSource(*source));
+  PrintLine("capacity", std::to_string(*capacity) + " %");
+  return true;
+}
+
+bool PrintVolume(const Probe& probe) {
+  const std::optional<LRESULT> volume = Ask(probe, kDeviceToolRequest, kSpeakerVolume);
+  if (volume) PrintLine("speaker volume", probe::FormatVolume(*volume));
+  return volume.has_value();
+}
+
+bool PrintFirmware(const Probe& probe) {
+  const std::optional<LRESULT> answer = Ask(probe, kQueryFirmware);
+  if (answer) PrintLine("firmware", *answer == 1 ? "95 or later" : "older than 95, or not known");
+  return answer.has_value();
+}
+
+bool PrintCodec(const Probe& probe) {
+  const std::optional<LRESULT> answer = Ask(probe, kCodecStatusQuery);
+  if (answer) PrintLine("codec", *answer == 1 ? "ready" : "not ready");
+  return answer.has_value();
+}
+
+bool PrintReport(const Probe& probe) {
+  receivedReport.reset();
+  if (!Ask(probe, kDeviceReportRequest, kWholeReport, reinterpret_cast<LPARAM>(probe.receiver))) return false;
+  if (!receivedReport) {
+    std::fputs("toolprobe: the tool sent no report\n", stderr);
+    return false;
+  }
+  const auto items = probe::ReadReport(*receivedReport);
+  if (!items) std::fputs("toolprobe: the report has an unknown form\n", stderr);
+  std::erase(*receivedReport, WCHAR{'\r'});  // the standard output makes its own line ends
+  const bool asDocument = probe.asXml || !items;
+  std::fputs((asDocument ? probe::Utf8(*receivedReport) : probe::FormatReport(*items)).c_str(), stdout);
+  return items.has_value();
+}
+
+struct Question {
+  std::string_view name;
+  bool (*print)(const Probe& probe);  // false when there was no answer
+};
+
+constexpr Question kQuestions[] = {
+    {"battery", PrintBattery}, {"volume", PrintVolume}, {"firmware", PrintFirmware},
+    {"codec", PrintCodec},     {"report", PrintReport},
+};
+
+// ---- the command line ---------------------------------------------------------------------------------------
+
+struct Options {
+  bool help = false;
+  bool xml = false;
+  std::vector<Question> questions;
+};
+
+std::optional<Options> ParseOptions(const std::vector<std::string>& arguments) {
+  Options options;
+  for (const std::string& argument : arguments) {
+    const auto* question = std::ranges::find(kQuestions, argument, &Question::name);
+    if (argument == "--help")
+      options.help = true;
+    else if (argument == "--xml")
+      options.xml = true;
+    else if (question != std::end(kQuestions))
+      options.questions.push_back(*question);
+    else
+      return std::nullopt;
+  }
+  if (options.questions.empty()) options.questions.assign(std::begin(kQuestions), std::end(kQuestions));
+  return options;
+}
+
+int Run(const Options& options) {
+  Probe probe;
+  probe.asXml = options.xml;
+  probe.tool = FindWindowW(kToolWindow, nullptr);
+  if (!probe.tool) {
+    std::fputs("toolprobe: the device tool does not run\n", stderr);
+    return kNoTool;
+  }
+  expectedSender = probe.tool;
+  probe.receiver = MakeReceiver();
+  bool answered = true;
+  for (const Question& question : options.questions) answered = question.print(probe) && answered;
+  DestroyWindow(probe.receiver);
+  return answered ? kAnswered : kNoAnswer;
+}
+
+// The code page of the console while the program prints.
+class Utf8Console {
+ public:
+  Utf8Console() : before_(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
+  ~Utf8Console() {
+    std::fflush(stdout);
+    if (before_ != 0) SetConsoleOutputCP(before_);
+  }
+  Utf8Console(const Utf8Console&) = delete;
+  Utf8Console& operator=(const Utf8Console&) = delete;
+
+ private:
+  UINT before_;  // 0: there is no console
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const std::optional<Options> options = ParseOptions({argv + 1, argv + argc});
+    if (!options) {
+      std::fputs(kUsage, stderr);
+      return kWrongUsage;
+    }
+    if (options->help) {
+      std::fputs(kUsage, stdout);
+      return kAnswered;
+    }
+    const Utf8Console console;
+    return Run(*options);
+  } catch (const std::exception& failure) {  // out of memory
+    std::fprintf(stderr, "toolprobe: %s\n", failure.what());
+    return kNoAnswer;
+  }
+}
