@@ -94,6 +94,13 @@ HANDLE WINAPI FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW found);
 BOOL WINAPI FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW found);
 BOOL WINAPI FindClose(HANDLE search);
 
+// ---- private-profile files ----------------------------------------------------------------------------------
+
+DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText, LPWSTR result,
+                                      DWORD size, LPCWSTR fileName);
+UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultNumber, LPCWSTR fileName);
+BOOL WINAPI WritePrivateProfileSectionW(LPCWSTR section, LPCWSTR lines, LPCWSTR fileName);
+
 // ---- serial ports -------------------------------------------------------------------------------------------
 
 struct DCB {

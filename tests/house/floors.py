@@ -19,7 +19,7 @@ FLOORS = [
     (1, r"app/command_line|link/frame|firmware/(hex_file|flash_image)|board/(codec_parameters|codec_download|gain_tables)"
         r"|power/alarm_decision"),
     (2, r"app/(folders|diagnostic_log|windows_version|tray_state)|link/(link_state|device_identity|serial_input)"
-        r"|switches/(switch_state|joystick_library|mouse_filter_library|maker_applications)|board/(board_library|audio_settings)"
+        r"|switches/(switch_state|button_action|joystick_library|macro_library|mouse_filter_library|maker_applications)|board/(board_library|audio_settings)"
         r"|power/(battery_status|battery_details)\.h"),
     (3, r"app/app_state"),
     (5, r"app/main_window|link/pic_(messages|receiver)"),
