@@ -46,11 +46,19 @@ add_library(veltra_tool STATIC
   power/flight_mode_notice.cpp
   power/outside_tools.cpp
   power/power_off.cpp
+  switches/actions.cpp
+  switches/button_profile.cpp
+  switches/function_tables.cpp
   switches/injected_input.cpp
   switches/joystick.cpp
   switches/joystick_library.cpp
+  switches/macro_library.cpp
+  switches/macro_plugin.cpp
+  switches/maker_applications.cpp
   switches/mouse_filter.cpp
   switches/mouse_filter_library.cpp
+  switches/profile_encoding.cpp
+  switches/start_program.cpp
   switches/switch_events.cpp
   switches/switch_outputs.cpp
 )

@@ -5,8 +5,11 @@
 
 namespace veltra {
 
-// Opens the path through the shell, in the folder that the path names. On a 64-bit Windows the 32-bit tool
-// sees the real system folder meanwhile.
+// Whether this is a 32-bit program on a 64-bit Windows.
+bool IsWow64();
+
+// Opens the path through the shell, in the folder that the path names. A 32-bit tool on a 64-bit Windows
+// means the real system folder, as the user does.
 void StartProgram(const WideText& path);
 
 }  // namespace veltra

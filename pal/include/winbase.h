@@ -255,6 +255,9 @@ EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags);
 #define LOAD_LIBRARY_SEARCH_SYSTEM32 0x00000800u
 #define LOAD_LIBRARY_SEARCH_DEFAULT_DIRS 0x00001000u
 
+// The two that a program looks up by name, because old versions of Windows lack them.
+BOOL WINAPI IsWow64Process(HANDLE process, PBOOL isWow64);
+BOOLEAN WINAPI Wow64EnableWow64FsRedirection(BOOLEAN enable);
 HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size);
 HMODULE WINAPI LoadLibraryW(LPCWSTR name);
