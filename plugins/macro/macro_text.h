@@ -4,6 +4,8 @@
 //   {Ctrl+A}{Ctrl+Shift+Left 3}   chords; a number repeats
 //   {Pause 500}             waits half a second
 //   {{ }}                   a brace itself
+//   { } {"}                 a character that is no letter or digit, where it would be lost or mean something
+//   else
 #pragma once
 
 #include <cstddef>
