@@ -81,7 +81,7 @@ class Parser {
     const size_t end = text_.find('}', begin);
     if (end == text_.npos) return Refuse(Mistake::kNotClosed, at_, text_.size() - at_);
     const WideView inside = text_.substr(begin, end - begin);
-    if (inside.size() == 1 && !NamesItself(inside[0])) return TypeCharacter(inside[0], 3);
+    if (inside.size() == 1 && inside[0] >= ' ' && !NamesItself(inside[0])) return TypeCharacter(inside[0], 3);
     const size_t blank = std::min(text_.find(' ', begin), end);
     const bool hasNumber = blank < end;
     const WideView name = text_.substr(begin, blank - begin);

@@ -16,7 +16,7 @@ class Profiles : public testing::Test {
   void SetUp() override {
     WCHAR folder[MAX_PATH] = {};
     const DWORD length = GetTempPathW(MAX_PATH, folder);
-    path_ = Text(folder, length) + TEXT("veltra contract.ini");
+    path_ = Text(folder, length).append(TEXT("veltra contract.ini"));
     DeleteFileW(path_.c_str());
   }
   void TearDown() override { DeleteFileW(path_.c_str()); }
@@ -108,7 +108,7 @@ TEST_F(Profiles, SectionsAreFoundByTheirHeading) {
 }
 
 TEST_F(Profiles, AValueIsCutToTheBuffer) {
-  Store("[s]\r\nk=" + std::string(1100, 'b') + "\r\n");
+  Store(std::string("[s]\r\nk=").append(1100, 'b').append("\r\n"));
   EXPECT_EQ(Read(TEXT("s"), TEXT("k"), 1023), Text(1022, TEXT('b')));
   EXPECT_EQ(Read(TEXT("s"), TEXT("k"), 1), TEXT(""));
   EXPECT_EQ(Read(TEXT("s"), TEXT("k")), Text(1100, TEXT('b')));
@@ -181,7 +181,7 @@ TEST_F(Profiles, ReplacingASectionLeavesTheOthers) {
 
 TEST_F(Profiles, ALongLineIsWrittenWhole) {
   const Text value(3000, TEXT('v'));
-  EXPECT_TRUE(Replace(TEXT("s"), TEXT("k=") + value + Text(2, TEXT('\0'))));
+  EXPECT_TRUE(Replace(TEXT("s"), Text(TEXT("k=")).append(value).append(2, TEXT('\0'))));
   EXPECT_EQ(Read(TEXT("s"), TEXT("k"), 4000), value);
 }
 

@@ -72,6 +72,7 @@ TEST(MacroText, AMistakeIsFoundInItsPlaceAndNothingIsDone) {
       {"x{Entre}", Mistake::kUnknownKey, "Entre"},
       {"{Ctrl+}", Mistake::kUnknownKey, ""},
       {"{}", Mistake::kUnknownKey, ""},
+      {"{\n}", Mistake::kUnknownKey, "\n"},
       {"{Ctrl+Foo+A}", Mistake::kUnknownKey, "Foo"},
       {"{A+Ctrl}", Mistake::kNotAModifier, "A"},
       {"{Left 0}", Mistake::kBadNumber, "0"},
