@@ -127,19 +127,23 @@ TEST_F(ButtonActions, AnEmptyPathPlaysAndStartsNothing) {
 
 TEST_F(ButtonActions, AProgramStartsInItsFolder) {
   SetAction(2, 3, -1, "C:\\Tools\\Speech\\talk.exe");
-  EXPECT_EQ(DoAction(3, -1, "notepad.exe"),
-            (Texts{"sound stopped", "shell opens notepad.exe in \"\", which is missing"}));
-  machine.WriteFile(u"C:\\Tools\\Speech\\talk.exe", "");
-  EXPECT_EQ(ShortPress(Button::kBottom),
-            (Texts{"sound stopped", "shell opens C:\\Tools\\Speech\\talk.exe in \"C:\\Tools\\Speech\""}));
+  EXPECT_EQ(DoAction(3, -1, "notepad.exe"), (Texts{"sound stopped", "run notepad.exe"}));
+  EXPECT_EQ(ShortPress(Button::kBottom), (Texts{"sound stopped", "run talk.exe"}));
+  const auto executed = pal::Select<pal::ProgramExecuted>(tablet.Since(0));
+  ASSERT_EQ(executed.size(), 2U);
+  EXPECT_EQ(executed[0].file, u"notepad.exe");
+  EXPECT_EQ(executed[0].directory, u"");
+  EXPECT_EQ(executed[0].show, SW_SHOWNORMAL);
+  EXPECT_EQ(executed[1].file, u"C:\\Tools\\Speech\\talk.exe");
+  EXPECT_EQ(executed[1].directory, u"C:\\Tools\\Speech");
+  EXPECT_EQ(executed[1].verb, u"");
+  EXPECT_EQ(executed[1].parameters, u"");
 }
 
 TEST_F(ButtonActions, A32BitToolOn64BitsStartsProgramsWithTheRealSystemDirectory) {
   machine.SetWow64(true);
-  machine.WriteFile(u"C:\\a.exe", "");
   EXPECT_EQ(DoAction(3, -1, "C:\\a.exe"),
-            (Texts{"sound stopped", "system directory real", "shell opens C:\\a.exe in \"C:\"",
-                   "system directory redirected"}));
+            (Texts{"sound stopped", "system directory real", "run a.exe", "system directory redirected"}));
   machine.Fail("Wow64EnableWow64FsRedirection", 1, ERROR_INVALID_FUNCTION);
   EXPECT_EQ(ShortPress(), Texts{"sound stopped"});
 }
