@@ -1,5 +1,6 @@
 # The tool, room by room. Pure cores call nothing of Windows: they are what is fuzzed and benchmarked.
 add_library(veltra_cores STATIC
+  base/profile_section.cpp
   base/text.cpp
   app/command_line.cpp
   board/codec_download.cpp

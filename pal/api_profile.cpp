@@ -71,6 +71,23 @@ UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultNumbe
   return value && !value->empty() ? ProfileNumber(*value) : static_cast<UINT>(defaultNumber);
 }
 
+// What does not fit is cut, and the result then ends in two terminators.
+DWORD WINAPI GetPrivateProfileSectionW(LPCWSTR section, LPWSTR lines, DWORD size, LPCWSTR fileName) {
+  const Call call("GetPrivateProfileSectionW");
+  if (!section || size < 2) Die("GetPrivateProfileSectionW without a section or room");
+  std::u16string result;
+  const std::optional<ProfileText> profile = call.Fails() ? std::nullopt : Read(call, Locate(call, fileName));
+  if (profile)
+    for (const std::u16string& line : ProfileSectionLines(profile->text, section))
+      (result += line).push_back(0);
+  const bool fits = result.size() < size;
+  if (!fits) result.resize(size - 2);
+  std::ranges::copy(result, lines);
+  lines[result.size()] = 0;
+  if (!fits) lines[size - 1] = 0;
+  return static_cast<DWORD>(result.size());
+}
+
 BOOL WINAPI WritePrivateProfileSectionW(LPCWSTR section, LPCWSTR lines, LPCWSTR fileName) {
   const Call call("WritePrivateProfileSectionW");
   if (!section || !lines) Die("WritePrivateProfileSectionW: removing a section is not known");

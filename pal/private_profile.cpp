@@ -123,14 +123,22 @@ std::string EncodeProfile(const ProfileText& profile) {
   return bytes;
 }
 
-std::optional<std::u16string> FindProfileValue(View text, View section, View key) {
-  const std::optional<Section> found = FindSection(text, section);
-  if (!found) return std::nullopt;
-  for (size_t at = found->begin; at < found->end;) {
-    const View line = FirstLine(text.substr(at, found->end - at));
+std::vector<std::u16string> ProfileSectionLines(View text, View section) {
+  std::vector<std::u16string> lines;
+  const Section found = FindSection(text, section).value_or(Section());
+  for (size_t at = found.begin; at < found.end;) {
+    const View line = FirstLine(text.substr(at, found.end - at));
     at += line.size();
+    const View trimmed = Trim(line);
+    if (trimmed.find(u'=') != trimmed.npos && !trimmed.starts_with(u';')) lines.emplace_back(trimmed);
+  }
+  return lines;
+}
+
+std::optional<std::u16string> FindProfileValue(View text, View section, View key) {
+  const std::vector<std::u16string> lines = ProfileSectionLines(text, section);
+  for (const View line : lines) {
     const size_t equals = line.find(u'=');
-    if (equals == line.npos || Trim(line).starts_with(u';')) continue;
     if (EqualFolded(Trim(line.substr(0, equals)), Trim(key)))
       return std::u16string(WithoutQuotes(Trim(line.substr(equals + 1))));
   }

@@ -24,6 +24,10 @@ std::string EncodeProfile(const ProfileText& profile);
 std::optional<std::u16string> FindProfileValue(std::u16string_view text, std::u16string_view section,
                                                std::u16string_view key);
 
+// The lines of the first section of that name that have an equals sign and are no comments, without blanks
+// around them.
+std::vector<std::u16string> ProfileSectionLines(std::u16string_view text, std::u16string_view section);
+
 // A number as Windows reads one: decimal, 0x, 0o, 0b, with a sign; what follows the digits is ignored and
 // what is too large loses its upper bits.
 uint32_t ProfileNumber(std::u16string_view value);

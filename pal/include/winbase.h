@@ -99,6 +99,7 @@ BOOL WINAPI FindClose(HANDLE search);
 DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText, LPWSTR result,
                                       DWORD size, LPCWSTR fileName);
 UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultNumber, LPCWSTR fileName);
+DWORD WINAPI GetPrivateProfileSectionW(LPCWSTR section, LPWSTR lines, DWORD size, LPCWSTR fileName);
 BOOL WINAPI WritePrivateProfileSectionW(LPCWSTR section, LPCWSTR lines, LPCWSTR fileName);
 
 // ---- serial ports -------------------------------------------------------------------------------------------

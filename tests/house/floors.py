@@ -12,7 +12,7 @@ ROOT = Path(__file__).resolve().parents[2]
 ROOMS = ("base", "app", "link", "switches", "firmware", "board", "power", "report", "resources")
 
 # Floor of each file, by the first pattern that fits (a file and its header stand together).
-PURE = re.compile(r"(base/text|app/command_line|link/frame|firmware/(hex_file|flash_image)|board/(codec_parameters|codec_download|gain_tables)"
+PURE = re.compile(r"(base/(text|profile_section)|app/command_line|link/frame|firmware/(hex_file|flash_image)|board/(codec_parameters|codec_download|gain_tables)"
                   r"|power/alarm_decision)\.")
 FLOORS = [
     (0, r"base/.*|resources/.*"),

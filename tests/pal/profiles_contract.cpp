@@ -9,6 +9,7 @@
 
 namespace {
 
+using contract::WineDeviates;
 using Text = std::basic_string<WCHAR>;
 
 class Profiles : public testing::Test {
@@ -133,6 +134,27 @@ TEST_F(Profiles, Numbers) {
     EXPECT_EQ(Number(TEXT("k")), row.number) << row.text;
   }
   EXPECT_EQ(Number(TEXT("missing"), -1), 0xFFFFFFFFU);
+}
+
+TEST_F(Profiles, ASectionIsReadWhole) {
+  Store("[t]\r\nx=1\r\n[s]\r\na=1\r\n;no=2\r\n\r\nb=\"two\"\r\n[u]\r\ny=1\r\n");
+  WCHAR lines[100];
+  const auto read = [&](const WCHAR* section, DWORD size) {
+    const DWORD length = GetPrivateProfileSectionW(section, lines, size, path_.c_str());
+    return Text(lines, length);
+  };
+  const Text whole(TEXT("a=1\0b=\"two\"\0"), 12);
+  const Text found = read(TEXT("S"), 100);
+  // Windows leaves comments out.
+  if (!WineDeviates("it gives comments too")) EXPECT_EQ(found, whole);
+  EXPECT_TRUE(found.starts_with(Text(TEXT("a=1\0"), 4)));
+  EXPECT_TRUE(found.ends_with(Text(TEXT("b=\"two\"\0"), 8)));
+  EXPECT_EQ(lines[found.size()], 0);
+  EXPECT_EQ(read(TEXT("missing"), 100), Text());
+  Store(std::string("[s]\r\nlong=").append(200, 'v').append("\r\n"));
+  EXPECT_EQ(read(TEXT("s"), 100).size(), 98U);
+  Store("[s]\r\nk=1\r\n");
+  EXPECT_EQ(read(TEXT("s"), 6).size(), 4U);
 }
 
 TEST_F(Profiles, WithoutTheFileTheDefaultCounts) {
