@@ -94,6 +94,9 @@ void Open(HWND dialog, const Editor& editor) {
   SetWindowLongPtrW(dialog, DWLP_USER, reinterpret_cast<LONG_PTR>(&editor));
   SendDlgItemMessageW(dialog, IDC_MACRO, EM_LIMITTEXT, kLongestMacro, 0);
   SetDlgItemTextW(dialog, IDC_MACRO, editor.text.c_str());
+  SendDlgItemMessageW(dialog, IDC_MACRO, EM_SETSEL, editor.text.size(),
+                      static_cast<LPARAM>(editor.text.size()));
+  SetFocus(GetDlgItem(dialog, IDC_MACRO));
   FillKeys(GetDlgItem(dialog, IDC_KEYS), LoadText(editor.instance, IDS_DUTCH_KEY_NAMES) == TEXT("1"));
 }
 
@@ -108,7 +111,7 @@ void OnCommand(HWND dialog, WORD control, WORD notification) {
 INT_PTR CALLBACK EditorProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_INITDIALOG) {
     Open(dialog, *reinterpret_cast<const Editor*>(lParam));
-    return TRUE;
+    return FALSE;  // the keyboard is where it shall be
   }
   if (message != WM_COMMAND) return FALSE;
   OnCommand(dialog, LOWORD(wParam), HIWORD(wParam));

@@ -86,7 +86,7 @@ TEST_F(ActionTest, TheMacroEditorRefusesAMistakeAndShowsItsPlace) {
   WaitUntil("the editor is open", [] { return Observer().SeesDialog("Macro"); });
   Observer().Press("Macro", "Invoegen");
   Observer().Press("Macro", "OK");
-  Observer().Expect("composed {Enter}  x{Links}\"");
+  Observer().Expect("composed { } x{Links}\"{Enter}");
 }
 
 }  // namespace
