@@ -146,7 +146,9 @@ TEST_F(Profiles, ASectionIsReadWhole) {
   const Text whole(TEXT("a=1\0b=\"two\"\0"), 12);
   const Text found = read(TEXT("S"), 100);
   // Windows leaves comments out.
-  if (!WineDeviates("it gives comments too")) EXPECT_EQ(found, whole);
+  if (!WineDeviates("it gives comments too")) {
+    EXPECT_EQ(found, whole);
+  }
   EXPECT_TRUE(found.starts_with(Text(TEXT("a=1\0"), 4)));
   EXPECT_TRUE(found.ends_with(Text(TEXT("b=\"two\"\0"), 8)));
   EXPECT_EQ(lines[found.size()], 0);
