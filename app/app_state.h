@@ -17,7 +17,9 @@
 #include "link/serial_input.h"
 #include "power/alarm_decision.h"
 #include "power/battery_status.h"
+#include "switches/button_action.h"
 #include "switches/joystick_library.h"
+#include "switches/macro_library.h"
 #include "switches/mouse_filter_library.h"
 #include "switches/switch_state.h"
 
@@ -86,6 +88,10 @@ struct AppState {
   bool fn2Held = false;
   HeldOutputs heldOutputs;
   SwitchIndicator switchIndicator;
+
+  // Side buttons.
+  ButtonActions buttonActions;                 // what a press of each does
+  std::shared_ptr<const MacroLibrary> macros;  // null without a plug-in; who is at work in it holds it too
 
   bool suspended = false;  // from the suspend notification until the resume has been handled
 

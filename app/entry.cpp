@@ -14,7 +14,9 @@
 #include "base/handles.h"
 #include "power/outside_tools.h"
 #include "resources/resource_ids.h"
+#include "switches/button_profile.h"
 #include "switches/joystick.h"
+#include "switches/macro_plugin.h"
 #include "switches/switch_outputs.h"
 
 namespace veltra {
@@ -91,6 +93,8 @@ int RunTool(HINSTANCE instance) {
   CreateMainWindow();
   LoadSettings();
   AddTrayIcons(GetAppState().hMainWnd);
+  LoadProfile(CurrentProfilePath());
+  LoadMacroLibrary();
   WaitBeforeStart();
   RunStartupSequence(false);
   const int exitCode = RunMessageLoop();

@@ -27,6 +27,7 @@
 #include "power/flight_mode_notice.h"
 #include "report/device_report.h"
 #include "resources/resource_ids.h"
+#include "switches/macro_plugin.h"
 #include "switches/switch_events.h"
 
 namespace veltra {
@@ -142,7 +143,10 @@ void ShowBatteryDetails(HWND window) {
 
 void ChooseLanguage(size_t index) {
   const auto& languages = GetAppState().Languages;
-  if (index < languages.size()) SetLanguage(languages[index].id);
+  if (index >= languages.size()) return;
+  SetLanguage(languages[index].id);
+  UnloadMacroLibrary();
+  LoadMacroLibrary();
 }
 
 Result OnCommand(const WindowMessage& m) {

@@ -13,6 +13,7 @@
 #include "power/battery_details.h"
 #include "power/device_operations.h"
 #include "power/flight_mode_notice.h"
+#include "switches/macro_plugin.h"
 #include "switches/switch_outputs.h"
 
 namespace veltra {
@@ -104,6 +105,7 @@ void RunStartupSequence(bool resume) {
 // and the end of a session must not wait for that.
 void RunShutdownSequence() {
   ReleaseHeldSwitches();
+  UnloadMacroLibrary();
   CodecPowerDown();
   const BoardLibrary board = std::move(GetAppState().board);
   DestroyAppState();

@@ -16,14 +16,15 @@ std::optional<std::string> ConvertToAnsi(WideView text) {
   return ansi;
 }
 
-WideText ConvertFromAnsi(std::string_view text) {
-  if (text.empty()) return {};
+std::optional<WideText> ConvertFromAnsi(std::string_view text) {
+  if (text.empty()) return WideText();
   const int length = static_cast<int>(text.size());
   const int needed = MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, nullptr, 0);
-  if (needed <= 0) return {};
-  WideText wide(static_cast<size_t>(needed), 0);
-  const int converted = MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, wide.data(), needed);
-  return converted == needed ? wide : WideText();
+  if (needed <= 0) return std::nullopt;
+  WideText wide(static_cast<size_t>(needed), WideChar{});
+  if (MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, wide.data(), needed) != needed)
+    return std::nullopt;
+  return wide;
 }
 
 }  // namespace veltra

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/text.h"
 
@@ -11,8 +12,7 @@ namespace veltra {
 // Empty when Windows cannot convert the text. Characters that the code page lacks become its default
 // character.
 std::optional<std::string> ConvertToAnsi(WideView text);
-
-// Empty when Windows cannot convert the text.
-WideText ConvertFromAnsi(std::string_view text);
+// And back.
+std::optional<WideText> ConvertFromAnsi(std::string_view text);
 
 }  // namespace veltra

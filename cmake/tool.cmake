@@ -1,5 +1,6 @@
 # The tool, room by room. Pure cores call nothing of Windows: they are what is fuzzed and benchmarked.
 add_library(veltra_cores STATIC
+  base/profile_section.cpp
   base/text.cpp
   app/command_line.cpp
   board/codec_download.cpp
@@ -50,11 +51,19 @@ add_library(veltra_tool STATIC
   power/outside_tools.cpp
   power/power_off.cpp
   report/device_report.cpp
+  switches/actions.cpp
+  switches/button_profile.cpp
+  switches/function_tables.cpp
   switches/injected_input.cpp
   switches/joystick.cpp
   switches/joystick_library.cpp
+  switches/macro_library.cpp
+  switches/macro_plugin.cpp
+  switches/maker_applications.cpp
   switches/mouse_filter.cpp
   switches/mouse_filter_library.cpp
+  switches/profile_encoding.cpp
+  switches/start_program.cpp
   switches/switch_events.cpp
   switches/switch_outputs.cpp
 )

@@ -28,7 +28,11 @@ Machine::Export MakeExport(const char* name, Function* function) {
 
 // The kernel's exports that programs look up by name.
 std::span<const Machine::Export> KernelExports() {
-  static const Machine::Export exports[] = {MakeExport("SetThreadUILanguage", SetThreadUILanguage)};
+  static const Machine::Export exports[] = {
+      MakeExport("IsWow64Process", IsWow64Process),
+      MakeExport("SetThreadUILanguage", SetThreadUILanguage),
+      MakeExport("Wow64EnableWow64FsRedirection", Wow64EnableWow64FsRedirection),
+  };
   return exports;
 }
 

@@ -21,6 +21,7 @@ struct DataState {
   Modules modules;
   WindowsVersion windowsVersion;
   bool hasCommonDocuments = true;
+  bool isWow64 = false;  // the program is a 32-bit one, Windows is not
 };
 
 }  // namespace pal

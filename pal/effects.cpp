@@ -191,6 +191,9 @@ struct Words {
     return (e.verb.empty() ? "run " : OneLine(e.verb) + " ") + FileName(e.file) +
            (e.parameters.empty() ? "" : " " + OneLine(e.parameters));
   }
+  std::string operator()(const RedirectionSet& e) const {
+    return std::string("system directory ") + (e.isOn ? "redirected" : "real");
+  }
   std::string operator()(const ProgramStarted& e) const {
     return "program starts: " + OneLine(e.commandLine);
   }

@@ -87,6 +87,8 @@ struct ProgramExecuted {
   std::u16string directory;
   int show = 0;
 };
+// Whether a 32-bit program on a 64-bit Windows sees its own system directory in place of the real one.
+struct RedirectionSet { bool isOn = true; };
 struct ProgramStarted { std::u16string commandLine; };
 struct ProgramEnded { int exitCode = 0; };
 // clang-format on
@@ -122,6 +124,7 @@ using EffectDetail = std::variant<
     PlaybackMute,
     ForegroundSet,
     ProgramExecuted,
+    RedirectionSet,
     ProgramStarted,
     ProgramEnded>;
 // clang-format on

@@ -202,6 +202,9 @@ Object Fields(const ProgramExecuted& e) {
       .With("directory", e.directory)
       .With("show", e.show);
 }
+Object Fields(const RedirectionSet& e) {
+  return Object("redirection").With("on", e.isOn ? 1 : 0);
+}
 Object Fields(const ProgramStarted& e) {
   return Object("program started").With("command_line", e.commandLine);
 }

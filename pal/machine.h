@@ -191,6 +191,8 @@ class Machine {
   [[nodiscard]] HWND ForegroundWindow() const;  // as SetForegroundWindow left it, null at first
   // Windows version as the version test reports it; default 6.1 with service pack 1.
   void SetWindowsVersion(WORD major, WORD minor, WORD servicePack);
+  // True: the program is a 32-bit one on a 64-bit Windows.
+  void SetWow64(bool wow64);
 
   // ---- notification area --------------------------------------------------------------------------------
   // Without a shell there is no taskbar: Shell_NotifyIconW fails. A shell that comes up knows no icon and

@@ -154,4 +154,9 @@ void Machine::SetWindowsVersion(WORD major, WORD minor, WORD servicePack) {
   state_->data->windowsVersion = {major, minor, servicePack};
 }
 
+void Machine::SetWow64(bool wow64) {
+  const MachineLock lock(state_->mutex);
+  state_->data->isWow64 = wow64;
+}
+
 }  // namespace pal

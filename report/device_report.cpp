@@ -19,7 +19,7 @@ WideText IdentityText(const DeviceIdentity& identity) {
 }
 
 WideText FirmwareText(const DeviceIdentity& identity) {
-  return ConvertFromAnsi(identity.firmwareVersionText);
+  return ConvertFromAnsi(identity.firmwareVersionText).value_or(WideText());
 }
 
 struct HardwareItem {
@@ -41,7 +41,7 @@ constexpr HardwareItem kHardwareItems[] = {
 
 template <auto Record, auto Field>
 WideText PlatformText(const PlatformInfo& platform) {
-  return ConvertFromAnsi(TextOfField((platform.*Record).*Field));
+  return ConvertFromAnsi(TextOfField((platform.*Record).*Field)).value_or(WideText());
 }
 
 template <auto Record, auto Field>

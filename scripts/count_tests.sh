@@ -100,7 +100,7 @@ run_fuzzers() {
 
 run_windows_tests() {
   local log
-  for program in build/windows-x64/bin/pal_contract_test.exe; do
+  for program in build/windows-x64/bin/{pal,profile}_contract_test.exe; do
     log=$(log_of "$(basename "$program")")
     VELTRA_NATIVE_BIN=build/native-asan/bin tests/windows/run_exe.sh "$program" >"$log" 2>&1
     count_gtest "$(basename "$program")" "$log" $?

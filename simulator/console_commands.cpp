@@ -174,6 +174,38 @@ Problem RunBoard(Console& console, Words words) {
   return {};
 }
 
+Problem RunMacroPlugin(Console& console, Words words) {
+  struct Row {
+    std::string_view language;
+    Library library;
+  };
+  constexpr Row kPlugins[] = {{"english", Library::kEnglishMacros}, {"dutch", Library::kDutchMacros}};
+  const auto* row = std::ranges::find(kPlugins, Argument(words, 1), &Row::language);
+  if (row == std::end(kPlugins) || words.size() != 3 || words[2] != "absent")
+    return ExpectedArguments("english|dutch absent");
+  console.Tablet().TheDesk().Remove(row->library);
+  return {};
+}
+
+// The tool reads its profile at the start.
+Problem RunAction(Console& console, Words words) {
+  constexpr std::string_view kButtonOrder[] = {"fn1-short", "fn2-short", "fn1-long", "fn2-long"};
+  const auto* button = std::ranges::find(kButtonOrder, Argument(words, 1));
+  const std::optional<int64_t> type = words.size() >= 4 ? ParseNumber(words[2]) : std::nullopt;
+  if (button == std::end(kButtonOrder) || !type)
+    return ExpectedArguments("fn1-short|fn2-short|fn1-long|fn2-long TYPE NUMBER|TEXT");
+  const std::string parameter = JoinWords(words.subspan(3));
+  const std::string number = std::to_string(ParseNumber(parameter).value_or(-1));
+  const std::string text = ParseNumber(parameter) ? std::string() : parameter;
+  pal::Machine& machine = console.Tablet().Machine();
+  std::string profile = machine.ReadFile(SimulatedTablet::kProfileFile).value_or("");
+  profile.append("[Button").append(std::to_string(button - kButtonOrder + 1)).append("]\r\nBtCmd=");
+  profile.append(std::to_string(*type)).append("\r\nBtCmdVal=").append(number);
+  profile.append("\r\nBtCmdText=").append(text).append("\r\n");
+  machine.WriteFile(SimulatedTablet::kProfileFile, profile);
+  return {};
+}
+
 Problem RunOtherCopy(Console& console, Words) {
   console.Tablet().Machine().AddForeignMutex(SimulatedTablet::kMainWindowClass);
   console.Tablet().TheDesk().Open(Ascii(SimulatedTablet::kMainWindowClass));
@@ -349,6 +381,10 @@ constexpr ConsoleCommand kCommands[] = {
      RunMouseFilter},
     {"board", "absent|start-error CODE|...", "the board's library; also stop-error CODE, info-error CODE",
      true, RunBoard},
+    {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", true,
+     RunMacroPlugin},
+    {"action", "BUTTON TYPE NUMBER|TEXT",
+     "what fn1-short, fn2-short, fn1-long or fn2-long does after the next start", true, RunAction},
     {"other-copy", "", "another copy of the tool runs already", true, RunOtherCopy},
     {"port", "remove|arrive [NAME]|...",
      "the controller's port goes or comes; vanish, return: without a word", true, RunPort},

@@ -1,10 +1,14 @@
 #include "simulator/desk.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <vector>
 
 #include "simulator/board.h"
 #include "simulator/joystick.h"
+#include "simulator/macro_plugin.h"
 #include "simulator/mouse_filter.h"
 #include "simulator/report.h"
 #include "simulator/words.h"
@@ -23,6 +27,11 @@ struct LibraryRow {
   std::vector<pal::Machine::Export> exports;
 };
 
+std::vector<pal::Machine::Export> MacroExports() {
+  return {MakeExport("RunMacro", RunMacro), MakeExport("ComposeMacro", ComposeMacro),
+          MakeExport("FreeMacroDll", FreeMacroDll)};
+}
+
 const std::vector<LibraryRow>& Libraries() {
   static const std::vector<LibraryRow> libraries = {
       {Library::kJoystick,
@@ -38,6 +47,8 @@ const std::vector<LibraryRow>& Libraries() {
         MakeExport("KEApiLibUnInitialize", KEApiLibUnInitialize), MakeExport("KEApiI2cXfer", KEApiI2cXfer),
         MakeExport("KEApiGetBoardInfo", KEApiGetBoardInfo), MakeExport("KEApiGetCpuInfo", KEApiGetCpuInfo),
         MakeExport("KEApiGetMemoryInfo", KEApiGetMemoryInfo)}},
+      {Library::kEnglishMacros, u"macm_English.dll", MacroExports()},
+      {Library::kDutchMacros, u"macm_Nederlands.dll", MacroExports()},
   };
   return libraries;
 }
@@ -46,6 +57,15 @@ const LibraryRow& Row(Library library) {
   for (const LibraryRow& row : Libraries())
     if (row.library == library) return row;
   std::abort();
+}
+
+// The tables that are delivered with the program.
+void InstallTables(pal::Machine& machine) {
+  for (const std::filesystem::directory_entry& table : std::filesystem::directory_iterator(VELTRA_TABLES)) {
+    std::ifstream file(table.path(), std::ios::binary);
+    machine.WriteFile(std::u16string(pal::Machine::kProgramDirectory) + table.path().filename().u16string(),
+                      std::string(std::istreambuf_iterator<char>(file), {}));
+  }
 }
 
 }  // namespace
@@ -57,7 +77,9 @@ void Report(const char* device, const std::string& call) {
 Desk::Desk(pal::Machine& machine) : machine_(machine) {
   TheJoystick() = {};
   TheBoard() = {};
+  TheMacroEditor() = {};
   for (const LibraryRow& row : Libraries()) Install(row.library);
+  InstallTables(machine);
 }
 
 void Desk::Install(Library library) {

@@ -10,7 +10,7 @@
 namespace simulator {
 
 // The libraries that the tool looks for.
-enum class Library { kJoystick, kMouseFilter, kBoard };
+enum class Library { kJoystick, kMouseFilter, kBoard, kEnglishMacros, kDutchMacros };
 
 // Window classes of the maker's applications.
 inline constexpr std::string_view kApplications[] = {"Talk Builder", "Lexora", "Talk Builder 4 Class",
@@ -18,7 +18,7 @@ inline constexpr std::string_view kApplications[] = {"Talk Builder", "Lexora", "
 
 class Desk {
  public:
-  // Puts all libraries into the program's directory, their devices as new.
+  // Puts all libraries into the program's directory, their devices as new, and the function tables.
   explicit Desk(pal::Machine& machine);
   Desk(const Desk&) = delete;
   Desk& operator=(const Desk&) = delete;

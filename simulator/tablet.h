@@ -20,6 +20,8 @@ class SimulatedTablet {
   static constexpr std::u16string_view kMainWindowClass = u"VeltraInternal";
   static constexpr std::u16string_view kUserKey = u"SOFTWARE\\Veltra\\Sarvik5";
   static constexpr std::u16string_view kLogFile = u"C:\\Users\\Public\\Documents\\Sarvik5\\DevLog.txt";
+  static constexpr std::u16string_view kProfileFile =
+      u"C:\\Users\\Public\\Documents\\Sarvik5\\curprofile.bpf";
   // Messages that the maker's applications know.
   static constexpr UINT kQueryFirmware = WM_APP + 0xDF;
   static constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;

@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "app/app_state.h"
+#include "switches/actions.h"
+#include "switches/button_action.h"
 #include "switches/injected_input.h"
 #include "switches/maker_applications.h"
 #include "switches/mouse_filter.h"
@@ -26,8 +28,15 @@ void MiddleLongPress() {
   InjectKey(VK_ESCAPE, false);
 }
 
-void TopOrBottomLongPress() {
+template <ButtonIndex index>
+void ShortAction() {
+  ExecuteButtonAction(index);
+}
+
+template <ButtonIndex index>
+void LongAction() {
   MessageBeep(MB_OK);
+  ExecuteButtonAction(index);
 }
 
 struct SideButton {
@@ -37,14 +46,15 @@ struct SideButton {
   UINT_PTR timer;
   bool AppState::*held;
   bool needsAllowEscape;
-  void (*shortPress)();  // null: none
+  void (*shortPress)();
   void (*longPress)();
 };
 
 constexpr SideButton kSideButtons[] = {
     {'E', 'e', 3, kMiddleButtonTimer, &AppState::escHeld, true, MiddleShortPress, MiddleLongPress},
-    {'Y', 'y', 4, kTopButtonTimer, &AppState::fn1Held, false, nullptr, TopOrBottomLongPress},
-    {'Z', 'z', 5, kBottomButtonTimer, &AppState::fn2Held, false, nullptr, TopOrBottomLongPress},
+    {'Y', 'y', 4, kTopButtonTimer, &AppState::fn1Held, false, ShortAction<kTopShort>, LongAction<kTopLong>},
+    {'Z', 'z', 5, kBottomButtonTimer, &AppState::fn2Held, false, ShortAction<kBottomShort>,
+     LongAction<kBottomLong>},
 };
 
 void OnSideButton(const SideButton& button, bool pressed) {
@@ -59,7 +69,7 @@ void OnSideButton(const SideButton& button, bool pressed) {
   }
   KillTimer(state.hMainWnd, button.timer);
   const bool wasHeld = std::exchange(state.*button.held, false);
-  if (wasHeld && button.shortPress) button.shortPress();
+  if (wasHeld) button.shortPress();
 }
 
 // ---- switches ---------------------------------------------------------------------------------------------

@@ -1,4 +1,4 @@
-// The shell: icons in the notification area.
+// The shell: icons in the notification area, and what is opened through it.
 #pragma once
 
 #include <windows.h>

@@ -94,6 +94,14 @@ HANDLE WINAPI FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW found);
 BOOL WINAPI FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW found);
 BOOL WINAPI FindClose(HANDLE search);
 
+// ---- private-profile files ----------------------------------------------------------------------------------
+
+DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText, LPWSTR result,
+                                      DWORD size, LPCWSTR fileName);
+UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultNumber, LPCWSTR fileName);
+DWORD WINAPI GetPrivateProfileSectionW(LPCWSTR section, LPWSTR lines, DWORD size, LPCWSTR fileName);
+BOOL WINAPI WritePrivateProfileSectionW(LPCWSTR section, LPCWSTR lines, LPCWSTR fileName);
+
 // ---- serial ports -------------------------------------------------------------------------------------------
 
 struct DCB {
@@ -248,6 +256,9 @@ EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags);
 #define LOAD_LIBRARY_SEARCH_SYSTEM32 0x00000800u
 #define LOAD_LIBRARY_SEARCH_DEFAULT_DIRS 0x00001000u
 
+// The two that a program looks up by name, because old versions of Windows lack them.
+BOOL WINAPI IsWow64Process(HANDLE process, PBOOL isWow64);
+BOOLEAN WINAPI Wow64EnableWow64FsRedirection(BOOLEAN enable);
 HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size);
 HMODULE WINAPI LoadLibraryW(LPCWSTR name);

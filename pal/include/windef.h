@@ -17,6 +17,7 @@
 #define MAXDWORD 0xFFFFFFFF
 
 using BOOL = int;
+using BOOLEAN = unsigned char;
 using BYTE = uint8_t;
 using UCHAR = uint8_t;
 using CHAR = char;
@@ -55,6 +56,7 @@ using PVOID = void*;
 using LPVOID = void*;
 using LPCVOID = const void*;
 using LPBOOL = BOOL*;
+using PBOOL = BOOL*;
 using LPBYTE = BYTE*;
 using PBYTE = BYTE*;
 using LPWORD = WORD*;

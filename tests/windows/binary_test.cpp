@@ -15,8 +15,8 @@ namespace {
 
 class BinaryTest : public ToolTest {
  protected:
-  static std::string Headers() {
-    const std::string command = "x86_64-w64-mingw32-objdump -hp '" + ProgramPath("veltratool.exe") + "'";
+  static std::string Headers(const char* program = "veltratool.exe") {
+    const std::string command = "x86_64-w64-mingw32-objdump -hp '" + ProgramPath(program) + "'";
     const auto closePipe = [](FILE* pipe) { pclose(pipe); };
     const std::unique_ptr<FILE, decltype(closePipe)> pipe(popen(command.c_str(), "r"), closePipe);
     std::string text;
@@ -49,6 +49,17 @@ TEST_F(BinaryTest, ItIsSmallAndProtected) {
   const std::string headers = Headers();
   for (const char* wanted : {"HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT", ".reloc", "symbols stripped"})
     EXPECT_NE(headers.find(wanted), headers.npos) << wanted;
+}
+
+// A library with a section for thread-local data hangs when it is loaded late, as on a change of the
+// language.
+TEST_F(BinaryTest, MacroPlugInsHaveNoThreadLocalData) {
+  for (const char* library : {"macm_English.dll", "macm_Nederlands.dll"}) {
+    const std::string headers = Headers(library);
+    EXPECT_NE(headers.find("RunMacro"), headers.npos) << library;
+    EXPECT_NE(headers.find(" 0000000000000000 00000000 Thread Storage"), headers.npos) << library;
+    EXPECT_EQ(headers.find(" .tls "), headers.npos) << library;
+  }
 }
 
 TEST_F(BinaryTest, ItsTextsAreThereInBothLanguages) {

@@ -60,7 +60,8 @@ Observer::Words Observer::RunUnchecked(const Words& words, const Where& where) {
   for (;;) {
     Words line = Split(process_.ReadLine(where));
     if (IsAnswer(line)) return line;
-    events_.push_back(Join(line, ' '));
+    std::string event = Join(line, ' ');
+    if (ignored_.empty() || !event.starts_with(ignored_)) events_.push_back(std::move(event));
   }
 }
 
@@ -92,6 +93,14 @@ void Observer::ExpectNothing(const Where& where) {
 
 void Observer::OpenWindow(const std::string& className, const Where& where) {
   Run({"open", className}, where);
+}
+
+void Observer::OpenTextField(const std::string& caption, const Where& where) {
+  Run({"field", caption}, where);
+}
+
+void Observer::ComposeMacro(const std::string& library, const std::string& text, const Where& where) {
+  Run({"compose", library, text}, where);
 }
 
 void Observer::CloseWindows(const Where& where) {

@@ -28,10 +28,17 @@ class Observer {
   // No event is left. Says something only after the tool has been made to catch up.
   void ExpectNothing(const Where& where = Where::current());
   void ForgetEvents() { events_.clear(); }
+  // From now on events that begin so do not count; empty: all count.
+  void Ignore(std::string beginning) { ignored_ = std::move(beginning); }
 
   // ---- what it does
   // Opens a hidden window of that class until CloseWindows.
   void OpenWindow(const std::string& className, const Where& where = Where::current());
+  // A window of that class and caption with a text field that has the keyboard, until CloseWindows.
+  void OpenTextField(const std::string& caption, const Where& where = Where::current());
+  // Opens the editor of a macro plug-in; at its end comes the event "composed TEXT", or "composed nothing".
+  void ComposeMacro(const std::string& library, const std::string& text,
+                    const Where& where = Where::current());
   void CloseWindows(const Where& where = Where::current());
   // A named mutex, as a running program of that name holds it, until CloseWindows.
   void HoldMutex(const std::string& name, const Where& where = Where::current());
@@ -77,6 +84,7 @@ class Observer {
 
   WineProcess process_;
   std::deque<std::string> events_;
+  std::string ignored_;
 };
 
 }  // namespace windows_test

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "base/handles.h"
@@ -48,6 +49,11 @@ std::string Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 
 std::string RunOpen(const Words& words) {
   OpenWatchedWindow(Wide(words[1]));
+  return {};
+}
+
+std::string RunField(const Words& words) {
+  OpenTextField(Wide(words[1]));
   return {};
 }
 
@@ -155,6 +161,22 @@ std::string RunPress(const Words& words) {
   return {};
 }
 
+// The editor has a thread of its own: meanwhile commands go on.
+std::string RunCompose(const Words& words) {
+  std::thread([library = Wide(words[1]), text = words[2]] {
+    using ComposeMacro = char* (*)(HWND, char*, char*, char*);
+    const veltra::UniqueModule module(LoadLibraryW(library.c_str()));
+    const auto compose = veltra::FindExport<ComposeMacro>(module.Get(), "ComposeMacro");
+    char model[256] = "Sarvik5";
+    char macro[1024] = {};
+    char file[260] = "C:\\custom.mcr";
+    text.copy(macro, sizeof macro - 1);
+    const char* composed = compose ? compose(nullptr, model, macro, file) : "no plug-in";
+    Report({"composed", composed ? composed : "nothing"});
+  }).detach();
+  return {};
+}
+
 // ---- registry ---------------------------------------------------------------------------------------------
 
 std::string RunList(const Words& words) {
@@ -201,6 +223,8 @@ struct Command {
 
 constexpr Command kCommands[] = {
     {"open", 1, RunOpen},             // CLASS: a watched window of that class
+    {"field", 1, RunField},           // CAPTION: a window with a text field that has the keyboard
+    {"compose", 2, RunCompose},       // LIBRARY TEXT: the editor of a macro plug-in; its end is an event
     {"close", 0, RunClose},           // all windows but its own, and the mutexes
     {"hold", 1, RunHold},             // NAME: a mutex
     {"find", 1, RunFind},             // CLASS: yes or no

@@ -14,6 +14,8 @@ HWND OwnWindow();
 
 // Throws std::runtime_error when Windows refuses the window.
 void OpenWatchedWindow(const std::wstring& className);
+// One with a text field in it, which gets the keyboard.
+void OpenTextField(const std::wstring& caption);
 // All but the own window.
 void CloseWatchedWindows();
 
