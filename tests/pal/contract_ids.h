@@ -7,3 +7,17 @@
 #define CONTRACT_DATA 171
 #define CONTRACT_MENU 132
 #define CONTRACT_DIALOG 133
+#define CONTRACT_CONTROLS 134
+
+// Controls of the dialog CONTRACT_CONTROLS.
+#define TALKING_LABEL 1001
+#define MUTE_LABEL 1002
+#define PICTURE 1003
+#define CHECK_BOX 1004
+#define PUSH_BUTTON 1005
+#define EDIT 1006
+#define LIST 1007
+#define SORTED_LIST 1008
+#define TRACKBAR 1009
+#define PROGRESS 1010
+#define GROUP 1011
