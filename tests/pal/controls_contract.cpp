@@ -1,7 +1,8 @@
 // The controls of dialogs: what they hold and what they tell.
-#include <commctrl.h>
 #include <gtest/gtest.h>
 #include <windows.h>
+
+#include <commctrl.h>
 
 #include "test_window.h"
 #include "tests/pal/test_dialog.h"

@@ -1,7 +1,8 @@
 // The box for choosing a file: cancelled, and confirmed with the name that it began with.
-#include <commdlg.h>
 #include <gtest/gtest.h>
 #include <windows.h>
+
+#include <commdlg.h>
 
 #include "test_window.h"
 
