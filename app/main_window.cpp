@@ -24,8 +24,10 @@
 #include "power/battery_details.h"
 #include "power/device_operations.h"
 #include "power/flight_mode_notice.h"
+#include "power/power_meter.h"
 #include "resources/resource_ids.h"
 #include "switches/macro_plugin.h"
+#include "switches/options_dialog.h"
 #include "switches/switch_events.h"
 
 namespace veltra {
@@ -149,6 +151,8 @@ void ChooseLanguage(size_t index) {
 Result OnCommand(const WindowMessage& m) {
   const WORD command = LOWORD(m.wParam);
   if (command == IDC_CLOSE) ConfirmClose(m.window);
+  if (command == IDC_OPEN_POWER_METER) OpenPowerMeter();
+  if (command == IDC_OPTIONS) OpenOptionsDialog();
   if (command == IDC_BATTERY_INFO) ShowBatteryDetails(m.window);
   if (command >= IDC_FIRST_LANGUAGE && command <= IDC_LAST_LANGUAGE)
     ChooseLanguage(command - IDC_FIRST_LANGUAGE);

