@@ -39,6 +39,8 @@ struct AppState {
   HINSTANCE hInstance = nullptr;
   HWND hMainWnd = nullptr;
   TrayState tray;
+  bool PowerMeterOpen = false;  // while the dialog is open, so that no second one opens
+  bool OptionsOpen = false;
   UINT SwitchInputMessage = 0;  // the registered message "Veltra_SwitchInput"; 0 when the registration failed
 
   // User settings, kept in the registry together with those of `battery` and `audio`.

@@ -45,16 +45,16 @@ std::array<LANGID, 3> ResourceLanguages() {
   return {language, static_cast<LANGID>(MAKELANGID(PRIMARYLANGID(language), SUBLANG_NEUTRAL)), kEnglish};
 }
 
-Bytes FindResourceIn(LANGID language, const WCHAR* type, WORD id) {
+Bytes FindResourceIn(LANGID language, const WCHAR* type, const WCHAR* name) {
   const HMODULE module = GetAppState().hInstance;
-  const HRSRC resource = FindResourceExW(module, type, MAKEINTRESOURCEW(id), language);
+  const HRSRC resource = FindResourceExW(module, type, name, language);
   if (!resource) return {};
   const auto* data = static_cast<const uint8_t*>(LockResource(LoadResource(module, resource)));
   return data ? Bytes(data, SizeofResource(module, resource)) : Bytes();
 }
 
 WideView FindStringIn(LANGID language, UINT id) {
-  const Bytes block = FindResourceIn(language, RT_STRING, static_cast<WORD>(id / 16 + 1));
+  const Bytes block = FindResourceIn(language, RT_STRING, MAKEINTRESOURCEW(id / 16 + 1));
   return StringInBlock({reinterpret_cast<const WCHAR*>(block.data()), block.size() / sizeof(WCHAR)}, id % 16);
 }
 
@@ -84,10 +84,14 @@ WideText GetCurrentLanguageName() {
   return TEXT("english");
 }
 
-Bytes FindLocalResource(const WCHAR* type, WORD id) {
+Bytes FindLocalResource(const WCHAR* type, const WCHAR* name) {
   for (const LANGID language : ResourceLanguages())
-    if (const Bytes data = FindResourceIn(language, type, id); !data.empty()) return data;
+    if (const Bytes data = FindResourceIn(language, type, name); !data.empty()) return data;
   return {};
+}
+
+Bytes FindLocalResource(const WCHAR* type, WORD id) {
+  return FindLocalResource(type, MAKEINTRESOURCEW(id));
 }
 
 WideText LoadResString(UINT id) {

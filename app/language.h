@@ -18,6 +18,7 @@ WideText GetCurrentLanguageName();
 
 // The data of a resource in the current language, in its neutral form, or in English; empty when there is
 // none.
+Bytes FindLocalResource(const WCHAR* type, const WCHAR* name);
 Bytes FindLocalResource(const WCHAR* type, WORD id);
 
 // The string of the program's resources in the current language, in its neutral form, or in English; at most

@@ -26,8 +26,10 @@
 #include "power/device_operations.h"
 #include "power/flight_mode_notice.h"
 #include "report/device_report.h"
+#include "power/power_meter.h"
 #include "resources/resource_ids.h"
 #include "switches/macro_plugin.h"
+#include "switches/options_dialog.h"
 #include "switches/switch_events.h"
 
 namespace veltra {
@@ -152,6 +154,8 @@ void ChooseLanguage(size_t index) {
 Result OnCommand(const WindowMessage& m) {
   const WORD command = LOWORD(m.wParam);
   if (command == IDC_CLOSE) ConfirmClose(m.window);
+  if (command == IDC_OPEN_POWER_METER) OpenPowerMeter();
+  if (command == IDC_OPTIONS) OpenOptionsDialog();
   if (command == IDC_BATTERY_INFO) ShowBatteryDetails(m.window);
   if (command >= IDC_FIRST_LANGUAGE && command <= IDC_LAST_LANGUAGE)
     ChooseLanguage(command - IDC_FIRST_LANGUAGE);

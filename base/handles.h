@@ -66,12 +66,19 @@ struct MenuKind {
   static void Close(Handle handle) { DestroyMenu(handle); }
 };
 
+struct BrushKind {
+  using Handle = HBRUSH;
+  static Handle Invalid() { return nullptr; }
+  static void Close(Handle handle) { DeleteObject(handle); }
+};
+
 using UniqueKernelObject = UniqueHandle<KernelObjectKind>;
 using UniqueFile = UniqueHandle<FileKind>;
 using UniqueRegistryKey = UniqueHandle<RegistryKeyKind>;
 using UniqueModule = UniqueHandle<ModuleKind>;
 using UniqueIcon = UniqueHandle<IconKind>;
 using UniqueMenu = UniqueHandle<MenuKind>;
+using UniqueBrush = UniqueHandle<BrushKind>;
 
 // The function that a module exports under that name, null when it has none.
 template <class Function>

@@ -16,6 +16,7 @@ add_library(veltra_tool STATIC
   app/app_state.cpp
   app/copied_data.cpp
   app/diagnostic_log.cpp
+  app/dialog_items.cpp
   app/folders.cpp
   app/language.cpp
   app/main_window.cpp
@@ -49,6 +50,7 @@ add_library(veltra_tool STATIC
   power/device_operations.cpp
   power/flight_mode_notice.cpp
   power/outside_tools.cpp
+  power/power_meter.cpp
   power/power_off.cpp
   report/device_report.cpp
   switches/actions.cpp
@@ -64,7 +66,11 @@ add_library(veltra_tool STATIC
   switches/mouse_filter_library.cpp
   switches/profile_encoding.cpp
   switches/start_program.cpp
+  switches/options_dialog.cpp
+  switches/options_lists.cpp
+  switches/options_rows.cpp
   switches/switch_events.cpp
+  switches/switch_indicator.cpp
   switches/switch_outputs.cpp
 )
 target_link_libraries(veltra_tool PUBLIC veltra_cores)
@@ -77,7 +83,7 @@ if(WIN32)
   file(GLOB_RECURSE resource_files ${CMAKE_SOURCE_DIR}/resources/*.rc ${CMAKE_SOURCE_DIR}/resources/*.h
     ${CMAKE_SOURCE_DIR}/resources/*.ico ${CMAKE_SOURCE_DIR}/resources/*.wav ${CMAKE_SOURCE_DIR}/resources/*.manifest)
   set_source_files_properties(resources/veltratool.rc PROPERTIES OBJECT_DEPENDS "${resource_files}")
-  target_link_libraries(veltratool PRIVATE veltra_tool version comctl32 shell32 winmm ole32 advapi32 user32 gdi32)
+  target_link_libraries(veltratool PRIVATE veltra_tool version comctl32 shell32 comdlg32 winmm ole32 advapi32 user32 gdi32)
   target_link_options(veltratool PRIVATE -municode -s)
   target_compile_options(veltratool PRIVATE $<$<COMPILE_LANGUAGE:RC>:-c65001>)
 else()

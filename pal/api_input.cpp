@@ -62,7 +62,16 @@ void WINAPI mouse_event(DWORD flags, DWORD dx, DWORD dy, DWORD data, ULONG_PTR /
 void WINAPI keybd_event(BYTE virtualKey, BYTE scanCode, DWORD flags, ULONG_PTR /*extraInfo*/) {
   const Call call;
   if (flags & ~(KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP)) Die("keybd_event with unknown flags");
+  if (flags & KEYEVENTF_KEYUP)
+    call->heldKeys.erase(virtualKey);
+  else
+    call->heldKeys.insert(virtualKey);
   call->Emit(KeyInput{virtualKey, scanCode, flags});
+}
+
+SHORT WINAPI GetAsyncKeyState(int virtualKey) {
+  const Call call;
+  return call->heldKeys.contains(virtualKey) ? static_cast<SHORT>(0x8000) : SHORT{0};
 }
 
 UINT WINAPI MapVirtualKeyExW(UINT code, UINT mapType, HKL layout) {

@@ -38,7 +38,7 @@ bool HasButton(const OpenMessageBox& box, int button) {
 
 const std::shared_ptr<const WindowClass>& BoxClass() {
   static const auto boxClass =
-      std::make_shared<const WindowClass>(WindowClass{u"#32770", 0x8002, MessageBoxProcedure, 0});
+      std::make_shared<const WindowClass>(WindowClass{u"#32770", 0x8002, MessageBoxProcedure, 0, {}});
   return boxClass;
 }
 

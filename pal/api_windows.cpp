@@ -45,12 +45,6 @@ bool IsInExtra(const Window& window, int index) {
   return index >= 0 && static_cast<size_t>(index) + sizeof(LONG_PTR) <= window.extra.size();
 }
 
-Window* FindOr1400(State& state, HWND handle) {
-  Window* window = state.desktop.Find(handle);
-  if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-  return window;
-}
-
 LRESULT SetText(Window& window, LPARAM text) {
   window.title = text ? reinterpret_cast<const WCHAR*>(text) : u"";
   return TRUE;
@@ -74,7 +68,7 @@ ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* windowClass) {
     return Refuse<ATOM>(ERROR_INVALID_PARAMETER, 0);
   if (windowClass->lpszMenuName) Die("a window class with a menu");
   const WindowClass* added = call->desktop.AddClass(
-      {windowClass->lpszClassName, 0, windowClass->lpfnWndProc, windowClass->cbWndExtra});
+      {windowClass->lpszClassName, 0, windowClass->lpfnWndProc, windowClass->cbWndExtra, {}});
   return added ? added->atom : Refuse<ATOM>(ERROR_CLASS_ALREADY_EXISTS, 0);
 }
 
@@ -107,6 +101,7 @@ HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWO
   window.instance = instance;
   window.rect = {PositionOf(x), PositionOf(y), PositionOf(x) + PositionOf(width),
                  PositionOf(y) + PositionOf(height)};
+  window.control = window.windowClass->control;
   window.extra.resize(static_cast<size_t>(window.windowClass->windowExtra));
   const HWND handle = state.desktop.Add(std::move(window)).handle;
 
@@ -152,6 +147,9 @@ LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM l
     case WM_NCCREATE:
     case WM_QUERYENDSESSION:
       return TRUE;
+    case WM_PAINT:  // nothing is drawn
+      found->thread->queue.Validate(window);
+      return 0;
     case WM_SETTEXT:
       return SetText(*found, lParam);
     case WM_GETTEXT:
@@ -192,35 +190,22 @@ BOOL WINAPI SetForegroundWindow(HWND window) {
   return TRUE;
 }
 
-HWND WINAPI GetDlgItem(HWND dialog, int id) {
-  const Call call;
-  if (!FindOr1400(call.Get(), dialog)) return nullptr;
-  for (const HWND child : call->desktop.Children(dialog))
-    if (static_cast<int>(call->desktop.Find(child)->id) == id) return child;
-  return Refuse<HWND>(ERROR_CONTROL_ID_NOT_FOUND, nullptr);
-}
-
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect) {
   const Call call;
   const Window* found = FindOr1400(call.Get(), window);
   if (!found) return FALSE;
-  *rect = found->rect;
+  *rect = call->desktop.ScreenRect(*found);
   return TRUE;
 }
 
-// Windows have no frame here: the client area is the whole window.
 BOOL WINAPI ScreenToClient(HWND window, LPPOINT point) {
   const Call call;
   const Window* found = FindOr1400(call.Get(), window);
   if (!found) return FALSE;
-  point->x -= found->rect.left;
-  point->y -= found->rect.top;
+  const RECT rect = call->desktop.ScreenRect(*found);
+  point->x -= rect.left;
+  point->y -= rect.top;
   return TRUE;
-}
-
-BOOL WINAPI InvalidateRect(HWND window, const RECT* /*rect*/, BOOL /*erase*/) {
-  const Call call;
-  return FindOr1400(call.Get(), window) ? TRUE : FALSE;  // nothing is painted
 }
 
 LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index) {
@@ -275,9 +260,4 @@ LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
 HCURSOR WINAPI LoadCursorW(HINSTANCE instance, LPCWSTR name) {
   if (instance || !IS_INTRESOURCE(name)) Die("LoadCursorW of the program's own cursors");
   return reinterpret_cast<HCURSOR>(0x20000 + reinterpret_cast<ULONG_PTR>(name));
-}
-
-HGDIOBJ WINAPI GetStockObject(int object) {
-  if (object < WHITE_BRUSH || object > BLACK_BRUSH) Die("GetStockObject of an unknown object");
-  return reinterpret_cast<HGDIOBJ>(static_cast<ULONG_PTR>(0x40000 + object));
 }

@@ -30,7 +30,7 @@ bool SameName(std::u16string_view a, std::u16string_view b) {
 
 Desktop::Desktop() {
   Window desktop;
-  desktop.windowClass = std::make_shared<const WindowClass>(WindowClass{u"#32769", 0x8001, nullptr, 0});
+  desktop.windowClass = std::make_shared<const WindowClass>(WindowClass{u"#32769", 0x8001, nullptr, 0, {}});
   desktop.rect = {0, 0, 1024, 768};
   desktop.isDesktop = true;
   desktopWindow_ = Add(std::move(desktop)).handle;
@@ -43,9 +43,8 @@ const WindowClass* Desktop::AddClass(WindowClass windowClass) {
 }
 
 std::shared_ptr<const WindowClass> Desktop::FindClass(const WCHAR* name) const {
-  static const auto ofWindows =
-      std::make_shared<const WindowClass>(WindowClass{u"Static", 0x8003, DefWindowProcW, 0});
-  if (!IS_INTRESOURCE(name) && SameName(ofWindows->name, name)) return ofWindows;
+  if (!IS_INTRESOURCE(name))
+    if (auto ofWindows = FindSystemClass(name)) return ofWindows;
   const auto found = std::find_if(classes_.begin(), classes_.end(), [&](const auto& candidate) {
     if (IS_INTRESOURCE(name)) return candidate->atom == reinterpret_cast<ULONG_PTR>(name);
     return SameName(candidate->name, name);
@@ -74,6 +73,7 @@ Window* Desktop::Find(HWND handle) {
 
 void Desktop::Remove(HWND handle) {
   windows_.erase(handle);
+  if (focus_ == handle) focus_ = nullptr;
 }
 
 std::vector<HWND> Desktop::TopLevel() const {
@@ -103,6 +103,26 @@ std::vector<HWND> Desktop::WithDescendants(HWND window) const {
   return all;
 }
 
+RECT Desktop::ScreenRect(const Window& window) const {
+  RECT rect = window.rect;
+  for (auto outer = windows_.find(window.parent); outer != windows_.end();
+       outer = windows_.find(outer->second.parent)) {
+    rect.left += outer->second.rect.left;
+    rect.right += outer->second.rect.left;
+    rect.top += outer->second.rect.top;
+    rect.bottom += outer->second.rect.top;
+  }
+  return rect;
+}
+
+bool Desktop::IsShown(HWND window) const {
+  auto found = windows_.find(window);
+  if (found == windows_.end()) return false;
+  for (; found != windows_.end(); found = windows_.find(found->second.parent))
+    if (!(found->second.style & WS_VISIBLE)) return false;
+  return true;
+}
+
 int Desktop::CountOfProgram() const {
   return static_cast<int>(
       Select(windows_, [](const Window& window) { return window.thread != nullptr; }).size());
@@ -119,6 +139,7 @@ UINT Desktop::RegisterMessage(std::u16string_view name) {
 void Desktop::ForgetProgram() {
   std::erase_if(windows_, [](const auto& entry) { return entry.second.thread != nullptr; });
   classes_.clear();
+  focus_ = nullptr;
 }
 
 }  // namespace pal

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "pal/controls.h"
 #include "pal/machine.h"
 
 namespace pal {
@@ -22,6 +23,7 @@ struct WindowClass {
   ATOM atom = 0;
   WNDPROC procedure = nullptr;
   int windowExtra = 0;
+  ControlState control = {};  // what its windows begin with
 };
 
 struct Window {
@@ -38,11 +40,12 @@ struct Window {
   HWND owner = nullptr;   // of a top-level window; it goes with its owner
   bool isDesktop = false;
   bool isBeingDestroyed = false;
-  RECT rect{};
+  RECT rect{};  // of a child window: in the client area of its parent
   HINSTANCE instance = nullptr;
   LONG_PTR id = 0;  // of a child window
   LONG_PTR userData = 0;
   std::vector<uint8_t> extra;  // cbWndExtra bytes
+  ControlState control;        // of a control of Windows
 
   [[nodiscard]] bool IsTopLevel() const { return !parent && !isDesktop; }
 };
@@ -71,8 +74,16 @@ class Desktop {
   [[nodiscard]] std::vector<HWND> OfThread(const Thread& thread) const;
   // The window and all that lie inside it.
   [[nodiscard]] std::vector<HWND> WithDescendants(HWND window) const;
+  // Where the window lies on the screen. Windows have no frame here: the client area is the whole window.
+  [[nodiscard]] RECT ScreenRect(const Window& window) const;
+  // Whether it and all around it have the style WS_VISIBLE.
+  [[nodiscard]] bool IsShown(HWND window) const;
   [[nodiscard]] HWND DesktopWindow() const { return desktopWindow_; }
   [[nodiscard]] int CountOfProgram() const;
+
+  // The window that gets the keyboard; null when there is none.
+  [[nodiscard]] HWND Focus() const { return focus_; }
+  void SetFocus(HWND window) { focus_ = window; }
 
   // The number of a registered message, the same for the same name.
   UINT RegisterMessage(std::u16string_view name);
@@ -87,6 +98,7 @@ class Desktop {
   ATOM lastAtom_ = 0xC000;
   uintptr_t lastHandle_ = 0x10000;
   HWND desktopWindow_ = nullptr;
+  HWND focus_ = nullptr;
 };
 
 }  // namespace pal

@@ -156,6 +156,16 @@ struct Words {
     const auto* row = std::ranges::find(kButtonRows, e.button, &ButtonRow::button);
     return "answer " + (row == std::end(kButtonRows) ? std::to_string(e.button) : std::string(row->word));
   }
+  std::string operator()(const DialogShown& e) const { return "dialog " + Quoted(e.title) + " shown"; }
+  std::string operator()(const DialogHidden& e) const { return "dialog " + Quoted(e.title) + " hidden"; }
+  std::string operator()(const EllipseDrawn& e) const {
+    return "ellipse " + std::to_string(e.left) + " " + std::to_string(e.top) + " " + std::to_string(e.right) +
+           " " + std::to_string(e.bottom) + " colour " + Hex(e.colour, 6);
+  }
+  std::string operator()(const FileBoxShown& e) const { return "file box " + Quoted(e.filter); }
+  std::string operator()(const FileBoxAnswered& e) const {
+    return e.path.empty() ? "file box cancelled" : "file chosen " + OneLine(e.path);
+  }
   std::string operator()(const ForeignMessageSent& e) const {
     if (e.message == WM_COPYDATA)
       return "data " + std::to_string(e.copyDataTag) + " to " + OneLine(e.className) + ": " +

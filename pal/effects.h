@@ -45,6 +45,11 @@ struct WindowsExit { uint32_t flags = 0; uint32_t reason = 0; };
 struct Beep { uint32_t type = 0; };
 struct BoxShown { std::u16string text; std::u16string caption; uint32_t type = 0; };
 struct BoxAnswered { int button = 0; };
+struct DialogShown { std::u16string title; };
+struct DialogHidden { std::u16string title; };
+struct EllipseDrawn { int left = 0, top = 0, right = 0, bottom = 0; uint32_t colour = 0; };
+struct FileBoxShown { std::u16string filter; };  // the name of the first filter
+struct FileBoxAnswered { std::u16string path; };  // empty: cancelled
 // A message that left the program: to a window of another program, or to all of them (className "*").
 struct ForeignMessageSent {
   std::u16string className;
@@ -108,6 +113,11 @@ using EffectDetail = std::variant<
     Beep,
     BoxShown,
     BoxAnswered,
+    DialogShown,
+    DialogHidden,
+    EllipseDrawn,
+    FileBoxShown,
+    FileBoxAnswered,
     ForeignMessageSent,
     TimerSet,
     TimerKilled,

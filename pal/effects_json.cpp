@@ -118,6 +118,26 @@ Object Fields(const BoxShown& e) {
 Object Fields(const BoxAnswered& e) {
   return Object("answer").With("button", e.button);
 }
+Object Fields(const DialogShown& e) {
+  return Object("dialog shown").With("title", e.title);
+}
+Object Fields(const DialogHidden& e) {
+  return Object("dialog hidden").With("title", e.title);
+}
+Object Fields(const EllipseDrawn& e) {
+  return Object("ellipse")
+      .With("left", e.left)
+      .With("top", e.top)
+      .With("right", e.right)
+      .With("bottom", e.bottom)
+      .With("colour", e.colour);
+}
+Object Fields(const FileBoxShown& e) {
+  return Object("file box").With("filter", e.filter);
+}
+Object Fields(const FileBoxAnswered& e) {
+  return Object("file chosen").With("path", e.path);
+}
 Object Fields(const ForeignMessageSent& e) {
   return Object("message")
       .With("window_class", e.className)

@@ -180,6 +180,7 @@ int Machine::CountOpen(std::string_view kind) const {
   if (kind == "menu") return state_->menus.Count();
   if (kind == "icon") return state_->pictures.CountLoaded();
   if (kind == "com object") return static_cast<int>(state_->playback.objects.size());
+  if (kind == "brush") return static_cast<int>(state_->drawing.brushes.size());
   if (kind != "timer") return state_->handles.Count(kind);
   size_t timers = 0;
   for (const std::shared_ptr<Thread>& thread : state_->scheduler.Threads())
@@ -238,7 +239,7 @@ HWND Machine::AddForeignWindow(std::u16string_view className, ForeignWindowHandl
   const MachineLock lock(state_->mutex);
   Window window;
   window.windowClass =
-      std::make_shared<const WindowClass>(WindowClass{std::u16string(className), 0, nullptr, 0});
+      std::make_shared<const WindowClass>(WindowClass{std::u16string(className), 0, nullptr, 0, {}});
   window.foreign = std::move(handler);
   return state_->desktop.Add(std::move(window)).handle;
 }

@@ -116,7 +116,7 @@ class Machine {
   bool Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   // What the program holds now, for leak checks: handles by kind ("event", "mutex", "file", "serial", "key",
   // "thread handle"), "window", "timer", "menu", "icon" (loaded pictures),
-  // "com object", and "thread": those that run beside the main thread.
+  // "brush", "com object", and "thread": those that run beside the main thread.
   [[nodiscard]] int CountOpen(std::string_view kind) const;
   [[nodiscard]] size_t QueuedMessages() const;  // posted messages that wait for the program's main thread
 

@@ -30,6 +30,12 @@ size_t MessageQueue::FindPosted(const MessageFilter& filter) const {
   return index;
 }
 
+HWND MessageQueue::FindToPaint(const MessageFilter& filter) const {
+  const auto found =
+      std::ranges::find_if(toPaint_, [&](HWND window) { return filter.Wants(window, WM_PAINT); });
+  return found == toPaint_.end() ? nullptr : *found;
+}
+
 size_t MessageQueue::FindDueTimer(const MessageFilter& filter, Time now) const {
   size_t earliest = timers_.size();
   for (size_t index = 0; index < timers_.size(); ++index) {
@@ -41,7 +47,8 @@ size_t MessageQueue::FindDueTimer(const MessageFilter& filter, Time now) const {
 }
 
 bool MessageQueue::Has(const MessageFilter& filter, Time now) const {
-  return quit_ || FindPosted(filter) < posted_.size() || FindDueTimer(filter, now) < timers_.size();
+  return quit_ || FindPosted(filter) < posted_.size() || FindToPaint(filter) ||
+         FindDueTimer(filter, now) < timers_.size();
 }
 
 std::optional<MSG> MessageQueue::Take(const MessageFilter& filter, Time now, bool remove) {
@@ -56,6 +63,11 @@ std::optional<MSG> MessageQueue::Take(const MessageFilter& filter, Time now, boo
     message.message = WM_QUIT;
     message.wParam = static_cast<WPARAM>(*quit_);
     if (remove) quit_.reset();
+    return message;
+  }
+  if (const HWND window = FindToPaint(filter)) {
+    message.hwnd = window;
+    message.message = WM_PAINT;
     return message;
   }
   const size_t index = FindDueTimer(filter, now);
@@ -98,7 +110,20 @@ std::optional<Time> MessageQueue::NextTimer(const MessageFilter& filter) const {
   return next;
 }
 
+void MessageQueue::Invalidate(HWND window) {
+  if (!MustPaint(window)) toPaint_.push_back(window);
+}
+
+void MessageQueue::Validate(HWND window) {
+  std::erase(toPaint_, window);
+}
+
+bool MessageQueue::MustPaint(HWND window) const {
+  return std::ranges::find(toPaint_, window) != toPaint_.end();
+}
+
 void MessageQueue::Forget(HWND window) {
+  Validate(window);
   std::erase_if(posted_, [&](const MSG& message) { return message.hwnd == window; });
   std::erase_if(timers_, [&](const WindowTimer& timer) { return timer.window == window; });
   for (const std::shared_ptr<SentMessage>& message : sent_)
@@ -111,6 +136,7 @@ void MessageQueue::Clear() {
   for (const std::shared_ptr<SentMessage>& message : sent_) message->answered = true;
   sent_.clear();
   posted_.clear();
+  toPaint_.clear();
   timers_.clear();
   quit_.reset();
 }

@@ -51,7 +51,8 @@ class MessageQueue {
 
   // Whether Take would find a message at that time.
   [[nodiscard]] bool Has(const MessageFilter& filter, Time now) const;
-  // Posted messages first, then WM_QUIT whatever the filter says, then the timer that is due the longest.
+  // Posted messages first, then WM_QUIT whatever the filter says, then WM_PAINT, then the timer that is due
+  // the longest.
   // With `remove` false the message stays where it is.
   std::optional<MSG> Take(const MessageFilter& filter, Time now, bool remove);
   [[nodiscard]] bool HasSent() const { return !sent_.empty(); }
@@ -66,6 +67,11 @@ class MessageQueue {
   [[nodiscard]] std::optional<Time> NextTimer(const MessageFilter& filter) const;
   [[nodiscard]] size_t TimerCount() const { return timers_.size(); }
 
+  // A window of the thread must be painted, or has been. WM_PAINT comes as long as it must.
+  void Invalidate(HWND window);
+  void Validate(HWND window);
+  [[nodiscard]] bool MustPaint(HWND window) const;
+
   // A window is gone: its posted messages and timers go with it, and who sent it something gets no answer.
   void Forget(HWND window);
   // The thread is gone.
@@ -73,11 +79,13 @@ class MessageQueue {
 
  private:
   [[nodiscard]] size_t FindPosted(const MessageFilter& filter) const;  // posted_.size() when there is none
+  [[nodiscard]] HWND FindToPaint(const MessageFilter& filter) const;       // null when there is none
   [[nodiscard]] size_t FindDueTimer(const MessageFilter& filter,
                                     Time now) const;  // timers_.size() when there is none
 
   std::deque<MSG> posted_;
   std::deque<std::shared_ptr<SentMessage>> sent_;
+  std::vector<HWND> toPaint_;
   std::vector<WindowTimer> timers_;
   std::optional<int> quit_;
 };

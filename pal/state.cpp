@@ -47,6 +47,8 @@ void State::ReleaseProgram() {
   menus.Clear();
   pictures.Clear();
   playback.objects.clear();
+  dialogs = {};
+  drawing = {};
   ReleaseProgramData(*this);
   executionState = ES_CONTINUOUS;
   mayShutDown = false;

@@ -12,11 +12,14 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "pal/desktop.h"
+#include "pal/dialogs.h"
 #include "pal/die.h"
+#include "pal/drawing.h"
 #include "pal/failures.h"
 #include "pal/handles.h"
 #include "pal/machine.h"
@@ -58,6 +61,9 @@ struct State {
   Menus menus;
   Pictures pictures;
   Playback playback;
+  Dialogs dialogs;
+  Drawing drawing;
+  std::set<int> heldKeys;
   SerialPorts serialPorts;
   std::shared_ptr<DataState> data;
 

@@ -74,6 +74,12 @@ void HandleSentMessages(State& state, Thread& self) {
 }
 
 LRESULT Dispatch(State& state, const MSG& message) {
+  if (message.message == kPersonActs) {
+    const auto act = state.dialogs.acts.extract(message.wParam);
+    const MachineMutex::Open open(state.mutex);
+    if (act) act.mapped()();
+    return 0;
+  }
   if (message.message == WM_TIMER && message.lParam != 0) {
     const auto callback = reinterpret_cast<TIMERPROC>(message.lParam);
     const DWORD time = TickCount(state.scheduler.Now());
@@ -104,6 +110,12 @@ std::optional<int> RunNestedLoop(State& state, Thread& self, const std::function
     }
   }
   return std::nullopt;
+}
+
+Window* FindOr1400(State& state, HWND handle) {
+  Window* window = state.desktop.Find(handle);
+  if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+  return window;
 }
 
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -26,6 +26,9 @@ LRESULT Dispatch(State& state, const MSG& message);
 std::optional<int> RunNestedLoop(State& state, Thread& self, const std::function<bool()>& isOver,
                                  const std::function<void(const MSG&)>& dispatch = {});
 
+// Null, and the last error set, when there is no such window.
+Window* FindOr1400(State& state, HWND handle);
+
 // Puts a message into the queue of the window's thread; 0 or the error.
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 // A message to a window of another program becomes an effect, and its handler runs: at once and for its

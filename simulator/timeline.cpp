@@ -25,6 +25,10 @@ constexpr bool kNoticed =
     std::is_same_v<Detail, pal::Beep> ||
     std::is_same_v<Detail, pal::BoxShown> ||
     std::is_same_v<Detail, pal::BoxAnswered> ||
+    std::is_same_v<Detail, pal::DialogShown> ||
+    std::is_same_v<Detail, pal::DialogHidden> ||
+    std::is_same_v<Detail, pal::FileBoxShown> ||
+    std::is_same_v<Detail, pal::FileBoxAnswered> ||
     std::is_same_v<Detail, pal::ForeignMessageSent> ||
     std::is_same_v<Detail, pal::DeviceCall> ||
     std::is_same_v<Detail, pal::TrayChange> ||

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/app_state.h"
+#include "resources/resource_ids.h"
 #include "switches/actions.h"
 #include "switches/button_action.h"
 #include "switches/injected_input.h"
@@ -12,8 +13,6 @@
 
 namespace veltra {
 namespace {
-
-constexpr int kIndicatorControl = 1106;  // of the options dialog
 
 // ---- side buttons -----------------------------------------------------------------------------------------
 
@@ -93,7 +92,7 @@ void ShowInIndicator(const SwitchLetter& event) {
   const int bit = 1 << event.index;
   indicator.pressedMask = event.pressed ? indicator.pressedMask | bit : indicator.pressedMask & ~bit;
   RECT screen = {};
-  GetWindowRect(GetDlgItem(indicator.dialogWindow, kIndicatorControl), &screen);
+  GetWindowRect(GetDlgItem(indicator.dialogWindow, IDO_INDICATOR), &screen);
   POINT corners[] = {{screen.left, screen.top}, {screen.right, screen.bottom}};
   for (POINT& corner : corners) ScreenToClient(indicator.dialogWindow, &corner);
   const RECT area = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};

@@ -32,6 +32,7 @@ using HeldOutputs = std::array<HeldOutput, 2>;
 struct SwitchIndicator {
   int pressedMask = 0;          // bit 0 switch 1, bit 1 switch 2
   HWND dialogWindow = nullptr;  // the open options dialog
+  int serviceCount = 0;         // double clicks of the service gesture so far, at most 2
 };
 
 }  // namespace veltra

@@ -69,8 +69,6 @@ using LPCREATESTRUCTW = CREATESTRUCTW*;
 #define HWND_BROADCAST (reinterpret_cast<HWND>(static_cast<ULONG_PTR>(0xFFFF)))
 #define HWND_MESSAGE (reinterpret_cast<HWND>(static_cast<LONG_PTR>(-3)))
 #define COLOR_WINDOW 5
-#define WHITE_BRUSH 0
-#define BLACK_BRUSH 4
 
 #define MAKEINTRESOURCEW(id) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(id))))
 #define MAKEINTATOM(atom) MAKEINTRESOURCEW(atom)
@@ -97,7 +95,6 @@ LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM l
 HWND WINAPI FindWindowW(LPCWSTR className, LPCWSTR title);
 HWND WINAPI GetDesktopWindow();
 BOOL WINAPI SetForegroundWindow(HWND window);
-HWND WINAPI GetDlgItem(HWND dialog, int id);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect);
 BOOL WINAPI ScreenToClient(HWND window, LPPOINT point);
 BOOL WINAPI InvalidateRect(HWND window, const RECT* rect, BOOL erase);
@@ -105,7 +102,6 @@ LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index);
 LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value);
 HCURSOR WINAPI LoadCursorW(HINSTANCE instance, LPCWSTR name);
 int WINAPI LoadStringW(HINSTANCE instance, UINT id, LPWSTR buffer, int size);
-HGDIOBJ WINAPI GetStockObject(int object);
 
 // ---- messages -----------------------------------------------------------------------------------------------
 
@@ -318,3 +314,5 @@ HKL WINAPI GetKeyboardLayout(DWORD threadId);
 #define SHTDN_REASON_MINOR_POWER_SUPPLY 0x0000000Au
 
 BOOL WINAPI ExitWindowsEx(UINT flags, DWORD reason);
+
+#include "winuser_dialogs.h"

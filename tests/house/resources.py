@@ -2,7 +2,7 @@
 """Checks the program's resources.
 
 The script: every id of the header has its resource, both languages have the same texts with the same placeholders and
-access keys, and menus with the same commands. The pictures and sounds are what their generators write now. When the
+access keys, menus with the same commands and dialogs with the same controls. The pictures and sounds are what their generators write now. When the
 Windows resource compiler is here, the compiled resources hold what the script says. Prints every offence; the exit
 code is 1 when there is one.
 """
@@ -24,9 +24,10 @@ import sounds
 LANGUAGES = {"LANG_NEUTRAL, SUBLANG_NEUTRAL": 0, "LANG_ENGLISH, SUBLANG_ENGLISH_UK": 0x0809,
              "LANG_DUTCH, SUBLANG_NEUTRAL": 0x0013}
 ENGLISH, DUTCH = 0x0809, 0x0013
-TYPES = {"ICON": 14, "MENU": 4, "VERSIONINFO": 16, "24": 24, "WAVE": "WAVE"}  # script's word: type when compiled
+TYPES = {"ICON": 14, "MENU": 4, "DIALOGEX": 5, "VERSIONINFO": 16, "24": 24, "WAVE": "WAVE"}  # script's word: type when compiled
 STRINGS = 6
-PREFIXES = {"IDI": "ICON", "IDW": "WAVE", "IDM": "MENU"}
+PREFIXES = {"IDI": "ICON", "IDW": "WAVE", "IDM": "MENU", "IDD": "DIALOGEX"}
+CONTROL = re.compile(r"IDO_|IDP_|IDC_FIRMWARE_")  # names of controls
 LONGEST_TEXT = 254  # what the tool reads of a text
 COMPILER = "x86_64-w64-mingw32-windres"
 
@@ -71,7 +72,8 @@ class Script:
             else:
                 kind = next(self.words)
                 body = next(self.words)
-                self.resources[TYPES[kind], self.number(word), language] = self._read_body(kind, body)
+                name = word if kind == "DIALOGEX" and word not in ids else self.number(word)
+                self.resources[TYPES[kind], name, language] = self._read_body(kind, body)
 
     def number(self, word):
         if word in ("1", "VS_VERSION_INFO"):
@@ -91,6 +93,8 @@ class Script:
     def _read_body(self, kind, word):
         if kind == "MENU":
             return self._read_popup(word)
+        if kind == "DIALOGEX":
+            return self._read_controls(word)
         if kind != "VERSIONINFO":
             return unquote(word)
         while word != "BEGIN":
@@ -99,6 +103,16 @@ class Script:
         while depth:
             depth += {"BEGIN": 1, "END": -1}.get(next(self.words), 0)
         return None
+
+    def _read_controls(self, word):
+        """The names of the header's controls, in order."""
+        while word != "BEGIN":
+            word = next(self.words)
+        controls = []
+        while (word := next(self.words)) != "END":
+            if CONTROL.match(word):
+                controls.append(word)
+        return controls
 
     def _read_popup(self, begin):
         """The items in order: (text, command), (text, [items]) of a submenu, or ("", None) for a separator."""
@@ -132,7 +146,7 @@ def check_ids(ids, script):
             yield f"{name}: has the number of {used[prefix][number]}"
         used[prefix][number] = name
         if prefix in PREFIXES:
-            languages = (ENGLISH, DUTCH) if prefix == "IDM" else (0,)
+            languages = (ENGLISH, DUTCH) if prefix in ("IDM", "IDD") else (0,)
             for language in languages:
                 if (TYPES[PREFIXES[prefix]], number, language) not in script.resources:
                     yield f"{name}: no {PREFIXES[prefix]} in language 0x{language:04x}"
@@ -170,6 +184,17 @@ def check_menus(script):
             yield f"menu {number}: commands of language 0x{language:04x} differ from the English ones"
         for key in doubled_keys(menu):
             yield f"menu {number}, language 0x{language:04x}: two items have the access key {key}"
+
+
+def check_dialogs(ids, script):
+    dialogs = {key: controls for key, controls in script.resources.items() if key[0] == TYPES["DIALOGEX"]}
+    used = [control for (_, _, language), controls in dialogs.items() if language == ENGLISH for control in controls]
+    for (_, name, language), controls in dialogs.items():
+        if controls != dialogs.get((TYPES["DIALOGEX"], name, ENGLISH)):
+            yield f"dialog {name}: controls of language 0x{language:04x} differ from the English ones"
+    for name in ids:
+        if CONTROL.match(name) and used.count(name) != 1:
+            yield f"{name}: is not one control of one dialog"
 
 
 def check_files(script):
@@ -239,7 +264,7 @@ def main():
     ids = read_ids()
     script = Script("resources/veltratool.rc", ids)
     offences = script.offences + [*check_ids(ids, script), *check_texts(script.texts[ENGLISH], script.texts[DUTCH]),
-                                  *check_menus(script), *check_files(script)]
+                                  *check_menus(script), *check_dialogs(ids, script), *check_files(script)]
     compiler = shutil.which(COMPILER)
     if compiler:
         offences += check_compiled(script)

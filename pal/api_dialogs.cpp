@@ -1,0 +1,186 @@
+// Dialogs made from templates: modal ones with their own message loop, and modeless ones.
+#include <algorithm>
+
+#include "pal/dialog_template.h"
+#include "pal/window_calls.h"
+
+using namespace pal;
+
+namespace {
+
+DLGPROC ProcedureOf(HWND dialog) {
+  return reinterpret_cast<DLGPROC>(GetWindowLongPtrW(dialog, DWLP_DLGPROC));
+}
+
+void Centre(HWND dialog) {
+  RECT desktop, own;
+  GetWindowRect(GetDesktopWindow(), &desktop);
+  GetWindowRect(dialog, &own);
+  SetWindowPos(dialog, HWND_TOP, (desktop.right - (own.right - own.left)) / 2,
+               (desktop.bottom - (own.bottom - own.top)) / 2, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+}
+
+// The window with its controls, not visible yet.
+HWND CreateDialogWindow(HINSTANCE instance, const DialogTemplate& made, HWND owner, DLGPROC procedure) {
+  const RECT& rect = made.rect;
+  const HWND dialog = CreateWindowExW(made.exStyle, TEXT("#32770"), made.caption.c_str(),
+                                      made.style & ~WS_VISIBLE, rect.left, rect.top, rect.right - rect.left,
+                                      rect.bottom - rect.top, owner, nullptr, instance, nullptr);
+  if (!dialog) return nullptr;
+  SetWindowLongPtrW(dialog, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(procedure));
+  for (const TemplateControl& control : made.controls) {
+    const RECT& place = control.rect;
+    const HWND window =
+        CreateWindowExW(control.exStyle, control.windowClass.c_str(), control.text.c_str(), control.style,
+                        place.left, place.top, place.right - place.left, place.bottom - place.top, dialog,
+                        reinterpret_cast<HMENU>(static_cast<ULONG_PTR>(control.id)), instance, nullptr);
+    if (!window) Die("a dialog control of an unknown class");
+  }
+  if (made.style & DS_CENTER) Centre(dialog);
+  return dialog;
+}
+
+// Null when the procedure destroyed it.
+HWND Initialise(HWND dialog, LPARAM parameter) {
+  const HWND first = GetNextDlgTabItem(dialog, nullptr, FALSE);
+  const LRESULT wantsFocus = SendMessageW(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), parameter);
+  if (!IsWindow(dialog)) return nullptr;
+  if (wantsFocus) SetFocus(GetNextDlgTabItem(dialog, nullptr, FALSE));
+  return dialog;
+}
+
+// Whether the result of the dialog's procedure is that of the message.
+bool ReturnsItself(UINT message) {
+  constexpr UINT kFirstColour = 0x0132, kLastColour = 0x0138, kCompareItem = 0x0039;
+  return message == WM_INITDIALOG || message == kCompareItem ||
+         (message >= kFirstColour && message <= kLastColour);
+}
+
+HWND DefaultButton(HWND dialog) {
+  const Call call;
+  for (const HWND child : call->desktop.Children(dialog)) {
+    const Window& control = *call->desktop.Find(child);
+    if (std::holds_alternative<ButtonState>(control.control) &&
+        (control.style & BS_TYPEMASK) == BS_DEFPUSHBUTTON)
+      return child;
+  }
+  return nullptr;
+}
+
+LRESULT DefaultId(HWND dialog) {
+  const HWND button = DefaultButton(dialog);
+  return button ? MAKELONG(GetDlgCtrlID(button), DC_HASDEFID) : 0;
+}
+
+std::shared_ptr<ModalDialog> FindModal(State& state, HWND window) {
+  const auto& all = state.dialogs.modal;
+  const auto found = std::ranges::find_if(all, [&](const auto& one) { return one->window == window; });
+  return found == all.end() ? nullptr : *found;
+}
+
+// The loop of a modal dialog. Empty: its window was destroyed.
+std::optional<INT_PTR> Run(const std::shared_ptr<ModalDialog>& dialog) {
+  const Call call;
+  State& state = call.Get();
+  Thread& self = CallingThread("DialogBoxIndirectParamW");
+  const auto isOver = [&] { return dialog->hasEnded || !state.desktop.Find(dialog->window); };
+  const auto dispatch = [&](const MSG& message) {
+    const MachineMutex::Open open(state.mutex);
+    MSG copy = message;
+    if (!IsDialogMessageW(dialog->window, &copy)) DispatchMessageW(&copy);
+  };
+  const std::optional<int> quit = RunNestedLoop(state, self, isOver, dispatch);
+  if (quit) self.queue.PostQuit(*quit);
+  std::erase(state.dialogs.modal, dialog);
+  if (!state.desktop.Find(dialog->window)) return std::nullopt;
+  return dialog->result;
+}
+
+}  // namespace
+
+HWND WINAPI CreateDialogIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialog, HWND owner,
+                                       DLGPROC procedure, LPARAM parameter) {
+  {
+    const Call call("CreateDialogIndirectParamW");
+    if (call.Fails()) return nullptr;
+  }
+  if (!dialog) return nullptr;
+  const DialogTemplate made = ReadDialogTemplate(dialog);
+  const HWND window = CreateDialogWindow(instance, made, owner, procedure);
+  if (!window || !Initialise(window, parameter)) return nullptr;
+  if (made.style & WS_VISIBLE) ShowWindow(window, SW_SHOW);
+  return window;
+}
+
+INT_PTR WINAPI DialogBoxIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialog, HWND owner,
+                                       DLGPROC procedure, LPARAM parameter) {
+  constexpr INT_PTR kFailed = -1;
+  {
+    const Call call("DialogBoxIndirectParamW");
+    if (call.Fails()) return kFailed;
+  }
+  if (!dialog) return kFailed;
+  if (owner && !IsWindow(owner)) return Refuse<INT_PTR>(ERROR_INVALID_WINDOW_HANDLE, 0);
+  const auto modal = std::make_shared<ModalDialog>();
+  if (owner && IsWindowEnabled(owner)) {
+    modal->disabledOwner = owner;
+    EnableWindow(owner, FALSE);
+  }
+  modal->window = CreateDialogWindow(instance, ReadDialogTemplate(dialog), owner, procedure);
+  if (!modal->window) {
+    if (modal->disabledOwner) EnableWindow(modal->disabledOwner, TRUE);
+    return kFailed;
+  }
+  {
+    const Call call;
+    call->dialogs.modal.push_back(modal);
+  }
+  if (Initialise(modal->window, parameter) && !modal->hasEnded) ShowWindow(modal->window, SW_SHOW);
+  const std::optional<INT_PTR> result = Run(modal);
+  if (modal->disabledOwner && !modal->hasEnded) EnableWindow(modal->disabledOwner, TRUE);
+  if (!result) return 0;
+  DestroyWindow(modal->window);
+  return *result;
+}
+
+BOOL WINAPI EndDialog(HWND dialog, INT_PTR result) {
+  HWND owner = nullptr;
+  {
+    const Call call("EndDialog");
+    if (call.Fails()) return FALSE;
+    if (!call->desktop.Find(dialog)) return Refuse(ERROR_INVALID_WINDOW_HANDLE, FALSE);
+    const std::shared_ptr<ModalDialog> modal = FindModal(call.Get(), dialog);
+    if (!modal) Die("EndDialog of a modeless dialog");
+    modal->hasEnded = true;
+    modal->result = result;
+    owner = modal->disabledOwner;
+  }
+  if (owner) EnableWindow(owner, TRUE);
+  ShowWindow(dialog, SW_HIDE);
+  return TRUE;
+}
+
+LRESULT WINAPI DefDlgProcW(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  SetWindowLongPtrW(dialog, DWLP_MSGRESULT, 0);
+  const DLGPROC procedure = ProcedureOf(dialog);
+  const INT_PTR result = procedure ? procedure(dialog, message, wParam, lParam) : FALSE;
+  if (message == WM_INITDIALOG || (result && ReturnsItself(message))) return result;
+  if (result) return GetWindowLongPtrW(dialog, DWLP_MSGRESULT);
+  switch (message) {
+    case WM_CLOSE:
+      PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED),
+                   reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDCANCEL)));
+      return 0;
+    case WM_SETFOCUS:
+      SetFocus(GetNextDlgTabItem(dialog, nullptr, FALSE));
+      return 0;
+    case DM_GETDEFID:
+      return DefaultId(dialog);
+    case WM_NEXTDLGCTL:
+      if (!LOWORD(lParam)) Die("WM_NEXTDLGCTL without a control");
+      SetFocus(reinterpret_cast<HWND>(wParam));
+      return 0;
+    default:
+      return DefWindowProcW(dialog, message, wParam, lParam);
+  }
+}
