@@ -14,6 +14,7 @@
 #include "app/windows_version.h"
 #include "base/debug_output.h"
 #include "board/codec.h"
+#include "firmware/firmware_dialog.h"
 #include "link/identity_updates.h"
 #include "link/infrared.h"
 #include "link/pic_comm.h"
@@ -34,6 +35,7 @@ namespace {
 // Private messages of other programs.
 constexpr UINT WM_QUERY_PIC_FIRMWARE = WM_APP + 0xDF;
 constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
+constexpr UINT kFirmwareFileRequest = WM_APP + 0x76E;
 constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
 constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
 
@@ -74,6 +76,12 @@ Result OnDestroy(const WindowMessage&) {
   return 0;
 }
 
+// A controller without its firmware should not be left alone; the reason that is shown meanwhile was given before.
+Result OnQueryEndSession(const WindowMessage&) {
+  if (GetAppState().bootloader.IsRunning()) return FALSE;
+  return {};
+}
+
 Result OnEndSession(const WindowMessage& m) {
   if (!m.wParam) return 0;
   RunShutdownSequence();
@@ -85,6 +93,7 @@ Result OnEndSession(const WindowMessage& m) {
 
 constexpr ULONG_PTR kInfraredRequest = 0;
 constexpr ULONG_PTR kInfraredRequestToo = 1;
+constexpr ULONG_PTR kFirmwareUpdate = 2;
 constexpr ULONG_PTR kInfraredCancel = 3;
 
 Result OnCopyData(const WindowMessage& m) {
@@ -106,6 +115,7 @@ Result OnCopyData(const WindowMessage& m) {
     ForwardInfraredCancel(sender, payload);
     return 1;
   }
+  if (tag == kFirmwareUpdate) StartFirmwareUpdate(payload);
   return {};
 }
 
@@ -220,6 +230,11 @@ Result OnQueryPicFirmware(const WindowMessage&) {
   return std::atoi(GetAppState().identity.firmwareVersionText.c_str()) >= kOldestWanted ? 1 : 0;
 }
 
+Result OnFirmwareFileRequest(const WindowMessage&) {
+  ChooseFirmwareFile();
+  return {};
+}
+
 Result OnStatusLedRequest(const WindowMessage& m) {
   constexpr WPARAM kLastLedState = 3;
   SendText(std::string("SetStatusLed=").append(std::to_string(m.wParam <= kLastLedState ? m.wParam : 0)));
@@ -265,6 +280,7 @@ constexpr MessageRow kMessageRows[] = {
     {WM_CREATE, true, OnCreate},
     {WM_CLOSE, false, OnClose},
     {WM_DESTROY, false, OnDestroy},
+    {WM_QUERYENDSESSION, true, OnQueryEndSession},
     {WM_ENDSESSION, true, OnEndSession},
     {WM_COPYDATA, true, OnCopyData},
     {WM_COMMAND, true, OnCommand},
@@ -277,6 +293,7 @@ constexpr MessageRow kMessageRows[] = {
     {WM_PIC_LINE_LOST, true, OnPicLineLostMessage},
     {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
     {kDeviceToolRequest, true, OnDeviceToolRequest},
+    {kFirmwareFileRequest, true, OnFirmwareFileRequest},
     {kStatusLedRequest, true, OnStatusLedRequest},
     {kCodecStatusQuery, true, OnCodecStatusQuery},
 };

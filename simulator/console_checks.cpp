@@ -56,7 +56,7 @@ struct CheckRow {
 };
 constexpr CheckRow kChecks[] = {
     {"registry", CheckRegistry}, {"log", CheckLog},   {"box", CheckBox},
-    {"exit", CheckExit},         {"line", CheckLine},
+    {"exit", CheckExit},         {"line", CheckLine}, {"flash", CheckFlash},
 };
 
 Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
@@ -91,7 +91,7 @@ Problem RunCheck(Console& console, Words words) {
   if (!wanted) rest = rest.subspan(1);
   const auto* row = rest.empty() ? std::end(kChecks)
                                  : std::ranges::find(kChecks, std::string_view(rest[0]), &CheckRow::name);
-  if (row == std::end(kChecks)) return ExpectedArguments("[no] registry|log|box|exit|line ...");
+  if (row == std::end(kChecks)) return ExpectedArguments("[no] registry|log|box|exit|line|flash ...");
   return row->run(console, rest.subspan(1), wanted);
 }
 

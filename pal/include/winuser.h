@@ -257,6 +257,10 @@ HICON WINAPI LoadIconW(HINSTANCE instance, LPCWSTR name);
 HANDLE WINAPI LoadImageW(HINSTANCE instance, LPCWSTR name, UINT type, int width, int height, UINT flags);
 BOOL WINAPI DestroyIcon(HICON icon);
 int WINAPI GetSystemMetrics(int metric);
+// ---- the end of the session ---------------------------------------------------------------------------------
+
+BOOL WINAPI ShutdownBlockReasonCreate(HWND window, LPCWSTR reason);
+BOOL WINAPI ShutdownBlockReasonDestroy(HWND window);
 
 // ---- input --------------------------------------------------------------------------------------------------
 

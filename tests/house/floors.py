@@ -12,15 +12,15 @@ ROOT = Path(__file__).resolve().parents[2]
 ROOMS = ("base", "app", "link", "switches", "firmware", "board", "power", "report", "resources")
 
 # Floor of each file, by the first pattern that fits (a file and its header stand together).
-PURE = re.compile(r"(base/text|app/command_line|link/frame|firmware/(hex_file|flash_image)|board/(codec_parameters|codec_download|gain_tables)"
+PURE = re.compile(r"(base/text|app/command_line|link/(frame|message_type)|firmware/(hex_file|flash_image|boot_sequence)|board/(codec_parameters|codec_download|gain_tables)"
                   r"|power/alarm_decision)\.")
 FLOORS = [
     (0, r"base/.*|resources/.*"),
-    (1, r"app/command_line|link/frame|firmware/(hex_file|flash_image)|board/(codec_parameters|codec_download|gain_tables)"
+    (1, r"app/command_line|link/(frame|message_type)|firmware/(hex_file|flash_image|boot_sequence)|board/(codec_parameters|codec_download|gain_tables)"
         r"|power/alarm_decision"),
     (2, r"app/(folders|diagnostic_log|windows_version|tray_state)|link/(link_state|device_identity|serial_input)"
         r"|switches/(switch_state|button_action|joystick_library|macro_library|mouse_filter_library|maker_applications)|board/(board_library|audio_settings)"
-        r"|power/(battery_status|battery_details)\.h"),
+        r"|power/(battery_status|battery_details)\.h|firmware/(bootloader|update_guard)\.h"),
     (3, r"app/app_state"),
     (5, r"app/main_window|link/pic_(messages|receiver)"),
     (6, r"app/entry"),
