@@ -217,7 +217,9 @@ BootEffects BootSequence::OnResponse(uint32_t address, Bytes data) {
   BootEffects effects = {CancelStepTimer{}, PostProgress{BootProgress::kStepAnswered, 0}};
   switch (state) {
     case BootState::kIdle:
-    case BootState::kWaitBootloader:
+      break;
+    case BootState::kWaitBootloader:  // of an earlier update: the wait goes on, and must end
+      effects.push_back(ArmStepTimer{});
       break;
     case BootState::kErasing:
       OnErased(*this, effects);

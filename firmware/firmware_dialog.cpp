@@ -76,8 +76,11 @@ INT_PTR Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
 
 void CreateFirmwareDialog() {
   AppState& state = GetAppState();
-  state.hFirmwareDlg = CreateDialogIndirectParamW(state.hInstance, LoadDialogTemplate(IDD_FIRMWARE),
-                                                  state.hMainWnd, FirmwareDialogProc, 0);
+  const Bytes resource = FindLocalResource(RT_DIALOG, IDD_FIRMWARE);
+  if (resource.empty()) return;
+  state.hFirmwareDlg =
+      CreateDialogIndirectParamW(state.hInstance, reinterpret_cast<LPCDLGTEMPLATEW>(resource.data()),
+                                 state.hMainWnd, FirmwareDialogProc, 0);
 }
 
 void ChooseFirmwareFile() {

@@ -311,8 +311,11 @@ HKL WINAPI GetKeyboardLayout(DWORD threadId);
 
 // ---- the end of Windows -------------------------------------------------------------------------------------
 
+#define EWX_SHUTDOWN 0x00000001u
 #define EWX_FORCE 0x00000004u
 #define EWX_POWEROFF 0x00000008u
+#define EWX_FORCEIFHUNG 0x00000010u
+#define SHTDN_REASON_FLAG_PLANNED 0x80000000u
 #define SHTDN_REASON_MAJOR_POWER 0x00060000u
 #define SHTDN_REASON_MINOR_POWER_SUPPLY 0x0000000Au
 

@@ -173,6 +173,12 @@ TEST(BootSequence, ErrorsEndItWithTheirCodeAndPlace) {
   }
 }
 
+TEST(BootSequence, AStrayAnswerDoesNotEndTheWaitForTheBootloader) {
+  BootSequence sequence = InState(BootState::kWaitBootloader);
+  EXPECT_EQ(sequence.OnResponse(0, {}), (BootEffects{kCancel, kStep, kArm}));
+  EXPECT_EQ(FailureIn(sequence.OnTimeout()).detail, 1);
+}
+
 // A read-back that is too short leaves the erased pattern behind it; one that runs over is dropped at the
 // image's end.
 TEST(BootSequence, TakesReadBacksOfAnyLength) {

@@ -51,6 +51,7 @@ class UpdatedTablet {
   UpdatedTablet() {
     machine.SetRegistryDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"StartupDelay", 0);
     EXPECT_TRUE(tablet.StartAndSettle());
+    tablet.Advance(20s);  // until the codec is up as well
     pic.OnTraffic([this](const Traffic& traffic) {
       if (traffic.direction == Traffic::Direction::kFromTool) fromTool.push_back(Describe(traffic));
     });
@@ -132,13 +133,15 @@ TEST(FirmwareUpdate, LeavesTheFlashAsTheFileSays) {
 TEST(FirmwareUpdate, TouchesNothingOutsideTheWindow) {
   constexpr uint32_t kOwnRow = 0x12800;
   const Flash factory;
-  UpdatedTablet tablet;
-  tablet.Update(Rows(simulator::ProgrammableRows()));
-  for (uint32_t row = 0; row < Flash::kSize; row += Flash::kRowSize)
-    if (row < 0x1800 || row >= 0x14800)
-      EXPECT_TRUE(std::ranges::equal(tablet.pic.bootloader.Memory().Row(row), factory.Row(row))) << row;
-  EXPECT_EQ(tablet.pic.bootloader.Memory().Row(kOwnRow)[0], 0xFF);
-
+  {
+    UpdatedTablet tablet;
+    tablet.Update(Rows(simulator::ProgrammableRows()));
+    for (uint32_t row = 0; row < Flash::kSize; row += Flash::kRowSize)
+      if (row < 0x1800 || row >= 0x14800) {
+        EXPECT_TRUE(std::ranges::equal(tablet.pic.bootloader.Memory().Row(row), factory.Row(row))) << row;
+      }
+    EXPECT_EQ(tablet.pic.bootloader.Memory().Row(kOwnRow)[0], 0xFF);
+  }
   UpdatedTablet other;
   other.Update(Rows({kOwnRow - 0x100}));
   EXPECT_TRUE(std::ranges::equal(other.pic.bootloader.Memory().Row(kOwnRow), factory.Row(kOwnRow)));
@@ -201,6 +204,7 @@ TEST(FirmwareUpdate, EveryFaultAtEveryStepEndsInItsTextAndASecondUpdateSucceeds)
         EXPECT_TRUE(tablet.HasLogged("Firmware update"));
       }
       tablet.pic.RestorePower();
+      tablet.tablet.Advance(1s);  // what is still on the line passes
       EXPECT_EQ(tablet.Update(bytes), kSucceeded);
       tablet.ExpectFlashOf(bytes);
     }
@@ -217,6 +221,7 @@ TEST(FirmwareUpdate, APowerLossAtAnyMomentIsMendedByASecondUpdate) {
     if (text != kSucceeded) ++losses;
     if (text == kSucceeded) tablet.ExpectFlashOf(bytes);
     tablet.pic.RestorePower();
+    tablet.tablet.Advance(1s);
     EXPECT_EQ(tablet.Update(bytes), kSucceeded);
     tablet.ExpectFlashOf(bytes);
   }
@@ -224,11 +229,12 @@ TEST(FirmwareUpdate, APowerLossAtAnyMomentIsMendedByASecondUpdate) {
 }
 
 TEST(FirmwareUpdate, AfterAFailureTheLogNamesStepRowAndByte) {
-  UpdatedTablet silent;
-  silent.pic.ArmAtStep(4, Fault::kMute);
-  silent.Update(Rows({0x1800, 0x1900}));
-  EXPECT_TRUE(silent.HasLogged(">_<    writing row 0x01900: no answer\r\n")) << silent.Log();
-
+  {
+    UpdatedTablet silent;
+    silent.pic.ArmAtStep(4, Fault::kMute);
+    silent.Update(Rows({0x1800, 0x1900}));
+    EXPECT_TRUE(silent.HasLogged(">_<    writing row 0x01900: no answer\r\n")) << silent.Log();
+  }
   UpdatedTablet stuck;
   stuck.pic.ArmAtStep(3, Fault::kStuckBit);
   stuck.Update(Rows({0x1800, 0x1900}));
@@ -345,7 +351,7 @@ TEST(FirmwareDialog, IsShownOnTopAndEndsWithThePowerOff) {
   EXPECT_EQ(tablet.Text(), kStarted);
   EXPECT_FALSE(Look(IDOK).isEnabled);
   tablet.AwaitEnd();
-  pal::person::PressKey(VK_ESCAPE);
+  tablet.machine.Post(dialog->window, WM_COMMAND, IDCANCEL, 0);
   tablet.tablet.Advance(100ms);
   EXPECT_TRUE(FrontDialog().has_value());
   EXPECT_TRUE(pal::Select<pal::WindowsExit>(tablet.machine.Effects()).empty());
