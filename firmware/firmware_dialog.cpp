@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "app/app_state.h"
+#include "app/dialog_items.h"
 #include "app/language.h"
 #include "base/debug_output.h"
 #include "power/power_off.h"
@@ -25,17 +26,9 @@ constexpr const WCHAR* kFailureText = TEXT(
     "Could not update firmware (%s %d)\n\nDevice should be restarted.\nPlease retry the update after "
     "restart!");
 
-void ShowText(HWND dialog, const WideText& text) {
-  SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, text.c_str());
-}
-
-void EnableOk(HWND dialog, bool enable) {
-  EnableWindow(GetDlgItem(dialog, IDOK), enable);
-}
-
 void ShowEnd(HWND dialog, const WideText& text) {
-  EnableOk(dialog, true);
-  ShowText(dialog, text);
+  EnableItem(dialog, IDOK, true);
+  SetItemText(dialog, IDC_FIRMWARE_TEXT, text);
 }
 
 void ShowOnTop(HWND dialog) {
@@ -104,8 +97,8 @@ void StartFirmwareUpdate(const WideText& path) {
     return state.log.WriteError(TEXT("Firmware update"), TEXT("refused, another one runs: ") + path);
   const HWND dialog = state.hFirmwareDlg;
   ShowOnTop(dialog);
-  ShowText(dialog, kStartText);
-  EnableOk(dialog, false);
+  SetItemText(dialog, IDC_FIRMWARE_TEXT, kStartText);
+  EnableItem(dialog, IDOK, false);
   const std::optional<uint32_t> stepCount = state.bootloader.Start(path);
   if (!stepCount) return ShowEnd(dialog, kNoStartText);
   SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, *stepCount));
@@ -113,8 +106,8 @@ void StartFirmwareUpdate(const WideText& path) {
 }
 
 void StartFirmwareUpdate(Bytes copiedPath) {
-  WideText path(copiedPath.size() / sizeof(WCHAR), 0);
-  std::memcpy(path.data(), copiedPath.data(), path.size() * sizeof(WCHAR));
+  WideText path(copiedPath.size() / sizeof(WCHAR), 0);  // the bytes may lie at an odd address
+  if (!path.empty()) std::memcpy(path.data(), copiedPath.data(), path.size() * sizeof(WCHAR));
   StartFirmwareUpdate(path.substr(0, path.find(WideChar{0})));
 }
 
