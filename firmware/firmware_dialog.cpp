@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "app/app_state.h"
-#include "app/dialog_items.h"
 #include "app/language.h"
 #include "base/debug_output.h"
 #include "power/power_off.h"
@@ -27,8 +26,8 @@ constexpr const WCHAR* kFailureText = TEXT(
     "restart!");
 
 void ShowEnd(HWND dialog, const WideText& text) {
-  EnableItem(dialog, IDOK, true);
-  SetItemText(dialog, IDC_FIRMWARE_TEXT, text);
+  EnableWindow(GetDlgItem(dialog, IDOK), TRUE);
+  SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, text.c_str());
 }
 
 void ShowOnTop(HWND dialog) {
@@ -97,8 +96,8 @@ void StartFirmwareUpdate(const WideText& path) {
     return state.log.WriteError(TEXT("Firmware update"), TEXT("refused, another one runs: ") + path);
   const HWND dialog = state.hFirmwareDlg;
   ShowOnTop(dialog);
-  SetItemText(dialog, IDC_FIRMWARE_TEXT, kStartText);
-  EnableItem(dialog, IDOK, false);
+  SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, kStartText);
+  EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
   const std::optional<uint32_t> stepCount = state.bootloader.Start(path);
   if (!stepCount) return ShowEnd(dialog, kNoStartText);
   SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, *stepCount));
