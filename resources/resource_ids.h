@@ -124,8 +124,8 @@
 #define IDP_REMAINING_LABEL 1102
 
 // Controls of the update dialog.
-#define IDF_MESSAGE 1121
-#define IDF_PROGRESS 1122
+#define IDC_FIRMWARE_TEXT 1121
+#define IDC_FIRMWARE_PROGRESS 1122
 
 // Texts: power source and power meter.
 #define IDS_PERCENT_REMAINING 159
