@@ -374,7 +374,7 @@ constexpr ConsoleCommand kCommands[] = {
     {"ask-firmware", "", "an application asks whether the firmware is new enough", true, RunAskFirmware},
     {"expect", "[no] [exactly] TEXT", "a line that holds TEXT, or is TEXT, must have come", false, RunExpect},
     {"at", "TIME expect TEXT", "and at that time; +TIME counts from the last command", false, RunAt},
-    {"check", "WHAT ...", "registry NAME NUMBER, [no] log TEXT, [no] box TEXT, exit CODE, line, flash", false,
+    {"check", "WHAT ...", "registry NAME NUMBER, [no] log TEXT, [no] box|dialog TEXT, exit CODE, line, flash", false,
      RunCheck},
     {"mark", "", "expectations look from here on", false, RunMark},
     {"show", "log", "print the tool's log file", false, RunShow},
