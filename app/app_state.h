@@ -12,6 +12,7 @@
 #include "base/text.h"
 #include "board/audio_settings.h"
 #include "board/board_library.h"
+#include "firmware/bootloader.h"
 #include "link/device_identity.h"
 #include "link/link_state.h"
 #include "link/serial_input.h"
@@ -41,6 +42,7 @@ struct AppState {
   TrayState tray;
   bool PowerMeterOpen = false;  // while the dialog is open, so that no second one opens
   bool OptionsOpen = false;
+  HWND hFirmwareDlg = nullptr;
   UINT SwitchInputMessage = 0;  // the registered message "Veltra_SwitchInput"; 0 when the registration failed
 
   // User settings, kept in the registry together with those of `battery` and `audio`.
@@ -83,6 +85,7 @@ struct AppState {
   BoardLibrary board;
   uint8_t ExpanderPortA = 0;  // the outputs of the I/O expander as last written
   uint8_t ExpanderPortB = 0;
+  Bootloader bootloader;
 
   // Switches.
   bool escHeld = false;  // a long press of the middle, top or bottom side button is pending

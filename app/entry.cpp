@@ -12,6 +12,7 @@
 #include "app/tray_icons.h"
 #include "base/debug_output.h"
 #include "base/handles.h"
+#include "firmware/firmware_dialog.h"
 #include "power/outside_tools.h"
 #include "resources/resource_ids.h"
 #include "switches/button_profile.h"
@@ -97,6 +98,7 @@ int RunTool(HINSTANCE instance) {
   LoadMacroLibrary();
   WaitBeforeStart();
   RunStartupSequence(false);
+  CreateFirmwareDialog();
   const int exitCode = RunMessageLoop();
 
   if (HasAppState()) {  // the end of a Windows session has done all this already

@@ -15,6 +15,7 @@
 #include "app/windows_version.h"
 #include "base/debug_output.h"
 #include "board/codec.h"
+#include "firmware/firmware_dialog.h"
 #include "link/identity_updates.h"
 #include "link/infrared.h"
 #include "link/pic_comm.h"
@@ -39,6 +40,7 @@ namespace {
 constexpr UINT WM_QUERY_PIC_FIRMWARE = WM_APP + 0xDF;
 constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
 constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
+constexpr UINT kFirmwareFileRequest = WM_APP + 0x76E;
 constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
 constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
 
@@ -79,6 +81,12 @@ Result OnDestroy(const WindowMessage&) {
   return 0;
 }
 
+// A controller without its firmware should not be left alone; the reason that is shown meanwhile was given before.
+Result OnQueryEndSession(const WindowMessage&) {
+  if (GetAppState().bootloader.IsRunning()) return FALSE;
+  return {};
+}
+
 Result OnEndSession(const WindowMessage& m) {
   if (!m.wParam) return 0;
   RunShutdownSequence();
@@ -90,6 +98,7 @@ Result OnEndSession(const WindowMessage& m) {
 
 constexpr ULONG_PTR kInfraredRequest = 0;
 constexpr ULONG_PTR kInfraredRequestToo = 1;
+constexpr ULONG_PTR kFirmwareUpdate = 2;
 constexpr ULONG_PTR kInfraredCancel = 3;
 
 Result OnCopyData(const WindowMessage& m) {
@@ -111,6 +120,7 @@ Result OnCopyData(const WindowMessage& m) {
     ForwardInfraredCancel(sender, payload);
     return 1;
   }
+  if (tag == kFirmwareUpdate) StartFirmwareUpdate(payload);
   return {};
 }
 
@@ -235,6 +245,11 @@ Result OnQueryPicFirmware(const WindowMessage&) {
   return std::atoi(GetAppState().identity.firmwareVersionText.c_str()) >= kOldestWanted ? 1 : 0;
 }
 
+Result OnFirmwareFileRequest(const WindowMessage&) {
+  ChooseFirmwareFile();
+  return {};
+}
+
 Result OnStatusLedRequest(const WindowMessage& m) {
   constexpr WPARAM kLastLedState = 3;
   SendText(std::string("SetStatusLed=").append(std::to_string(m.wParam <= kLastLedState ? m.wParam : 0)));
@@ -285,6 +300,7 @@ constexpr MessageRow kMessageRows[] = {
     {WM_CREATE, true, OnCreate},
     {WM_CLOSE, false, OnClose},
     {WM_DESTROY, false, OnDestroy},
+    {WM_QUERYENDSESSION, true, OnQueryEndSession},
     {WM_ENDSESSION, true, OnEndSession},
     {WM_COPYDATA, true, OnCopyData},
     {WM_COMMAND, true, OnCommand},
@@ -298,6 +314,7 @@ constexpr MessageRow kMessageRows[] = {
     {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
     {kDeviceToolRequest, true, OnDeviceToolRequest},
     {kDeviceReportRequest, true, OnDeviceReportRequest},
+    {kFirmwareFileRequest, true, OnFirmwareFileRequest},
     {kStatusLedRequest, true, OnStatusLedRequest},
     {kCodecStatusQuery, true, OnCodecStatusQuery},
 };

@@ -4,6 +4,7 @@ add_library(veltra_cores STATIC
   base/text.cpp
   app/command_line.cpp
   board/codec_download.cpp
+  firmware/boot_sequence.cpp
   firmware/flash_image.cpp
   firmware/hex_file.cpp
   link/frame.cpp
@@ -35,7 +36,10 @@ add_library(veltra_tool STATIC
   board/i2c.cpp
   board/volume.cpp
   board/platform_info.cpp
+  firmware/bootloader.cpp
+  firmware/firmware_dialog.cpp
   firmware/read_hex_file.cpp
+  firmware/update_guard.cpp
   link/identity_store.cpp
   link/identity_updates.cpp
   link/infrared.cpp

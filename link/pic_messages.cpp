@@ -120,6 +120,7 @@ bool Matches(std::string_view request, std::string_view literal) {
 void OnOwnReply(std::string_view request, Bytes reply) {
   AppState& state = GetAppState();
   if (Matches(request, "IRRecord")) return StoreInfraredRecording(reply);
+  if (Matches(request, "GotoBootloader")) return state.bootloader.OnEnterBootloader();
   for (const BatteryDetail& detail : kBatteryDetails)
     if (Matches(request, detail.query)) return state.battery.SetDetail(detail.index, reply);
   if (Matches(request, "EnableGsm=1")) {
@@ -155,15 +156,17 @@ void OnLogLine(Bytes line) {
   GetAppState().log.Write(TEXT("Pic Log"), Widen(TextOf(line)));
 }
 
-// Answers of the bootloader take their request out of the queue and transmit nothing.
+// Answers of the bootloader take their request out of the queue and transmit nothing: the update sends its
+// next command itself.
 void OnBootloaderData(Bytes data) {
   constexpr size_t kAddressedLength = 4;  // behind the type: one byte and a 24-bit address
-  if (data.size() < kAddressedLength) return;
-  TakeAnsweredRequest();
+  if (data.size() < kAddressedLength || !TakeAnsweredRequest()) return;
+  const uint32_t wordAddress = data[1] + (uint32_t{data[2]} << 8) + (uint32_t{data[3]} << 16);
+  GetAppState().bootloader.OnResponse(2 * wordAddress, data.subspan(kAddressedLength));
 }
 
 void OnBootloaderAcknowledge(Bytes) {
-  TakeAnsweredRequest();
+  if (TakeAnsweredRequest()) GetAppState().bootloader.OnResponse(0, {});
 }
 
 void OnTextMessage(Bytes content) {

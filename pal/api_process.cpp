@@ -81,3 +81,22 @@ EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags) {
   if (flags & ES_CONTINUOUS) call->executionState = flags;
   return before;
 }
+
+BOOL WINAPI ShutdownBlockReasonCreate(HWND window, LPCWSTR reason) {
+  const Call call("ShutdownBlockReasonCreate");
+  if (call.Fails()) return FALSE;
+  const Window* found = call->desktop.Find(window);
+  if (!found) return Refuse(ERROR_INVALID_WINDOW_HANDLE, FALSE);
+  if (found->thread != Scheduler::Current()) return Refuse(ERROR_ACCESS_DENIED, FALSE);
+  if (!reason || !*reason) Die("ShutdownBlockReasonCreate without a reason");
+  call->Emit(SessionHeld{reason});
+  return TRUE;
+}
+
+BOOL WINAPI ShutdownBlockReasonDestroy(HWND window) {
+  const Call call("ShutdownBlockReasonDestroy");
+  if (call.Fails()) return FALSE;
+  if (!call->desktop.Find(window)) return Refuse(ERROR_INVALID_WINDOW_HANDLE, FALSE);
+  call->Emit(SessionHeld{});
+  return TRUE;
+}

@@ -142,11 +142,16 @@ struct Words {
   }
   std::string operator()(const ExecutionState& e) const {
     if (e.flags == (ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED)) return "awake";
+    if (e.flags == (ES_CONTINUOUS | ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED)) return "stays awake";
+    if (e.flags == ES_CONTINUOUS) return "may sleep";
     return "execution state " + Hex(e.flags, 8);
   }
   std::string operator()(const WindowsExit& e) const {
     if (e.flags == (EWX_POWEROFF | EWX_FORCE)) return "power off, reason " + Hex(e.reason, 5);
     return "exit windows " + Hex(e.flags, 2) + ", reason " + Hex(e.reason, 5);
+  }
+  std::string operator()(const SessionHeld& e) const {
+    return e.reason.empty() ? "session may end" : "session held: " + OneLine(e.reason);
   }
   std::string operator()(const Beep& e) const { return e.type == MB_OK ? "beep" : "beep " + Hex(e.type, 2); }
   std::string operator()(const BoxShown& e) const {

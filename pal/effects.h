@@ -42,6 +42,8 @@ struct MouseInput { uint32_t flags = 0; int32_t dx = 0, dy = 0; uint32_t data = 
 struct KeyInput { uint8_t virtualKey = 0; uint8_t scanCode = 0; uint32_t flags = 0; };
 struct ExecutionState { uint32_t flags = 0; };
 struct WindowsExit { uint32_t flags = 0; uint32_t reason = 0; };
+// The end of the session is asked to wait; an empty reason: not any more.
+struct SessionHeld { std::u16string reason; };
 struct Beep { uint32_t type = 0; };
 struct BoxShown { std::u16string text; std::u16string caption; uint32_t type = 0; };
 struct BoxAnswered { int button = 0; };
@@ -110,6 +112,7 @@ using EffectDetail = std::variant<
     KeyInput,
     ExecutionState,
     WindowsExit,
+    SessionHeld,
     Beep,
     BoxShown,
     BoxAnswered,

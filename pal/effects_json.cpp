@@ -109,6 +109,9 @@ Object Fields(const ExecutionState& e) {
 Object Fields(const WindowsExit& e) {
   return Object("windows exit").With("flags", e.flags).With("reason", e.reason);
 }
+Object Fields(const SessionHeld& e) {
+  return Object("session held").With("reason", e.reason);
+}
 Object Fields(const Beep& e) {
   return Object("beep").With("type", e.type);
 }

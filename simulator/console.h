@@ -13,6 +13,12 @@
 
 namespace simulator {
 
+// What was there before the latest firmware update.
+struct UpdateRecord {
+  std::u16string file;
+  std::vector<uint8_t> flash;
+};
+
 class Console {
  public:
   explicit Console(std::ostream& out);
@@ -30,12 +36,14 @@ class Console {
   std::ostream& Out() { return out_; }
   // When the last command ran that did something to the tablet.
   [[nodiscard]] Duration LastActionAt() const { return lastActionAt_; }
+  UpdateRecord& LastUpdate() { return lastUpdate_; }
 
  private:
   std::ostream& out_;
   Timeline timeline_;
   SimulatedTablet tablet_;
   Duration lastActionAt_{0};
+  UpdateRecord lastUpdate_;
   bool ended_ = false;
 };
 
@@ -50,6 +58,12 @@ struct ConsoleCommand {
 
 // The row of that name among the console's own commands, null when there is none.
 const ConsoleCommand* FindConsoleCommand(std::string_view name);
+
+// Firmware updates.
+Problem RunFirmwareFile(Console& console, Words words);
+Problem RunUpdate(Console& console, Words words);
+// The controller's flash is as it was before the latest update, but for what the file says.
+Problem CheckFlash(Console& console, Words arguments, bool wanted);
 
 // What scenarios demand; the first words are "expect", "at" and "check".
 Problem RunExpect(Console& console, Words words);

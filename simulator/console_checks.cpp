@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "pal/person.h"
 #include "simulator/console.h"
 #include "simulator/controller_commands.h"
 
@@ -35,6 +36,19 @@ Problem CheckBox(Console& console, Words arguments, bool wanted) {
   return open;
 }
 
+Problem CheckDialog(Console&, Words arguments, bool wanted) {
+  const std::string text = JoinWords(arguments);
+  const std::optional<pal::DialogView> dialog = pal::person::FrontDialog();
+  const auto shows = [&text](const pal::ControlView& control) {
+    return Ascii(control.text).find(text) != std::string::npos;
+  };
+  if ((dialog && std::ranges::any_of(dialog->controls, shows)) == wanted) return {};
+  if (!dialog) return "no dialog is shown";
+  std::string shown = "it shows:";
+  for (const pal::ControlView& control : dialog->controls) shown += " \"" + Ascii(control.text) + "\"";
+  return shown;
+}
+
 Problem CheckExit(Console& console, Words arguments, bool wanted) {
   const std::optional<int64_t> code = arguments.size() == 1 ? ParseNumber(arguments[0]) : std::nullopt;
   if (!code) return ExpectedArguments("exit CODE");
@@ -55,8 +69,8 @@ struct CheckRow {
   Problem (*run)(Console& console, Words arguments, bool wanted);
 };
 constexpr CheckRow kChecks[] = {
-    {"registry", CheckRegistry}, {"log", CheckLog},   {"box", CheckBox},
-    {"exit", CheckExit},         {"line", CheckLine},
+    {"registry", CheckRegistry}, {"log", CheckLog},     {"box", CheckBox},       {"exit", CheckExit},
+    {"line", CheckLine},         {"flash", CheckFlash}, {"dialog", CheckDialog},
 };
 
 Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
@@ -91,7 +105,7 @@ Problem RunCheck(Console& console, Words words) {
   if (!wanted) rest = rest.subspan(1);
   const auto* row = rest.empty() ? std::end(kChecks)
                                  : std::ranges::find(kChecks, std::string_view(rest[0]), &CheckRow::name);
-  if (row == std::end(kChecks)) return ExpectedArguments("[no] registry|log|box|exit|line ...");
+  if (row == std::end(kChecks)) return ExpectedArguments("[no] registry|log|box|dialog|exit|line|flash ...");
   return row->run(console, rest.subspan(1), wanted);
 }
 

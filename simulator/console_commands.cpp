@@ -236,8 +236,10 @@ Problem RunSuspend(Console& console, Words) {
 Problem RunResume(Console& console, Words) {
   return Delivered(console, console.Tablet().SendPowerEvent(PBT_APMRESUMEAUTOMATIC));
 }
-Problem RunEndSession(Console& console, Words) {
-  return Delivered(console, console.Tablet().Ask(WM_ENDSESSION, TRUE));
+Problem RunEndSession(Console& console, Words words) {
+  if (words.size() == 1) return Delivered(console, console.Tablet().Ask(WM_ENDSESSION, TRUE));
+  if (words.size() != 2 || words[1] != "ask") return ExpectedArguments("[ask]");
+  return Answered(console, console.Tablet().Ask(WM_QUERYENDSESSION));
 }
 
 Problem RunPort(Console& console, Words words) {
@@ -390,8 +392,12 @@ constexpr ConsoleCommand kCommands[] = {
      "the controller's port goes or comes; vanish, return: without a word", true, RunPort},
     {"suspend", "", "Windows announces standby", true, RunSuspend},
     {"resume", "", "Windows is back from standby", true, RunResume},
-    {"end-session", "", "Windows ends the session", true, RunEndSession},
+    {"end-session", "[ask]", "Windows ends the session, or asks whether it may", true, RunEndSession},
     {"send-data", "TAG [TEXT] [from NAME]", "copied data from an application", true, RunSendData},
+    {"firmware-file", "NAME ROW...|all", "a HEX file of new rows, on the tablet's disk", false,
+     RunFirmwareFile},
+    {"update", "FILE", "an application asks for a firmware update; also with a file of this computer", true,
+     RunUpdate},
     {"request", "OPERATION [VALUE]", "a device tool request from an application", true, RunRequest},
     {"led", "NUMBER", "a status LED request from an application", true, RunLed},
     {"ask-firmware", "", "an application asks whether the firmware is new enough", true, RunAskFirmware},
@@ -399,7 +405,7 @@ constexpr ConsoleCommand kCommands[] = {
      RunAskReport},
     {"expect", "[no] [exactly] TEXT", "a line that holds TEXT, or is TEXT, must have come", false, RunExpect},
     {"at", "TIME expect TEXT", "and at that time; +TIME counts from the last command", false, RunAt},
-    {"check", "WHAT ...", "registry NAME NUMBER, [no] log TEXT, [no] box TEXT, exit CODE, line", false,
+    {"check", "WHAT ...", "registry NAME NUMBER, [no] log TEXT, [no] box|dialog TEXT, exit CODE, line, flash", false,
      RunCheck},
     {"mark", "", "expectations look from here on", false, RunMark},
     {"show", "log", "print the tool's log file", false, RunShow},

@@ -8,6 +8,20 @@ namespace {
 
 constexpr std::string_view kAskAgain = "Resend";
 constexpr std::string_view kAcknowledge = "OK";
+constexpr std::string_view kEnterBootloader = "GotoBootloader";
+constexpr uint8_t kNextRow = 0x80;  // in the lowest byte of a word address
+
+bool IsErase(std::span<const uint8_t> message) {
+  return message.front() == static_cast<uint8_t>(MessageType::kErasePage);
+}
+
+// 57600 baud, 10 bits a byte.
+Duration TimeOnLine(size_t bytes) {
+  constexpr int64_t kBaud = 57600;
+  constexpr int64_t kBitsPerByte = 10;
+  constexpr int64_t kMicroseconds = 1'000'000;
+  return Duration(static_cast<int64_t>(bytes) * kBitsPerByte * kMicroseconds / kBaud);
+}
 
 // Identification: the query, the text that answers it and the command that changes the value. The value that
 // goes with a query is a text message of its own; the reply only says that the query was served.
@@ -88,8 +102,21 @@ std::string Describe(const Traffic& traffic) {
 }
 
 void Controller::Receive(std::span<const uint8_t> bytes) {
-  for (const uint8_t byte : bytes)
-    if (const std::optional<WireEvent> event = reader_.Take(byte)) OnEvent(*event);
+  if (!paced_) {
+    for (const uint8_t byte : bytes) Hear(byte);
+    return;
+  }
+  const Duration now = host_.now();
+  const Duration begin = std::max(now, hearingFreeAt_);
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    hearingFreeAt_ = begin + TimeOnLine(i + 1);
+    host_.after(hearingFreeAt_ - now, [this, byte = bytes[i]] { Hear(byte); });
+  }
+}
+
+void Controller::Hear(uint8_t byte) {
+  if (!powered_) return;
+  if (const std::optional<WireEvent> event = reader_.Take(byte)) OnEvent(*event);
 }
 
 void Controller::OnEvent(const WireEvent& event) {
@@ -109,16 +136,23 @@ void Controller::OnRequest(const std::vector<uint8_t>& message) {
     if (!lastMessage_.empty()) SendMessage(lastMessage_);
     return;
   }
+  if (IsErase(message) && message == command_ && !askedAgain_) return;  // the same erase command, heard twice
+  const bool isEntry = message == MakeMessage(MessageType::kText, kEnterBootloader);
+  if (isEntry) unanswered_.clear();  // the tool has given up what was before
   if (!unanswered_.empty() && !(askedAgain_ && message == unanswered_))
     violations_.push_back(DescribeMessage(message) + " before the reply to " + DescribeMessage(unanswered_));
   requests_.push_back({host_.now(), message});
+  if (inBootloader_ && !isEntry && !Bootloader::IsCommand(message)) return;  // it does not know anything else
+  if (!askedAgain_) CountStep(message);
   unanswered_ = message;
   askedAgain_ = false;
   if (UseUp(Fault::kAgain)) {
     askedAgain_ = true;
     return SendText(kAskAgain);
   }
-  host_.after(replyDelay_, [this, message] { Answer(message); });
+  if (Bootloader::IsCommand(message)) return OnBootloaderCommand(message);
+  if (UseUp(Fault::kPower)) return CutPower();
+  AfterPowered(replyDelay_, [this, message] { Answer(message); });
 }
 
 void Controller::Answer(const std::vector<uint8_t>& message) {
@@ -132,7 +166,81 @@ void Controller::Answer(const std::vector<uint8_t>& message) {
   if (twice) SendReply(content);
 }
 
+// ---- the firmware update
+
+void Controller::CountStep(const std::vector<uint8_t>& message) {
+  if (message == MakeMessage(MessageType::kText, kEnterBootloader))
+    step_ = 1;
+  else if (inBootloader_)
+    ++step_;
+  else
+    return;
+  const auto [first, last] = armedAtSteps_.equal_range(step_);
+  for (auto planned = first; planned != last; ++planned) Arm(planned->second);
+  armedAtSteps_.erase(first, last);
+}
+
+void Controller::OnBootloaderCommand(const std::vector<uint8_t>& command) {
+  std::string objection = Bootloader::Objection(command);
+  if (!inBootloader_) objection = DescribeMessage(command) + " while the firmware runs";
+  if (!objection.empty()) {
+    violations_.push_back(std::move(objection));
+    unanswered_.clear();
+    return;
+  }
+  command_ = command;
+  commandRuns_ = true;
+  const Duration time = bootloader.TimeFor(command);
+  if (UseUp(Fault::kPower)) AfterPowered(time / 2, [this] { CutPower(); });
+  AfterPowered(time, [this, command] { AnswerBootloaderCommand(command); });
+}
+
+void Controller::AnswerBootloaderCommand(const std::vector<uint8_t>& command) {
+  commandRuns_ = false;
+  std::vector<uint8_t> answer = bootloader.CarryOut(command);
+  const auto type = static_cast<MessageType>(command.front());
+  if (type == MessageType::kWriteRow && UseUp(Fault::kStuckBit)) bootloader.SpoilRow(AddressIn(command));
+  if (UseUp(Fault::kMute)) return;
+  unanswered_.clear();
+  if (type == MessageType::kReadMemory && UseUp(Fault::kAddress)) answer[2] ^= kNextRow;
+  if (UseUp(Fault::kEmpty)) answer.resize(1);
+  const bool twice = UseUp(Fault::kTwice);
+  SendMessage(answer);
+  if (twice) SendMessage(answer);
+}
+
+void Controller::CutPower() {
+  if (!powered_) return;
+  if (commandRuns_) bootloader.CarryOutHalf(command_);
+  powered_ = false;
+  ++powerCycle_;
+  reader_ = {};
+  lastMessage_.clear();
+  unanswered_.clear();
+  command_.clear();
+  commandRuns_ = false;
+  askedAgain_ = false;
+}
+
+void Controller::RestorePower() {
+  if (powered_) return;
+  powered_ = true;
+  inBootloader_ = !bootloader.HasFirmware();
+  if (!inBootloader_) PowerUp();
+}
+
+void Controller::AfterPowered(Duration delay, std::function<void()> action) {
+  host_.after(delay, [this, cycle = powerCycle_, action = std::move(action)] {
+    if (powered_ && cycle == powerCycle_) action();
+  });
+}
+
 std::string Controller::Act(std::string_view text) {
+  if (text == kEnterBootloader) {
+    inBootloader_ = true;
+    command_.clear();
+    return std::string(kAcknowledge);
+  }
   for (const IdentityRow& row : kIdentityRows) {
     if (text == row.query) {
       SendText(std::string(row.report) + identity.*row.value);
@@ -150,10 +258,13 @@ std::string Controller::Act(std::string_view text) {
   return infraredReply;
 }
 
+// The bootloader does not look at the buttons.
 void Controller::Press(Button button) {
+  if (inBootloader_) return;
   SendText(std::string(WireName(button)) + "Make");
 }
 void Controller::Release(Button button) {
+  if (inBootloader_) return;
   SendText(std::string(WireName(button)) + "Break");
 }
 void Controller::SendText(std::string_view text) {
@@ -172,6 +283,7 @@ void Controller::PowerUp() {
 }
 
 void Controller::SendMessage(std::vector<uint8_t> message) {
+  if (!powered_) return;
   // A controller that asks for a repeat must itself be asked about what it said before, not about the
   // question.
   if (message != MakeMessage(MessageType::kText, kAskAgain)) lastMessage_ = message;
@@ -208,13 +320,10 @@ void Controller::Transmit(const std::vector<uint8_t>& message, std::vector<uint8
                           std::string remark) {
   if (onTraffic_) onTraffic_({host_.now(), Traffic::Direction::kToTool, message, frame, std::move(remark)});
   if (!paced_) return host_.send(frame);
-  constexpr int64_t kBaud = 57600;
-  constexpr int64_t kBitsPerByte = 10;
-  constexpr int64_t kMicroseconds = 1'000'000;
   const Duration now = host_.now();
   const Duration begin = std::max(now, lineFreeAt_);
   for (size_t i = 0; i < frame.size(); ++i) {
-    lineFreeAt_ = begin + Duration(static_cast<int64_t>(i + 1) * kBitsPerByte * kMicroseconds / kBaud);
+    lineFreeAt_ = begin + TimeOnLine(i + 1);
     host_.after(lineFreeAt_ - now, [this, byte = frame[i]] { host_.send({&byte, 1}); });
   }
 }

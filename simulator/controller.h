@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "simulator/bootloader.h"
 #include "simulator/wire.h"
 
 namespace simulator {
@@ -41,14 +42,17 @@ inline constexpr ButtonName kButtonNames[] = {
 
 // Faults that can be armed. Each is used up by what it spoils.
 enum class Fault {
-  kFlip,     // one bit of the next frame sent is wrong
-  kDrop,     // one byte of the next frame sent is missing
-  kDouble,   // one byte of the next frame sent comes twice
-  kGarbage,  // bytes that are no frame go before the next frame sent
-  kMute,     // the next request gets no reply, nor the text that belongs to it
-  kEmpty,    // the next reply has no content
-  kTwice,    // the next reply comes twice
-  kAgain,    // the next request counts as not understood: the controller asks for it again
+  kFlip,      // one bit of the next frame sent is wrong
+  kDrop,      // one byte of the next frame sent is missing
+  kDouble,    // one byte of the next frame sent comes twice
+  kGarbage,   // bytes that are no frame go before the next frame sent
+  kMute,      // the next request gets no reply, nor the text that belongs to it
+  kEmpty,     // the next reply has no content
+  kTwice,     // the next reply comes twice
+  kAgain,     // the next request counts as not understood: the controller asks for it again
+  kAddress,   // the next read-back carries the address of another row
+  kStuckBit,  // one bit of the next row written does not take
+  kPower,     // the power fails while the next request is carried out
 };
 
 struct FaultName {
@@ -56,9 +60,10 @@ struct FaultName {
   std::string_view command;
 };
 inline constexpr FaultName kFaultNames[] = {
-    {Fault::kFlip, "flip"},       {Fault::kDrop, "drop"},   {Fault::kDouble, "double"},
-    {Fault::kGarbage, "garbage"}, {Fault::kMute, "mute"},   {Fault::kEmpty, "empty"},
-    {Fault::kTwice, "twice"},     {Fault::kAgain, "again"},
+    {Fault::kFlip, "flip"},          {Fault::kDrop, "drop"},   {Fault::kDouble, "double"},
+    {Fault::kGarbage, "garbage"},    {Fault::kMute, "mute"},   {Fault::kEmpty, "empty"},
+    {Fault::kTwice, "twice"},        {Fault::kAgain, "again"}, {Fault::kAddress, "address"},
+    {Fault::kStuckBit, "stuck-bit"}, {Fault::kPower, "power"},
 };
 
 // What the controller says about the tablet.
@@ -109,11 +114,22 @@ class Controller {
   // What a controller says on power-up, before anyone asks: a log line and its firmware version.
   void PowerUp();
 
+  // Without power it neither hears nor says anything; what it was doing to the flash is half done. With it,
+  // it says what it says on power-up, or waits in its bootloader when it has no firmware.
+  void CutPower();
+  void RestorePower();
+
   void Arm(Fault fault, int times = 1) { armed_[fault] += times; }
+  // Armed when the firmware update gets there: step 1 is "GotoBootloader", step 2 the first erase command,
+  // and so on.
+  void ArmAtStep(int step, Fault fault) { armedAtSteps_.emplace(step, fault); }
   // Time between a request and its reply. Default 2 ms.
   void SetReplyDelay(Duration delay) { replyDelay_ = delay; }
-  // Sends at 57600 baud, 10 bits a byte, instead of at once.
+  // Sends and hears at 57600 baud, 10 bits a byte, instead of at once.
   void SetPaced(bool paced) { paced_ = paced; }
+
+  Bootloader bootloader;
+  [[nodiscard]] bool IsInBootloader() const { return inBootloader_; }
 
   Identity identity;
   // The reply to "IRRecord" and to texts that the controller does not know, as it forwards these to its
@@ -127,9 +143,16 @@ class Controller {
   [[nodiscard]] const std::vector<std::string>& Violations() const { return violations_; }
 
  private:
+  void Hear(uint8_t byte);
   void OnEvent(const WireEvent& event);
   void OnRequest(const std::vector<uint8_t>& message);
   void Answer(const std::vector<uint8_t>& message);
+  // Counts the steps of an update and arms what is planned for them.
+  void CountStep(const std::vector<uint8_t>& message);
+  void OnBootloaderCommand(const std::vector<uint8_t>& command);
+  void AnswerBootloaderCommand(const std::vector<uint8_t>& command);
+  // Later, unless the power fails before.
+  void AfterPowered(Duration delay, std::function<void()> action);
   // The content of the reply to a text; sends texts that belong to it and keeps what the text changes.
   std::string Act(std::string_view text);
   void SendMessage(std::vector<uint8_t> message);
@@ -143,7 +166,15 @@ class Controller {
   std::map<Fault, int> armed_;
   Duration replyDelay_ = std::chrono::milliseconds(2);
   bool paced_ = false;
-  Duration lineFreeAt_{0};
+  Duration lineFreeAt_{0};     // in the direction to the tool
+  Duration hearingFreeAt_{0};  // in the other one
+  bool powered_ = true;
+  int powerCycle_ = 0;
+  bool inBootloader_ = false;
+  int step_ = 0;  // of the update
+  std::multimap<int, Fault> armedAtSteps_;
+  std::vector<uint8_t> command_;      // the bootloader command that came last
+  bool commandRuns_ = false;          // and is being carried out
   std::vector<uint8_t> lastMessage_;  // what "Resend" repeats
   std::vector<uint8_t> unanswered_;   // the request whose reply has not been sent
   bool askedAgain_ = false;           // a repeat of that request is on its way

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
+
+#include "simulator/firmware_file.h"
 
 namespace simulator {
 namespace {
@@ -85,14 +88,40 @@ Problem RunInfrared(Controller& controller, Words words) {
 }
 
 Problem RunFault(Controller& controller, Words words) {
-  constexpr std::string_view kArguments = "flip|drop|double|garbage|mute|empty|twice|again [TIMES]";
-  const auto* name = words.size() < 2 || words.size() > 3
+  constexpr std::string_view kArguments =
+      "flip|drop|double|garbage|mute|empty|twice|again|address|stuck-bit|power [TIMES|at STEP]";
+  const bool atStep = words.size() == 4 && words[2] == "at";
+  const auto* name = words.size() < 2 || (words.size() > 3 && !atStep)
                          ? std::end(kFaultNames)
                          : std::ranges::find(kFaultNames, words[1], &FaultName::command);
   if (name == std::end(kFaultNames)) return ExpectedArguments(kArguments);
-  const std::optional<int64_t> times = words.size() == 3 ? ParseNumber(words[2]) : 1;
-  if (!times || *times < 1 || *times > 1'000'000) return ExpectedArguments(kArguments);
-  controller.Arm(name->fault, static_cast<int>(*times));
+  const std::optional<int64_t> number = words.size() > 2 ? ParseNumber(words.back()) : 1;
+  if (!number || *number < 1 || *number > 1'000'000) return ExpectedArguments(kArguments);
+  if (atStep)
+    controller.ArmAtStep(static_cast<int>(*number), name->fault);
+  else
+    controller.Arm(name->fault, static_cast<int>(*number));
+  return {};
+}
+
+Problem RunPower(Controller& controller, Words words) {
+  const std::optional<bool> on = words.size() == 2 ? ParseOnOff(words[1]) : std::nullopt;
+  if (!on) return ExpectedArguments("on|off");
+  if (*on)
+    controller.RestorePower();
+  else
+    controller.CutPower();
+  return {};
+}
+
+Problem RunSaveFlash(Controller& controller, Words words) {
+  if (words.size() != 2) return ExpectedArguments("FILE");
+  FirmwareBytes bytes;
+  for (const uint8_t byte : controller.bootloader.Memory().Bytes())
+    bytes.emplace_hint(bytes.end(), static_cast<uint32_t>(bytes.size()), byte);
+  std::ofstream file(words[1], std::ios::binary);
+  file << HexText(bytes);
+  if (!file.flush()) return "cannot write " + words[1];
   return {};
 }
 
@@ -125,11 +154,13 @@ constexpr ControllerCommand kCommands[] = {
     {"reply", "[TEXT]", "a reply that nobody asked for", RunReply},
     {"raw", "BYTES", "bytes in hexadecimal, without a frame: raw 55 55 0A", RunRaw},
     {"infrared", "TEXT", "what the infrared part answers from now on", RunInfrared},
-    {"fault", "NAME [TIMES]",
-     "spoil what comes next: flip, drop, double a byte; garbage before a frame; mute, empty, twice a reply; "
-     "again",
+    {"fault", "NAME [TIMES|at STEP]",
+     "spoil what comes next, or a step of an update: flip, drop, double, garbage, mute, empty, twice, again, "
+     "address, stuck-bit, power",
      RunFault},
-    {"pace", "on|off", "send as slowly as 57600 baud", RunPace},
+    {"controller-power", "on|off", "the controller's own supply", RunPower},
+    {"save-flash", "FILE", "write the controller's program memory to a HEX file", RunSaveFlash},
+    {"pace", "on|off", "as slow as 57600 baud, both ways", RunPace},
     {"reply-delay", "TIME", "time between a request and its reply (2ms)", RunReplyDelay},
 };
 

@@ -83,6 +83,14 @@ std::optional<LRESULT> SimulatedTablet::SendData(HWND sender, uint64_t tag,
   return machine_.SendCopyData(window, sender, tag, payload, kPatience);
 }
 
+std::optional<LRESULT> SimulatedTablet::SendUpdate(std::u16string_view path) {
+  constexpr uint64_t kFirmwareUpdate = 2;
+  const std::u16string terminated(path);
+  return SendData(
+      nullptr, kFirmwareUpdate,
+      {reinterpret_cast<const uint8_t*>(terminated.c_str()), (terminated.size() + 1) * sizeof(WCHAR)});
+}
+
 void SimulatedTablet::VanishPort() {
   port_.Vanish();
 }

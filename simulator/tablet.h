@@ -57,6 +57,9 @@ class SimulatedTablet {
   // Copied data, as an application sends it; `sender` may be null.
   std::optional<LRESULT> SendData(HWND sender, uint64_t tag, std::span<const uint8_t> payload);
 
+  // An application asks for a firmware update with a file of the tablet.
+  std::optional<LRESULT> SendUpdate(std::u16string_view path);
+
   // The controller's port goes or comes without a word from Windows.
   void VanishPort();
   void ReturnPort();

@@ -22,6 +22,7 @@ constexpr bool kNoticed =
     std::is_same_v<Detail, pal::KeyInput> ||
     std::is_same_v<Detail, pal::ExecutionState> ||
     std::is_same_v<Detail, pal::WindowsExit> ||
+    std::is_same_v<Detail, pal::SessionHeld> ||
     std::is_same_v<Detail, pal::Beep> ||
     std::is_same_v<Detail, pal::BoxShown> ||
     std::is_same_v<Detail, pal::BoxAnswered> ||

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <numeric>
 
+#include "simulator/bootloader.h"
+
 namespace simulator {
 namespace {
 
@@ -31,6 +33,16 @@ bool IsPrintable(std::span<const uint8_t> bytes) {
 
 std::string TextOrBytes(std::span<const uint8_t> bytes) {
   return IsPrintable(bytes) ? std::string(bytes.begin(), bytes.end()) : DescribeBytes(bytes);
+}
+
+constexpr size_t kAddressSize = 4;  // a count and a word address
+
+// " 0x01800", the address as it stands in a HEX file.
+std::string AddressText(std::span<const uint8_t> message) {
+  if (message.size() < 1 + kAddressSize) return " without an address";
+  char text[16];
+  std::snprintf(text, sizeof text, " 0x%05X", static_cast<unsigned>(AddressIn(message)));
+  return text;
 }
 
 }  // namespace
@@ -69,6 +81,16 @@ std::string DescribeMessage(std::span<const uint8_t> message) {
       return content.empty() ? "reply without content" : "reply " + TextOrBytes(content);
     case MessageType::kLogLine:
       return "log " + TextOrBytes(content);
+    case MessageType::kErasePage:
+      return content.empty() ? "erased" : "erase page" + AddressText(message);
+    case MessageType::kWriteRow:
+      return content.empty() ? "written" : "write row" + AddressText(message);
+    case MessageType::kReadMemory:
+      return content.size() <= kAddressSize ? "read row" + AddressText(message)
+                                            : "row" + AddressText(message) + " with " +
+                                                  std::to_string(content.size() - kAddressSize) + " bytes";
+    case MessageType::kFinished:
+      return "finish";
   }
   return "type " + Hex(message.front()) + ": " + DescribeBytes(content);
 }

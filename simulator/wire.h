@@ -16,6 +16,10 @@ namespace simulator {
 
 // The first byte of a message.
 enum class MessageType : uint8_t {
+  kReadMemory = 0x01,  // these four: bootloader commands, and their answers
+  kWriteRow = 0x02,
+  kErasePage = 0x03,
+  kFinished = 0x08,
   kText = 0x0A,     // both ways: 8-bit text without a terminator
   kReply = 0x0B,    // from the controller: answers the request before it
   kLogLine = 0x0C,  // from the controller: a line of its own log
@@ -24,7 +28,8 @@ enum class MessageType : uint8_t {
 std::vector<uint8_t> MakeMessage(MessageType type, std::string_view content);
 std::vector<uint8_t> EncodeFrame(std::span<const uint8_t> message);
 
-// The message as a person reads it: "Sw1Make", "reply OK", "reply 01 04", "log low power", "type 03: 00 40".
+// The message as a person reads it: "Sw1Make", "reply OK", "reply 01 04", "log low power", "erase page
+// 0x01800", "row 0x01800: FF FF ...", "type 07: 00 40".
 std::string DescribeMessage(std::span<const uint8_t> message);
 // Bytes in hexadecimal with blanks between: "55 55 0A".
 std::string DescribeBytes(std::span<const uint8_t> bytes);

@@ -258,6 +258,10 @@ HICON WINAPI LoadIconW(HINSTANCE instance, LPCWSTR name);
 HANDLE WINAPI LoadImageW(HINSTANCE instance, LPCWSTR name, UINT type, int width, int height, UINT flags);
 BOOL WINAPI DestroyIcon(HICON icon);
 int WINAPI GetSystemMetrics(int metric);
+// ---- the end of the session ---------------------------------------------------------------------------------
+
+BOOL WINAPI ShutdownBlockReasonCreate(HWND window, LPCWSTR reason);
+BOOL WINAPI ShutdownBlockReasonDestroy(HWND window);
 
 // ---- input --------------------------------------------------------------------------------------------------
 
@@ -308,8 +312,11 @@ HKL WINAPI GetKeyboardLayout(DWORD threadId);
 
 // ---- the end of Windows -------------------------------------------------------------------------------------
 
+#define EWX_SHUTDOWN 0x00000001u
 #define EWX_FORCE 0x00000004u
 #define EWX_POWEROFF 0x00000008u
+#define EWX_FORCEIFHUNG 0x00000010u
+#define SHTDN_REASON_FLAG_PLANNED 0x80000000u
 #define SHTDN_REASON_MAJOR_POWER 0x00060000u
 #define SHTDN_REASON_MINOR_POWER_SUPPLY 0x0000000Au
 

@@ -15,8 +15,8 @@ ROOMS = ("base", "app", "link", "switches", "firmware", "board", "power", "repor
 PURE_FILES = (
     "base/(text|profile_section)",
     "app/command_line",
-    "link/frame",
-    "firmware/(hex_file|flash_image)",
+    "link/(frame|message_type)",
+    "firmware/(hex_file|flash_image|boot_sequence)",
     "board/(codec_parameters|codec_download|gain_tables)",
     "power/alarm_decision",
     "report/xml_writer",
@@ -27,6 +27,7 @@ RECORD_FILES = (
     "switches/(switch_state|button_action|joystick_library|macro_library|mouse_filter_library|maker_applications)",
     "board/(board_library|platform_info|audio_settings)",
     r"power/(battery_status|battery_details)\.h",
+    r"firmware/(bootloader|update_guard)\.h",
 )
 PURE = re.compile(rf"({'|'.join(PURE_FILES)})\.")
 FLOORS = [

@@ -97,7 +97,9 @@ TEST(Wire, DescriptionsAreReadable) {
   EXPECT_EQ(DescribeMessage(MakeMessage(MessageType::kReply, "")), "reply without content");
   EXPECT_EQ(DescribeMessage(MakeMessage(MessageType::kReply, "\x01\x04")), "reply 01 04");
   EXPECT_EQ(DescribeMessage(MakeMessage(MessageType::kLogLine, "low power")), "log low power");
-  EXPECT_EQ(DescribeMessage(Bytes{0x03, 0x00, 0x40}), "type 03: 00 40");
+  EXPECT_EQ(DescribeMessage(Bytes{0x07, 0x00, 0x40}), "type 07: 00 40");
+  EXPECT_EQ(DescribeMessage(Bytes{0x03, 0x01, 0x00, 0x0C, 0x00}), "erase page 0x01800");
+  EXPECT_EQ(DescribeMessage(Bytes{0x03}), "erased");
 }
 
 }  // namespace

@@ -163,6 +163,27 @@ void Observer::Press(const std::string& caption, const std::string& button, cons
   Run({"press", caption, button}, where);
 }
 
+bool Observer::DialogShows(const std::string& caption, const std::string& text, const Where& where) {
+  const Words texts = Run({"texts", caption}, where);
+  return std::ranges::find(texts, text) != texts.end();
+}
+
+bool Observer::IsVisible(const std::string& caption, const Where& where) {
+  return Run({"visible", caption}, where)[0] == "yes";
+}
+
+bool Observer::IsEnabled(const std::string& caption, const std::string& button, const Where& where) {
+  return Run({"enabled", caption, button}, where)[0] == "yes";
+}
+
+std::string Observer::ReadBar(const std::string& caption, const Where& where) {
+  return Run({"bar", caption}, where)[0];
+}
+
+void Observer::PressKey(const std::string& caption, int key, const Where& where) {
+  Run({"key", caption, std::to_string(key)}, where);
+}
+
 std::map<std::string, std::string> Observer::ReadKey(Root root, const std::string& path, const Where& where) {
   std::map<std::string, std::string> values;
   for (const std::string& word : Run({"list", NameOf(root), path}, where)) {

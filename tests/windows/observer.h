@@ -62,6 +62,16 @@ class Observer {
                    const Where& where = Where::current());
   bool SeesDialog(const std::string& caption, const Where& where = Where::current());
   void Press(const std::string& caption, const std::string& button, const Where& where = Where::current());
+  // Whether a dialog shows that text; line ends read as blanks.
+  bool DialogShows(const std::string& caption, const std::string& text,
+                   const Where& where = Where::current());
+  bool IsVisible(const std::string& caption, const Where& where = Where::current());
+  bool IsEnabled(const std::string& caption, const std::string& button,
+                 const Where& where = Where::current());
+  // "3 of 9", of the dialog's progress bar.
+  std::string ReadBar(const std::string& caption, const Where& where = Where::current());
+  // A key for the dialog, by its virtual key code.
+  void PressKey(const std::string& caption, int key, const Where& where = Where::current());
 
   // ---- registry; values read "number:10" or "text:abc"
   std::map<std::string, std::string> ReadKey(Root root, const std::string& path,

@@ -48,6 +48,7 @@ class ToolTest : public testing::Test {
   // Pulls the line out of COM2; PlugLine puts another one in.
   void PullLine() { line_.reset(); }
   void PlugLine() { line_ = std::make_unique<windows_test::Line>(linkPath_); }
+  const std::filesystem::path& LinkPath() const { return linkPath_; }
 
   // ---- the tool
   // Starts it without the dialog at the end of start-up.

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
 #include <dbt.h>
 
 #include <algorithm>
@@ -149,7 +150,7 @@ std::string RunTexts(const Words& words) {
   return texts;
 }
 
-std::string RunPress(const Words& words) {
+HWND FindButton(const Words& words) {
   const std::vector<HWND> controls = ControlsOf(FindCaption(words[1]));
   const auto button = std::ranges::find_if(controls, [&](HWND control) {
     std::string text = TextOf(control);
@@ -157,7 +158,35 @@ std::string RunPress(const Words& words) {
     return text == words[2];
   });
   if (button == controls.end()) throw std::runtime_error("no such button");
-  PostMessageW(*button, BM_CLICK, 0, 0);
+  return *button;
+}
+
+std::string RunPress(const Words& words) {
+  PostMessageW(FindButton(words), BM_CLICK, 0, 0);
+  return {};
+}
+
+std::string RunVisible(const Words& words) {
+  const HWND dialog = FindCaption(words[1]);
+  return dialog && IsWindowVisible(dialog) ? "yes" : "no";
+}
+
+std::string RunEnabled(const Words& words) {
+  return IsWindowEnabled(FindButton(words)) ? "yes" : "no";
+}
+
+std::string RunBar(const Words& words) {
+  const HWND bar = FindWindowExW(FindCaption(words[1]), nullptr, PROGRESS_CLASSW, nullptr);
+  if (!bar) throw std::runtime_error("no progress bar");
+  return Send(bar, PBM_GETPOS, 0, 0) + " of " + Send(bar, PBM_GETRANGE, FALSE, 0);
+}
+
+// As the system posts it to the window that has the keyboard.
+std::string RunKey(const Words& words) {
+  const HWND dialog = FindCaption(words[1]);
+  if (!dialog) throw std::runtime_error("no such dialog");
+  PostMessageW(dialog, WM_KEYDOWN, Number(words[2]), 1);
+  PostMessageW(dialog, WM_KEYUP, Number(words[2]), static_cast<LPARAM>(0xC0000001));
   return {};
 }
 
@@ -236,6 +265,10 @@ constexpr Command kCommands[] = {
     {"device", 3, RunDevice},         // CLASS arrived|removed PORT: the window's result
     {"texts", 1, RunTexts},           // CAPTION: yes and the texts of its controls, or no
     {"press", 2, RunPress},           // CAPTION BUTTON
+    {"visible", 1, RunVisible},       // CAPTION: yes or no
+    {"enabled", 2, RunEnabled},       // CAPTION BUTTON: yes or no
+    {"bar", 1, RunBar},               // CAPTION: position and end of its progress bar
+    {"key", 2, RunKey},               // CAPTION KEY: pressed and released
     {"list", 2, RunList},             // ROOT PATH: the values of a key
     {"set-number", 4, RunSetNumber},  // ROOT PATH NAME NUMBER
     {"set-text", 4, RunSetText},      // ROOT PATH NAME TEXT

@@ -1,0 +1,122 @@
+#include "firmware/firmware_dialog.h"
+
+#include <commctrl.h>
+#include <commdlg.h>
+
+#include <cstring>
+
+#include "app/app_state.h"
+#include "app/language.h"
+#include "base/debug_output.h"
+#include "power/power_off.h"
+#include "resources/resource_ids.h"
+
+namespace veltra {
+namespace {
+
+constexpr const WCHAR* kStartText =
+    TEXT("Performing firmware update.\n\nPlease wait....\n\nDo not turn off your device!");
+constexpr const WCHAR* kNoStartText =
+    TEXT("Could not start firmware update.\n\nTurn off the device and try again!");
+constexpr const WCHAR* kSuccessText = TEXT(
+    "Firmware was updated successfully. Windows will exit after you press OK.\r\n\r\n"
+    "Press the reset-button when the screen turns black.");
+constexpr const WCHAR* kFailureText = TEXT(
+    "Could not update firmware (%s %d)\n\nDevice should be restarted.\nPlease retry the update after "
+    "restart!");
+
+void ShowEnd(HWND dialog, const WideText& text) {
+  EnableWindow(GetDlgItem(dialog, IDOK), TRUE);
+  SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, text.c_str());
+}
+
+void ShowOnTop(HWND dialog) {
+  ShowWindow(dialog, SW_SHOW);
+  SetWindowPos(dialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+}
+
+void OnProgress(HWND dialog, BootProgress progress, int32_t detail) {
+  switch (progress) {
+    case BootProgress::kFinished:
+      return ShowEnd(dialog, kSuccessText);
+    case BootProgress::kTimeout:
+      return ShowEnd(dialog, FormatText(kFailureText, TEXT("time-out"), detail));
+    case BootProgress::kError:
+      return ShowEnd(dialog, FormatText(kFailureText, TEXT("error"), detail));
+    case BootProgress::kStepAnswered:
+      SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_STEPIT, 0, 0);
+  }
+}
+
+void OnOk(HWND dialog) {
+  ShowWindow(dialog, SW_HIDE);
+  if (!EnableShutdownPrivilege()) return;
+  ExitWindowsEx(EWX_SHUTDOWN | EWX_POWEROFF | EWX_FORCEIFHUNG, SHTDN_REASON_FLAG_PLANNED);
+}
+
+INT_PTR Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_FIRMWARE_PROGRESS) {
+    OnProgress(dialog, static_cast<BootProgress>(wParam), static_cast<int32_t>(lParam));
+    return TRUE;
+  }
+  if (message != WM_COMMAND) return FALSE;
+  if (LOWORD(wParam) == IDOK) OnOk(dialog);
+  return TRUE;
+}
+
+}  // namespace
+
+void CreateFirmwareDialog() {
+  AppState& state = GetAppState();
+  const Bytes resource = FindLocalResource(RT_DIALOG, IDD_FIRMWARE);
+  if (resource.empty()) return;
+  state.hFirmwareDlg =
+      CreateDialogIndirectParamW(state.hInstance, reinterpret_cast<LPCDLGTEMPLATEW>(resource.data()),
+                                 state.hMainWnd, FirmwareDialogProc, 0);
+}
+
+void ChooseFirmwareFile() {
+  WCHAR path[520] = {};
+  OPENFILENAMEW box = {};
+  box.lStructSize = sizeof(box);
+  box.hwndOwner = GetAppState().hMainWnd;
+  box.lpstrFilter = TEXT("Firmware update files\0*.hex\0");
+  box.lpstrDefExt = TEXT("hex");
+  box.lpstrFile = path;
+  box.nMaxFile = static_cast<DWORD>(std::size(path));
+  box.Flags = OFN_EXPLORER | OFN_PATHMUSTEXIST;
+  const bool chosen = GetOpenFileNameW(&box);
+  if (chosen && HasAppState()) StartFirmwareUpdate(WideText(path));  // the session may have ended meanwhile
+}
+
+void StartFirmwareUpdate(const WideText& path) {
+  AppState& state = GetAppState();
+  state.log.WriteDetail(TEXT("copydata"), path);
+  if (state.bootloader.IsRunning())
+    return state.log.WriteError(TEXT("Firmware update"), TEXT("refused, another one runs: ") + path);
+  const HWND dialog = state.hFirmwareDlg;
+  ShowOnTop(dialog);
+  SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, kStartText);
+  EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
+  const std::optional<uint32_t> stepCount = state.bootloader.Start(path);
+  if (!stepCount) return ShowEnd(dialog, kNoStartText);
+  SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, *stepCount));
+  SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_SETSTEP, 1, 0);
+}
+
+void StartFirmwareUpdate(Bytes copiedPath) {
+  WideText path(copiedPath.size() / sizeof(WCHAR), 0);  // the bytes may lie at an odd address
+  if (!path.empty()) std::memcpy(path.data(), copiedPath.data(), path.size() * sizeof(WCHAR));
+  StartFirmwareUpdate(path.substr(0, path.find(WideChar{0})));
+}
+
+INT_PTR CALLBACK FirmwareDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  try {
+    return Handle(dialog, message, wParam, lParam);
+  } catch (...) {
+    Trace(TEXT("firmware dialog: message %X ended by an exception"), message);
+    return FALSE;
+  }
+}
+
+}  // namespace veltra
