@@ -125,12 +125,12 @@ struct FileFilter {
   UINT name;  // 0: none
   const WCHAR* pattern;
 };
-struct FileKind {
+struct BrowsedKind {
   ActionType type;
   FileFilter filters[2];
   const WCHAR* extension;
 };
-constexpr FileKind kFileKinds[] = {
+constexpr BrowsedKind kBrowsedKinds[] = {
     {ActionType::PlayWaveFile, {{IDS_FILTER_WAVE_FILES, TEXT("*.wav")}, {}}, TEXT("wav")},
     {ActionType::StartProgram,
      {{IDS_FILTER_PROGRAMS, TEXT("*.exe")}, {IDS_FILTER_ALL_FILES, TEXT("*.*")}},
@@ -138,7 +138,7 @@ constexpr FileKind kFileKinds[] = {
 };
 
 // Names and patterns, each behind a zero; the last one's own ends the list.
-WideText FilterList(const FileKind& kind) {
+WideText FilterList(const BrowsedKind& kind) {
   WideText list;
   for (const FileFilter& filter : kind.filters) {
     if (!filter.name) continue;
@@ -151,7 +151,7 @@ WideText FilterList(const FileKind& kind) {
 }
 
 // Empty when the user gave up.
-std::optional<WideText> ChooseFile(HWND dialog, const FileKind& kind, const WideText& begin) {
+std::optional<WideText> ChooseFile(HWND dialog, const BrowsedKind& kind, const WideText& begin) {
   WCHAR path[MAX_PATH] = {};
   if (begin.size() < std::size(path)) std::ranges::copy(begin, path);
   const WideText filters = FilterList(kind);
@@ -187,9 +187,9 @@ void OnRowBrowse(HWND dialog, int row) {
   const WideText text = GetItemText(dialog, edit, kLongestStoredText);
   const std::optional<int32_t> type = SelectedListValue(dialog, TypeList(row));
   const auto* file =
-      std::ranges::find(kFileKinds, static_cast<ActionType>(type.value_or(0)), &FileKind::type);
+      std::ranges::find(kBrowsedKinds, static_cast<ActionType>(type.value_or(0)), &BrowsedKind::type);
   const std::optional<WideText> chosen =
-      file != std::end(kFileKinds) ? ChooseFile(dialog, *file, text) : ComposeMacro(dialog, text);
+      file != std::end(kBrowsedKinds) ? ChooseFile(dialog, *file, text) : ComposeMacro(dialog, text);
   if (chosen) SetItemText(dialog, edit, *chosen);
 }
 
