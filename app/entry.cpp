@@ -25,10 +25,12 @@ namespace {
 
 constexpr int kAnotherInstanceRuns = 6;  // exit code
 
-// The running instance opens its power meter.
+// The running instance opens its power meter; it answers when the user has closed it, which nobody waits for.
 void CallRunningInstance() {
+  constexpr UINT kPatienceMs = 2000;
+  DWORD_PTR result = 0;
   if (const HWND running = FindWindowW(kMainWindowClass, nullptr))
-    SendMessageW(running, WM_COMMAND, IDC_OPEN_POWER_METER, 0);
+    SendMessageTimeoutW(running, WM_COMMAND, IDC_OPEN_POWER_METER, 0, SMTO_NORMAL, kPatienceMs, &result);
 }
 
 void RegisterMainWindowClass(HINSTANCE instance) {

@@ -62,10 +62,16 @@ constexpr BatteryRow kBatteryRows[] = {
     {"GetBatteryDesignVoltage", "11100"},
 };
 
+struct RadioRow {
+  std::string_view command;
+  bool Controller::*on;
+};
+constexpr RadioRow kRadioRows[] = {{"EnableGsm=", &Controller::mobilePhoneOn},
+                                   {"EnableBT=", &Controller::bluetoothOn}};
+
 // Commands that the controller carries out without telling more than that it did.
 constexpr std::string_view kCommands[] = {
-    "SetStatusLed=",    "SetBatteryCritical=", "EnableGsm=", "EnableBT=",
-    "StartWithSwitch=", "CalibrateTouch",      "Suspend=",   "LcdOff="};
+    "SetStatusLed=", "SetBatteryCritical=", "StartWithSwitch=", "CalibrateTouch", "Suspend=", "LcdOff="};
 
 std::string_view ContentOf(std::span<const uint8_t> message) {
   return {reinterpret_cast<const char*>(message.data()) + 1, message.size() - 1};
@@ -253,6 +259,11 @@ std::string Controller::Act(std::string_view text) {
   }
   for (const BatteryRow& row : kBatteryRows)
     if (text == row.query) return std::string(row.reply);
+  for (const RadioRow& row : kRadioRows) {
+    if (!text.starts_with(row.command)) continue;
+    this->*row.on = text.substr(row.command.size()) == "1";
+    return std::string(kAcknowledge);
+  }
   for (const std::string_view command : kCommands)
     if (text.starts_with(command)) return std::string(kAcknowledge);
   return infraredReply;

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "simulator/battery.h"
 #include "simulator/bootloader.h"
 #include "simulator/wire.h"
 
@@ -132,6 +133,11 @@ class Controller {
   [[nodiscard]] bool IsInBootloader() const { return inBootloader_; }
 
   Identity identity;
+  Battery battery{
+      [this](std::string_view text) { SendText(text); },
+      [this](Duration delay, std::function<void()> step) { host_.after(delay, std::move(step)); }};
+  bool mobilePhoneOn = false;  // as the tool has switched the radios
+  bool bluetoothOn = false;
   // The reply to "IRRecord" and to texts that the controller does not know, as it forwards these to its
   // infrared part.
   std::string infraredReply = std::string("\x01\x04\x05\x55\x00\xFF", 6) + "code";

@@ -1,7 +1,6 @@
 #include "simulator/controller_commands.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
 
 #include "simulator/firmware_file.h"
@@ -46,18 +45,30 @@ Problem SendFlag(Controller& controller, std::string_view name, std::string_view
 }
 
 Problem RunBattery(Controller& controller, Words words) {
-  constexpr std::string_view kArguments = "PERCENT|present on|off";
-  if (words.size() == 3 && words[1] == "present") return SendFlag(controller, "BatteryPresent=", words[2]);
+  constexpr std::string_view kArguments = "PERCENT|present on|off|pace TIME";
+  if (words.size() == 3 && words[1] == "present") {
+    const std::optional<bool> present = ParseOnOff(words[2]);
+    if (!present) return ExpectedArguments(kArguments);
+    controller.battery.Insert(*present);
+    return {};
+  }
+  if (words.size() == 3 && words[1] == "pace") {
+    const auto perPercent = ParseTime(words[2]);
+    if (!perPercent) return ExpectedArguments(kArguments);
+    controller.battery.SetPace(*perPercent);
+    return {};
+  }
   const std::optional<int64_t> percent = words.size() == 2 ? ParseNumber(words[1]) : std::nullopt;
   if (!percent || *percent < 0 || *percent > 255) return ExpectedArguments(kArguments);
-  char text[32];
-  std::snprintf(text, sizeof text, "BatteryState=0x%02X", static_cast<unsigned>(*percent));
-  controller.SendText(text);
+  controller.battery.SetCapacity(static_cast<int>(*percent));
   return {};
 }
 
 Problem RunAdapter(Controller& controller, Words words) {
-  return SendFlag(controller, "AdapterPresent=", words.size() == 2 ? std::string_view(words[1]) : "");
+  const std::optional<bool> on = words.size() == 2 ? ParseOnOff(words[1]) : std::nullopt;
+  if (!on) return ExpectedArguments("on|off");
+  controller.battery.Plug(*on);
+  return {};
 }
 
 Problem RunCharging(Controller& controller, Words words) {
@@ -145,7 +156,9 @@ constexpr ControllerCommand kCommands[] = {
     {"esc", "press|release", "the middle side button", RunButton},
     {"fn1", "press|release", "the top side button", RunButton},
     {"fn2", "press|release", "the bottom side button", RunButton},
-    {"battery", "PERCENT|present on|off", "capacity of the battery, or whether there is one", RunBattery},
+    {"battery", "PERCENT|present on|off|...",
+     "capacity of the battery, or whether there is one; pace TIME: one percent in that time, by itself",
+     RunBattery},
     {"adapter", "on|off", "the mains adapter", RunAdapter},
     {"charging", "on|off", "the battery charges", RunCharging},
     {"firmware", "VERSION", "the controller reports this firmware version", RunFirmware},

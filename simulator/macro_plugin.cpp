@@ -25,7 +25,7 @@ std::string ToUtf8(const macro::WideText& text) {
 }
 
 std::string Describe(const macro::MacroStep& step) {
-  if (step.kind == macro::MacroStep::Kind::kText) return "types \"" + ToUtf8(step.text) + "\"";
+  if (step.kind == macro::MacroStep::Kind::kText) return "types " + ToUtf8(step.text);
   if (step.kind == macro::MacroStep::Kind::kPause) return "waits " + std::to_string(step.count) + " ms";
   std::string keys;
   for (const macro::MacroKey& key : step.keys)

@@ -1,5 +1,6 @@
-// In the libraries that a real Windows loads the record of what a device was told is a text file: one line for each
-// call, at the end of the file that the environment names, else of devices.log in the current directory.
+// In the libraries that a real Windows loads the record of what a device was told is a text file: one line
+// for each call, at the end of the file that the environment names, else of devices.log in the current
+// directory.
 #include <cstdio>
 #include <cstdlib>
 

@@ -42,7 +42,6 @@ TEST_F(BoardTest, TheBusFromStartToExit) {
   expected.PowerUpSupply();
   expected.PowerUpCodec();
   expected.PowerUpRest();
-  expected.PhoneAnswered();
   EXPECT_EQ(NewCalls("i2c"), expected.Take());
 
   SendTool(kPowerBroadcast, kSuspend);
