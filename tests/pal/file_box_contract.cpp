@@ -12,11 +12,11 @@ using contract::TestThread;
 using contract::TestWindow;
 using Text = std::basic_string<WCHAR>;
 
+// Again and again: a box that is still being built may not hear it.
 void PressInBox(WORD button) {
   HWND box = nullptr;
   while (!(box = FindWindowW(TEXT("#32770"), TEXT("Open")))) Sleep(10);
-  Sleep(300);
-  PostMessageW(box, WM_COMMAND, button, 0);
+  for (; IsWindow(box); Sleep(300)) PostMessageW(box, WM_COMMAND, button, 0);
 }
 
 Text TemporaryFile() {
