@@ -58,11 +58,14 @@ int main() {
   Line line;
   std::atomic<pal::Time::rep> begin = 0;
   std::atomic<pal::Time::rep> end = 0;
-  tablet.Pic().OnTraffic([&](const Traffic& traffic) { line.Count(traffic); });
+  tablet.Pic().OnTraffic([&](const Traffic& traffic) {
+    if (begin != 0) line.Count(traffic);
+  });
   machine.OnEffect([&](const pal::Effect& effect) {  // the session is held while an update runs
     if (const auto* held = std::get_if<pal::SessionHeld>(&effect.detail))
       (held->reason.empty() ? end : begin) = effect.at.count();
   });
+  machine.Advance(10s);  // until the codec is up as well
   tablet.Pic().SetPaced(true);
   tablet.SendUpdate(kFile);
   const bool ended = machine.AdvanceUntil([&] { return end != 0; }, 120s);
