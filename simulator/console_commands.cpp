@@ -118,6 +118,13 @@ Problem RunApp(Console& console, Words words) {
   return console.Tablet().TheDesk().Close(words[2]) ? Problem() : "that application is not open";
 }
 
+Problem RunFail(Console& console, Words words) {
+  const std::optional<int64_t> times = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
+  if (!times || *times < 1 || *times > 1'000'000) return ExpectedArguments("FUNCTION TIMES");
+  console.Tablet().Machine().Fail(words[1], static_cast<int>(*times), ERROR_ACCESS_DENIED);
+  return {};
+}
+
 Problem RunJoystick(Console& console, Words words) {
   struct Row {
     std::string_view word;
@@ -377,6 +384,8 @@ constexpr ConsoleCommand kCommands[] = {
     {"machine", "NAME NUMBER", "a machine setting in the registry, for the next start", true, RunMachine},
     {"registry", "[NAME]", "print the user settings in the registry", false, RunRegistry},
     {"app", "open|close NAME", "one of the maker's applications, by its window's class", true, RunApp},
+    {"fail", "FUNCTION TIMES", "Windows refuses the next calls of that function, as ExitWindowsEx", true,
+     RunFail},
     {"joystick", "absent|free|disabled|...", "the virtual joystick; also mismatch, busy, taken", true,
      RunJoystick},
     {"mouse-filter", "absent|plain", "the mouse filter's library: none, or its 64-bit form", true,

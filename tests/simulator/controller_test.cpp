@@ -134,7 +134,7 @@ TEST(Controller, CommandsDoWhatTheySayOrNothing) {
       {"esc press", "EscMake"},
       {"battery 9", "BatteryState=0x09"},
       {"battery present off", "BatteryPresent=0"},
-      {"adapter on", "AdapterPresent=1"},
+      {"adapter on", "AdapterPresent=1 | BatteryCharging=1"},
       {"charging off", "BatteryCharging=0"},
       {"firmware 95", "Firmware=95"},
       {"log \"low  power\"", "log low  power"},
