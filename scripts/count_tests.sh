@@ -102,7 +102,8 @@ run_windows_tests() {
   local log
   for program in build/windows-x64/bin/{pal,profile}_contract_test.exe; do
     log=$(log_of "$(basename "$program")")
-    VELTRA_NATIVE_BIN=build/native-asan/bin tests/windows/run_exe.sh "$program" >"$log" 2>&1
+    VELTRA_NATIVE_BIN=build/native-asan/bin VELTRA_DEVICES=build/windows-x64/bin/devices \
+      tests/windows/run_exe.sh "$program" >"$log" 2>&1
     count_gtest "$(basename "$program")" "$log" $?
   done
   log=$(log_of windows_test)

@@ -69,11 +69,12 @@ END
 
 # Wine links its COM ports anew when it starts, from the registry: hence the end of the first start.
 make_prefix() {
-  [ -e "$WINEPREFIX/veltra-ready" ] && return 0
   settings >"$scratch/settings.reg"
+  cmp -s "$scratch/settings.reg" "$WINEPREFIX/veltra-settings.reg" && return 0
+  [ ! -e "$WINEPREFIX/veltra-settings.reg" ] || rm -rf "$WINEPREFIX"
   {
     in_wine wineboot -i && in_wine wine regedit /S "$scratch/settings.reg" &&
-      wineserver -k && wineserver -w && touch "$WINEPREFIX/veltra-ready"
+      wineserver -k && wineserver -w && cp "$scratch/settings.reg" "$WINEPREFIX/veltra-settings.reg"
   } >"$scratch/wineboot.log" 2>&1 || { cat "$scratch/wineboot.log" >&2; return 1; }
 }
 

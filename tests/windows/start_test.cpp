@@ -107,7 +107,7 @@ TEST_F(StartTest, WithoutThePortItStartsAndSaysSo) {
   PullLine();
   Set("StartupDelay", 0);
   StartTool();
-  AwaitAnswer();
+  AwaitLogLine("failed to open port");
   const char* line =
       "[a-l][0-3][0-9] [0-2][0-9][0-5][0-9][0-5][0-9] [0-9] StartPicComm . . .  failed to open port\r\n";
   EXPECT_EQ(fnmatch(line, ReadDataFile("DevLog.txt").c_str(), 0), 0) << ReadDataFile("DevLog.txt");
