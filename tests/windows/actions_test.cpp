@@ -76,14 +76,14 @@ TEST_F(ActionTest, AMacroIsTypedIntoTheTextField) {
 
 TEST_F(ActionTest, TheMacroEditorRefusesAMistakeAndShowsItsPlace) {
   Observer().ComposeMacro("macm_English.dll", "ab{Entr}");
-  WaitUntil("the editor is open", [] { return Observer().SeesDialog("Macro"); });
+  Observer().AwaitDialog("Macro", "Cancel");
   Observer().Press("Macro", "OK");
   Observer().AwaitDialog("Macro", "Character 4: there is no key of this name.");
   Observer().Press("Macro", "Cancel");
   Observer().Expect("composed nothing");
 
   Observer().ComposeMacro("macm_Nederlands.dll", "  x{Links}\"");
-  WaitUntil("the editor is open", [] { return Observer().SeesDialog("Macro"); });
+  Observer().AwaitDialog("Macro", "Annuleren");
   Observer().Press("Macro", "Invoegen");
   Observer().Press("Macro", "OK");
   Observer().Expect("composed { } x{Links}\"{Enter}");

@@ -29,9 +29,9 @@ class BinaryTest : public ToolTest {
 };
 
 TEST_F(BinaryTest, ItNeedsOnlyWhatWindowsBrings) {
-  const std::set<std::string> brought = {"ADVAPI32.dll", "COMCTL32.dll", "COMDLG32.DLL", "GDI32.dll",
+  const std::set<std::string> brought = {"ADVAPI32.dll", "COMCTL32.dll", "comdlg32.dll", "GDI32.dll",
                                          "KERNEL32.dll", "OLEAUT32.dll", "POWRPROF.dll", "SETUPAPI.dll",
-                                         "SHELL32.dll",  "USER32.dll",   "VERSION.dll",  "WINMM.DLL",
+                                         "SHELL32.dll",  "USER32.dll",   "VERSION.dll",  "WINMM.dll",
                                          "msvcrt.dll",   "ole32.dll"};
   const std::string headers = Headers();
   const std::string label = "DLL Name: ";

@@ -80,8 +80,8 @@ void OpenWatchedWindow(const std::wstring& className) {
 void OpenTextField(const std::wstring& caption) {
   OpenWatchedWindow(caption);
   const HWND window = windows.at(caption);
-  const HWND field = CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE, 0, 0, 90, 20, window, nullptr,
-                                     GetModuleHandleW(nullptr), nullptr);
+  const HWND field = CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 0, 0, 90, 20,
+                                     window, nullptr, GetModuleHandleW(nullptr), nullptr);
   ShowWindow(window, SW_SHOW);
   SetForegroundWindow(window);
   if (!field || !SetFocus(field)) throw std::runtime_error("no text field with the keyboard");
