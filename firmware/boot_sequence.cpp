@@ -20,14 +20,20 @@ std::vector<uint8_t> Addressed(uint8_t count, uint32_t imageAddress) {
           static_cast<uint8_t>(word >> 16)};
 }
 
+BootEffects CancelTimer() {
+  BootEffects effects;
+  effects.emplace_back(CancelStepTimer{});
+  return effects;
+}
+
 void Send(BootEffects& effects, MessageType type, std::vector<uint8_t> content) {
-  effects.push_back(ArmStepTimer{});
-  effects.push_back(SendRequest{type, std::move(content)});
+  effects.emplace_back(ArmStepTimer{});
+  effects.emplace_back(SendRequest{type, std::move(content)});
 }
 
 void Fail(BootEffects& effects, BootFailure failure) {
-  effects.push_back(LogFailure{failure});
-  effects.push_back(PostProgress{failure.progress, failure.detail});
+  effects.emplace_back(LogFailure{failure});
+  effects.emplace_back(PostProgress{failure.progress, failure.detail});
 }
 
 BootFailure ErrorAt(const BootSequence& sequence, BootError error, uint32_t address) {
@@ -113,7 +119,7 @@ void OnRead(BootSequence& sequence, BootEffects& effects, uint32_t address, Byte
 
 void OnFinished(BootSequence& sequence, BootEffects& effects) {
   sequence.state = BootState::kIdle;
-  effects.push_back(PostProgress{BootProgress::kFinished, 0});
+  effects.emplace_back(PostProgress{BootProgress::kFinished, 0});
 }
 
 // ---- words for the log
@@ -206,20 +212,21 @@ uint32_t BootSequence::StepCount() const {
 // The controller gets the first erase command twice, back to back, and answers it once.
 BootEffects BootSequence::OnEnterBootloader() {
   if (state != BootState::kWaitBootloader) return {};
-  BootEffects effects = {CancelStepTimer{}};
+  BootEffects effects = CancelTimer();
   state = BootState::kErasing;
   ErasePage(effects, eraseQueue.front());
-  effects.push_back(RepeatRequest{});
+  effects.emplace_back(RepeatRequest{});
   return effects;
 }
 
 BootEffects BootSequence::OnResponse(uint32_t address, Bytes data) {
-  BootEffects effects = {CancelStepTimer{}, PostProgress{BootProgress::kStepAnswered, 0}};
+  BootEffects effects = CancelTimer();
+  effects.emplace_back(PostProgress{BootProgress::kStepAnswered, 0});
   switch (state) {
     case BootState::kIdle:
       break;
     case BootState::kWaitBootloader:  // of an earlier update: the wait goes on, and must end
-      effects.push_back(ArmStepTimer{});
+      effects.emplace_back(ArmStepTimer{});
       break;
     case BootState::kErasing:
       OnErased(*this, effects);
@@ -243,7 +250,7 @@ BootEffects BootSequence::OnTimeout() {
   failure.detail = static_cast<int32_t>(state);
   failure.state = state;
   failure.address = AddressInQuestion(*this);
-  BootEffects effects = {CancelStepTimer{}};
+  BootEffects effects = CancelTimer();
   Fail(effects, failure);
   return effects;
 }
