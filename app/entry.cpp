@@ -75,6 +75,13 @@ void WaitBeforeStart() {
   if (delay > 0) Sleep(static_cast<DWORD>(delay));
 }
 
+// It opens when the message loop runs.
+void PostFirstDialog(const CommandLine& options) {
+  if (options.silent) return;
+  PostMessageW(GetAppState().hMainWnd, WM_COMMAND, options.openOptions ? IDC_OPTIONS : IDC_OPEN_POWER_METER,
+               0);
+}
+
 int RunTool(HINSTANCE instance) {
   CoInitialize(nullptr);
   Trace(TEXT("Veltra Device tool started"));
@@ -100,6 +107,7 @@ int RunTool(HINSTANCE instance) {
   LoadMacroLibrary();
   WaitBeforeStart();
   RunStartupSequence(false);
+  PostFirstDialog(options);
   CreateFirmwareDialog();
   const int exitCode = RunMessageLoop();
 

@@ -1,3 +1,4 @@
+#include "pal/person.h"
 #include "simulator/board.h"
 #include "simulator/joystick.h"
 #include "tests/tool_test.h"
@@ -62,6 +63,20 @@ TEST_F(Startup, ANegativeDelayIsNone) {
   tablet.Start();
   tablet.Advance(1ms);
   EXPECT_EQ(New<pal::SerialOpened>().size(), 1U);
+}
+
+TEST_F(Startup, EndsWithTheDialogThatTheCommandLineAsksFor) {
+  const std::pair<std::u16string_view, std::u16string_view> rows[] = {
+      {u"", u"Power meter"}, {u"-v5", u"Options"}, {u"/S", u""}, {u"-v5 -silent", u""}};
+  for (const auto& [arguments, title] : rows) {
+    Start(arguments);
+    const auto dialog = pal::person::FrontDialog();
+    EXPECT_EQ(dialog ? dialog->title : u"", title);
+    machine.Post(tablet.MainWindow(), WM_CLOSE, 0, 0);  // as after a power-off, with the dialog open
+    tablet.Advance(5s);
+    EXPECT_EQ(machine.ExitCode(), 0);
+    EXPECT_EQ(machine.CountOpen("window"), 0);
+  }
 }
 
 TEST_F(Startup, ASecondCopyCallsTheFirstAndLeaves) {
