@@ -43,7 +43,8 @@ void AddFirmwareRow(FirmwareBytes& bytes, uint32_t row, uint32_t version) {
   for (uint32_t address = row; address < row + Flash::kRowSize; ++address) {
     const uint32_t instruction = (address / 4 + version) * kMixer >> 8;
     const uint32_t place = address % 4;
-    bytes[address] = place == kPhantom ? 0 : static_cast<uint8_t>(instruction >> 8 * place);
+    const auto value = static_cast<uint8_t>(instruction >> 8 * place);
+    bytes[address] = place == kPhantom ? uint8_t{0} : value;
   }
 }
 
