@@ -12,10 +12,13 @@ using contract::TestThread;
 using contract::TestWindow;
 using Text = std::basic_string<WCHAR>;
 
-// Again and again: a box that is still being built may not hear it.
+// Again and again: a box that is still being built may not hear it. Gives up when no box comes.
 void PressInBox(WORD button) {
   HWND box = nullptr;
-  while (!(box = FindWindowW(TEXT("#32770"), TEXT("Open")))) Sleep(10);
+  for (int tries = 0; !box && tries < 1000; ++tries) {
+    box = FindWindowW(TEXT("#32770"), TEXT("Open"));
+    Sleep(20);
+  }
   for (; IsWindow(box); Sleep(300)) PostMessageW(box, WM_COMMAND, button, 0);
 }
 
