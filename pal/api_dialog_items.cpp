@@ -65,7 +65,7 @@ HWND WINAPI GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous) {
   std::vector<HWND> all = call->desktop.Children(dialog);
   if (previous) std::ranges::reverse(all);
   const auto current = std::ranges::find(all, control);
-  if (current != all.end()) std::ranges::rotate(all, std::next(current));
+  if (current != all.end()) std::rotate(all.begin(), std::next(current), all.end());
   const auto next = std::ranges::find_if(all, [&](HWND one) { return CanBeReached(call.Get(), one); });
   return next == all.end() ? nullptr : *next;
 }

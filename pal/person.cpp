@@ -201,7 +201,7 @@ void PressKey(int virtualKey) {
   if (!dialog) Die("no dialog is open for the person");
   const HWND focus = call->desktop.Focus();
   const HWND target = focus ? focus : dialog->handle;
-  for (const UINT message : {WM_KEYDOWN, WM_KEYUP})
+  for (const UINT message : {UINT{WM_KEYDOWN}, UINT{WM_KEYUP}})
     PostTo(call.Get(), target, message, static_cast<WPARAM>(virtualKey), 0);
 }
 
