@@ -18,6 +18,7 @@ export LC_ALL=C.UTF-8                                 # Windows in English
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="  # no questions about add-ons, no menu entries
 export VELTRA_WINE_SESSION=1
+export VELTRA_DEVICE_LOG=${VELTRA_DEVICE_LOG:-'C:\devices\calls.log'}  # what the simulated devices were told
 display=
 command=
 
