@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <mmsystem.h>
 
+#include "pal/person.h"
+#include "resources/resource_ids.h"
 #include "tests/tool_test.h"
 
 namespace veltra {
@@ -62,6 +64,7 @@ TEST(AlarmDecision, Stories) {
 
 // ---- on the tablet ----------------------------------------------------------------------------------------
 
+constexpr UINT kPowerIcon = 1977;
 constexpr int kLowSound = 160;
 constexpr int kCriticalSound = 161;
 
@@ -72,6 +75,12 @@ class Battery : public ToolTest {
     std::snprintf(text, sizeof text, "BatteryState=0x%02X", static_cast<unsigned>(percent));
     tablet.Pic().SendText(text);
     tablet.Advance(20ms);
+  }
+  // The power icon's tooltip and picture.
+  using Shown = std::pair<std::u16string, int>;
+  Shown PowerIcon() {
+    const auto icon = machine.FindTrayIcon(kPowerIcon).value_or(pal::TrayIcon());
+    return {icon.tooltip, icon.picture};
   }
   std::vector<std::u16string> NewBalloons() {
     std::vector<std::u16string> texts;
@@ -155,6 +164,71 @@ TEST_F(Battery, AlarmsComeWhileABoxIsOpen) {
   ReportCapacity(9);
   tablet.Advance(3s);
   EXPECT_EQ(NewBalloons().size(), 1U);
+}
+
+TEST_F(Battery, AlarmsComeWhileADialogIsOpen) {
+  Start();
+  for (const WPARAM command : {WPARAM{IDC_OPTIONS}, WPARAM{IDC_OPEN_POWER_METER}}) {
+    machine.Post(tablet.MainWindow(), WM_COMMAND, command, 0);
+    tablet.Advance(10ms);
+    ASSERT_TRUE(pal::person::FrontDialog());
+    ReportCapacity(9);
+    tablet.Advance(3s);
+    EXPECT_EQ(NewBalloons().size(), 1U);
+    ReportCapacity(50);
+    tablet.Advance(3s);
+    pal::person::PressKey(VK_ESCAPE);
+    tablet.Advance(10ms);
+  }
+  machine.Post(tablet.MainWindow(), WM_COMMAND, IDC_OPTIONS, 0);
+  tablet.Advance(10ms);
+  ReportCapacity(4);
+  tablet.Advance(10s);  // powered off with the dialog open
+  EXPECT_EQ(New<pal::WindowsExit>().size(), 1U);
+  EXPECT_EQ(machine.ExitCode(), 0);
+}
+
+// Unplugged, plugged and unplugged again, at each level.
+TEST_F(Battery, TheAdapterComesAndGoesAtEveryLevel) {
+  machine.Fail("ExitWindowsEx", 1000, ERROR_ACCESS_DENIED);
+  Start();
+  for (int percent = 0; percent <= 100; ++percent) {
+    const bool critical = percent <= 5;
+    const bool low = percent <= 10 && !critical;
+    const int picture = percent >= 66   ? IDI_BATTERY_HIGH
+                        : percent >= 33 ? IDI_BATTERY_MEDIUM
+                        : percent >= 5  ? IDI_BATTERY_LOW
+                                        : IDI_BATTERY_EMPTY;
+    const std::string digits = std::to_string(percent);
+    const std::u16string left = std::u16string(digits.begin(), digits.end()) + u"% remaining";
+    tablet.Pic().battery.Plug(true);
+    ReportCapacity(percent);
+    for (int round = 0; round < 2; ++round) {
+      tablet.Pic().battery.Plug(false);
+      tablet.Advance(20ms);
+      mark = tablet.Mark();
+      tablet.Advance(7s);
+      const std::vector<std::u16string> warnings = NewBalloons();
+      EXPECT_EQ(warnings.empty(), !critical && !low) << percent;
+      if (critical) {
+        EXPECT_EQ(warnings.front(), u"Battery level is critical. System will shutdown.") << percent;
+      }
+      if (low) {
+        EXPECT_EQ(warnings, (std::vector<std::u16string>{u"Battery level is low. Please recharge."}))
+            << percent;
+      }
+      EXPECT_EQ(PowerIcon(), (Shown{left, picture})) << percent;
+
+      tablet.Pic().battery.Plug(true);
+      tablet.Advance(8s);  // a warning that has begun goes to its end
+      mark = tablet.Mark();
+      tablet.Advance(7s);
+      EXPECT_TRUE(NewBalloons().empty()) << percent;
+      EXPECT_EQ(PowerIcon(), percent == 100 ? (Shown{u"AC power", IDI_MAINS})
+                                            : (Shown{left + u" (charging)", IDI_CHARGING}))
+          << percent;
+    }
+  }
 }
 
 TEST_F(Battery, ChecksRestFromSuspendToResume) {

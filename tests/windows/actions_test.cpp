@@ -70,22 +70,22 @@ TEST_F(ActionTest, AMacroIsTypedIntoTheTextField) {
   Observer().OpenTextField("Letter");
   Hold("Fn2", 100ms);
   Hold("Fn1", 100ms);
-  Observer().AwaitDialog("Letter", "Hi {Jan}, caXf\xC3\xA9!");
+  Dialog("Letter").AwaitText("Hi {Jan}, caXf\xC3\xA9!");
   Observer().ForgetEvents();
 }
 
 TEST_F(ActionTest, TheMacroEditorRefusesAMistakeAndShowsItsPlace) {
   Observer().ComposeMacro("macm_English.dll", "ab{Entr}");
-  Observer().AwaitDialog("Macro", "Cancel");
-  Observer().Press("Macro", "OK");
-  Observer().AwaitDialog("Macro", "Character 4: there is no key of this name.");
-  Observer().Press("Macro", "Cancel");
+  Dialog("Macro").AwaitText("Cancel");
+  Dialog("Macro").PressButton("OK");
+  Dialog("Macro").AwaitText("Character 4: there is no key of this name.");
+  Dialog("Macro").PressButton("Cancel");
   Observer().Expect("composed nothing");
 
   Observer().ComposeMacro("macm_Nederlands.dll", "  x{Links}\"");
-  Observer().AwaitDialog("Macro", "Annuleren");
-  Observer().Press("Macro", "Invoegen");
-  Observer().Press("Macro", "OK");
+  Dialog("Macro").AwaitText("Annuleren");
+  Dialog("Macro").PressButton("Invoegen");
+  Dialog("Macro").PressButton("OK");
   Observer().Expect("composed { } x{Links}\"{Enter}");
 }
 

@@ -145,43 +145,8 @@ int64_t Observer::AnnouncePort(const std::string& className, bool arrived, const
   return std::stoll(Run({"device", className, arrived ? "arrived" : "removed", port}, where)[0]);
 }
 
-void Observer::AwaitDialog(const std::string& caption, const std::string& text, const Where& where) {
-  WaitUntil(
-      "the box " + caption + " shows \"" + text + "\"",
-      [&] {
-        const Words texts = Run({"texts", caption}, where);
-        return std::ranges::find(texts, text) != texts.end();
-      },
-      where);
-}
-
-bool Observer::SeesDialog(const std::string& caption, const Where& where) {
-  return Run({"texts", caption}, where)[0] == "yes";
-}
-
-void Observer::Press(const std::string& caption, const std::string& button, const Where& where) {
-  Run({"press", caption, button}, where);
-}
-
-bool Observer::DialogShows(const std::string& caption, const std::string& text, const Where& where) {
-  const Words texts = Run({"texts", caption}, where);
-  return std::ranges::find(texts, text) != texts.end();
-}
-
-bool Observer::IsVisible(const std::string& caption, const Where& where) {
-  return Run({"visible", caption}, where)[0] == "yes";
-}
-
-bool Observer::IsEnabled(const std::string& caption, const std::string& button, const Where& where) {
-  return Run({"enabled", caption, button}, where)[0] == "yes";
-}
-
-std::string Observer::ReadBar(const std::string& caption, const Where& where) {
-  return Run({"bar", caption}, where)[0];
-}
-
-void Observer::PressKey(const std::string& caption, int key, const Where& where) {
-  Run({"key", caption, std::to_string(key)}, where);
+std::vector<std::string> Observer::Balloons(const Where& where) {
+  return Run({"balloons"}, where);
 }
 
 std::map<std::string, std::string> Observer::ReadKey(Root root, const std::string& path, const Where& where) {

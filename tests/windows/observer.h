@@ -57,21 +57,8 @@ class Observer {
   // Announces a serial port, as Windows does when one comes or goes.
   int64_t AnnouncePort(const std::string& className, bool arrived, const std::string& port,
                        const Where& where = Where::current());
-  // Waits until the message box with that caption shows that text.
-  void AwaitDialog(const std::string& caption, const std::string& text,
-                   const Where& where = Where::current());
-  bool SeesDialog(const std::string& caption, const Where& where = Where::current());
-  void Press(const std::string& caption, const std::string& button, const Where& where = Where::current());
-  // Whether a dialog shows that text; line ends read as blanks.
-  bool DialogShows(const std::string& caption, const std::string& text,
-                   const Where& where = Where::current());
-  bool IsVisible(const std::string& caption, const Where& where = Where::current());
-  bool IsEnabled(const std::string& caption, const std::string& button,
-                 const Where& where = Where::current());
-  // "3 of 9", of the dialog's progress bar.
-  std::string ReadBar(const std::string& caption, const Where& where = Where::current());
-  // A key for the dialog, by its virtual key code.
-  void PressKey(const std::string& caption, int key, const Where& where = Where::current());
+  // The texts of the balloons that are to be seen in the notification area.
+  std::vector<std::string> Balloons(const Where& where = Where::current());
 
   // ---- registry; values read "number:10" or "text:abc"
   std::map<std::string, std::string> ReadKey(Root root, const std::string& path,
@@ -86,10 +73,14 @@ class Observer {
   std::optional<std::string> ReadResourceText(const std::string& program, int id, int language,
                                               const Where& where = Where::current());
 
- private:
+  // ---- what stands behind all of this
   using Words = std::vector<std::string>;
-  // The words of the answer; fails when the observer could not do it.
+  // Gives a command; returns the words of the answer and fails when the observer could not do it.
   Words Run(const Words& words, const Where& where);
+  // Its process has ended, as it does with the Windows session.
+  bool HasEnded() { return !process_.IsRunning(); }
+
+ private:
   Words RunUnchecked(const Words& words, const Where& where);
 
   WineProcess process_;

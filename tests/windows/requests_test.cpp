@@ -114,22 +114,20 @@ TEST_F(RequestsTest, TheCloseCommandAsksFirstInTheUsersLanguage) {
   const std::string caption = "Sarvik5";
   StartQuietTool();
   Observer().Post(kMainWindow, kCommand, kCloseTool);
-  Observer().AwaitDialog(
-      caption,
+  Dialog(caption).AwaitText(
       "Some features of the device will stop working if you close this tool. Are you sure you "
       "want to continue?");
-  Observer().Press(caption, "No");
-  WaitUntil("the box is gone", [&] { return !Observer().SeesDialog(caption); });
+  Dialog(caption).PressButton("No");
+  Dialog(caption).AwaitClosed();
   AwaitLine();
 
   SendTool(kCommand, kChooseDutch);
   EXPECT_EQ(Observer().ReadKey(Root::kUser, kSettingsKey)["CurrentLangID"], "number:1043");
   Observer().Post(kMainWindow, kCommand, kCloseTool);
-  Observer().AwaitDialog(
-      caption,
+  Dialog(caption).AwaitText(
       "Sommige functies van het toestel werken niet meer als u dit programma sluit. Weet u zeker "
       "dat u wilt doorgaan?");
-  Observer().Press(caption, "Yes");
+  Dialog(caption).PressButton("Yes");
   EXPECT_EQ(ExitCode(), 0);
 }
 

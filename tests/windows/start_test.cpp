@@ -67,10 +67,10 @@ TEST_F(StartTest, HelpShowsItsBoxAndEndsBeforeAnythingIsTouched) {
   const std::vector<std::vector<std::string>> commandLines = {{"-?"}, {"-s", "-v5", "/HELP", "--he"}};
   for (const std::vector<std::string>& arguments : commandLines) {
     StartTool(arguments);
-    Observer().AwaitDialog("Help", "Hoe gebruiken?");
+    Dialog("Help").AwaitText("Hoe gebruiken?");
     EXPECT_FALSE(Observer().SeesWindow(kMainWindow));
     EXPECT_FALSE(Line().IsOpen());
-    Observer().Press("Help", "OK");
+    Dialog("Help").PressButton("OK");
     EXPECT_EQ(ExitCode(), 0);
     EXPECT_TRUE(Observer().ReadKey(Root::kUser, kSettingsKey).empty());
   }

@@ -10,7 +10,7 @@ std::unique_ptr<Observer> ToolTest::observer_;
 
 // One observer for all tests: while it runs, the Windows session stays up.
 void ToolTest::SetUpTestSuite() {
-  if (!observer_) observer_ = std::make_unique<windows_test::Observer>(Where::current());
+  if (!observer_) RestartSession();
 }
 
 void ToolTest::SetUp() {
@@ -25,11 +25,13 @@ void ToolTest::SetUp() {
 }
 
 void ToolTest::TearDown() {
-  if (tool_ && tool_->IsRunning()) {
-    Observer().Post(kMainWindow, kClose);
-    tool_->ExitCode();
-  }
+  if (tool_ && tool_->IsRunning()) EndTool();
   Observer().CloseWindows();
+}
+
+void ToolTest::EndTool(const Where& where) {
+  Observer().Post(kMainWindow, kClose, 0, 0, where);
+  tool_->ExitCode(where);
 }
 
 void ToolTest::StartTool(const std::vector<std::string>& arguments, const Where& where) {

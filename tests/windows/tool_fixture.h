@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/windows/dialog.h"
 #include "tests/windows/line.h"
 #include "tests/windows/observer.h"
 #include "tests/windows/process.h"
@@ -44,6 +45,7 @@ class ToolTest : public testing::Test {
   void TearDown() override;
 
   static windows_test::Observer& Observer() { return *observer_; }
+  static windows_test::Dialog Dialog(const std::string& caption) { return {*observer_, caption}; }
   windows_test::Line& Line() { return *line_; }
   // Pulls the line out of COM2; PlugLine puts another one in.
   void PullLine() { line_.reset(); }
@@ -55,11 +57,15 @@ class ToolTest : public testing::Test {
   void StartTool(const std::vector<std::string>& arguments = {"-s"}, const Where& where = Where::current());
   // Starts it without delay, answers everything that it asks at start, and forgets what happened until then.
   void StartQuietTool(const Where& where = Where::current());
+  void EndTool(const Where& where = Where::current());
   bool IsToolRunning() { return tool_->IsRunning(); }
   size_t ToolThreadCount() { return tool_->ThreadCount(); }
   int ExitCode(const Where& where = Where::current()) { return tool_->ExitCode(where); }
   int64_t SendTool(uint32_t message, int64_t wParam = 0, int64_t lParam = 0,
                    const Where& where = Where::current());
+
+  // The Windows session has ended, and the observer with it: brings up another.
+  static void RestartSession() { observer_ = std::make_unique<windows_test::Observer>(Where::current()); }
 
   // ---- making the tool catch up
   // Returns when the tool serves its messages again: what it had to send is on the line.

@@ -2,11 +2,10 @@
 // COM2.
 #include <algorithm>
 #include <fstream>
-#include <memory>
 
+#include "resources/resource_ids.h"
 #include "simulator/firmware_file.h"
-#include "tests/windows/played_controller.h"
-#include "tests/windows/tool_fixture.h"
+#include "tests/windows/played_fixture.h"
 
 namespace windows_test {
 namespace {
@@ -26,6 +25,7 @@ constexpr char kSucceeded[] =
     "screen turns black.";
 constexpr uint32_t kFirmwareUpdate = 2;
 constexpr uint32_t kQueryEndSession = 0x0011;
+constexpr int kOk = 1;
 constexpr int kEscape = 27;
 
 std::string Failed(const std::string& reason) {
@@ -41,18 +41,13 @@ std::string WidePath(const std::string& path) {
   return wide.append(2, '\0');
 }
 
-class UpdateTest : public ToolTest {
+class UpdateTest : public PlayedToolTest {
  protected:
   void SetUp() override {
-    ToolTest::SetUp();
-    PullLine();
-    controller_ = std::make_unique<PlayedController>(LinkPath());
-    Set("StartupDelay", 0);
-    StartTool();
-    Controller().ServeUntilQuiet();
+    PlayedToolTest::SetUp();
+    StartPlayed();
   }
 
-  PlayedController& Controller() { return *controller_; }
   // A HEX file of these rows, and the request to update with it.
   void Begin(const std::vector<uint32_t>& rows, const Where& where = Where::current()) {
     bytes_.clear();
@@ -64,7 +59,7 @@ class UpdateTest : public ToolTest {
                     where);
   }
   bool Shows(const std::string& text, const Where& where = Where::current()) {
-    return Observer().DialogShows(kDialog, text, where);
+    return Dialog(kDialog).Shows(text, where);
   }
   bool FlashIsAsTheFileSays() {
     return std::ranges::equal(Controller().Pic().bootloader.Memory().Bytes(),
@@ -72,34 +67,33 @@ class UpdateTest : public ToolTest {
   }
 
  private:
-  std::unique_ptr<PlayedController> controller_;
   FirmwareBytes bytes_;
   std::vector<uint8_t> before_;
 };
 
 TEST_F(UpdateTest, IsHiddenUntilAnUpdateBegins) {
-  EXPECT_FALSE(Observer().IsVisible(kDialog));
+  EXPECT_FALSE(Dialog(kDialog).IsVisible());
   Observer().Copy(kMainWindow, kFirmwareUpdate, WidePath("C:\\none.hex"));
-  EXPECT_TRUE(Observer().IsVisible(kDialog));
+  EXPECT_TRUE(Dialog(kDialog).IsVisible());
   EXPECT_TRUE(Shows(kNotStarted));
-  EXPECT_TRUE(Observer().IsEnabled(kDialog, "OK"));
+  EXPECT_TRUE(Dialog(kDialog).Look(kOk).isEnabled);
 }
 
 TEST_F(UpdateTest, TheBarIsAtItsEndWhenTheSuccessIsTold) {
   Begin({0x1800, 0x1900, 0x2000});
   EXPECT_TRUE(Shows(kStarted));
-  EXPECT_FALSE(Observer().IsEnabled(kDialog, "OK"));
-  EXPECT_EQ(Observer().ReadBar(kDialog), "0 of 9");
+  EXPECT_FALSE(Dialog(kDialog).Look(kOk).isEnabled);
+  EXPECT_EQ(Dialog(kDialog).Progress(IDC_FIRMWARE_PROGRESS), "0 of 9");
   EXPECT_EQ(SendTool(kQueryEndSession), 0);
   Controller().ServeUntil("the success text", [&] { return Shows(kSucceeded); });
-  EXPECT_EQ(Observer().ReadBar(kDialog), "9 of 9");
+  EXPECT_EQ(Dialog(kDialog).Progress(IDC_FIRMWARE_PROGRESS), "9 of 9");
   EXPECT_TRUE(FlashIsAsTheFileSays());
   EXPECT_TRUE(Controller().Pic().Violations().empty());
   EXPECT_EQ(SendTool(kQueryEndSession), 1);
 
-  Observer().PressKey(kDialog, kEscape);
+  Dialog(kDialog).PressKey(kEscape);
   AwaitAnswer();
-  EXPECT_TRUE(Observer().IsVisible(kDialog));
+  EXPECT_TRUE(Dialog(kDialog).IsVisible());
   EXPECT_TRUE(Shows(kSucceeded));
 }
 
@@ -109,7 +103,7 @@ TEST_F(UpdateTest, ASilentControllerIsToldAfterFiveSeconds) {
   Begin({0x1800});
   Controller().ServeUntil("the failure text", [&] { return Shows(Failed("time-out 3")); });
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
-  EXPECT_TRUE(Observer().IsEnabled(kDialog, "OK"));
+  EXPECT_TRUE(Dialog(kDialog).Look(kOk).isEnabled);
   AwaitLogLine("writing row 0x01800: no answer");
 
   Begin({0x1800});
