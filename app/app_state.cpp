@@ -10,7 +10,7 @@ std::weak_ptr<AppState> last;  // the current one, or one that ended and is stil
 
 }  // namespace
 
-AppState::AppState() : dataFolder(FindDataFolder()), log(dataFolder) {
+AppState::AppState() : dataFolder(GetDataFolder()), log(dataFolder) {
   SwitchInputMessage = RegisterWindowMessageW(TEXT("Veltra_SwitchInput"));
   Languages = {{TEXT("English"), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK)},
                {TEXT("Nederlands"), MAKELANGID(LANG_DUTCH, SUBLANG_DUTCH)}};

@@ -24,7 +24,7 @@ WideText ModuleDirectory() {
   return WideText(whole.substr(0, whole.rfind('\\') + 1));
 }
 
-WideText FindDataFolder() {
+WideText GetDataFolder() {
   WCHAR documents[MAX_PATH] = {};
   const HRESULT result = SHGetFolderPathW(nullptr, CSIDL_COMMON_DOCUMENTS | CSIDL_FLAG_CREATE, nullptr,
                                           SHGFP_TYPE_CURRENT, documents);

@@ -15,7 +15,7 @@ WideText ModuleDirectory();
 
 // The data folder, with a trailing backslash, created when it was missing: the model's folder in the common
 // documents, or beside the program when the shell has no such folder.
-WideText FindDataFolder();
+WideText GetDataFolder();
 
 // Loads a library from the program's own directory, never through the search path. Null when it is missing.
 HMODULE LoadOwnLibrary(const WCHAR* fileName);

@@ -42,9 +42,9 @@ void LogWhatIsInTheWay() {
 }  // namespace
 
 std::optional<uint32_t> Bootloader::Start(const WideText& path) {
-  DropUnanswered();
   const BootEffects effects = sequence.Start(ReadHexFile(path));
   if (effects.empty()) return std::nullopt;
+  DropUnanswered();
   const uint32_t stepCount = sequence.StepCount();
   CarryOut(effects);
   return stepCount;

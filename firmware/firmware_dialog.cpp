@@ -25,8 +25,15 @@ constexpr const WCHAR* kFailureText = TEXT(
     "Could not update firmware (%s %d)\n\nDevice should be restarted.\nPlease retry the update after "
     "restart!");
 
+void ShowRunning(HWND dialog) {
+  SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, kStartText);
+  EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
+}
+
 void ShowEnd(HWND dialog, const WideText& text) {
-  EnableWindow(GetDlgItem(dialog, IDOK), TRUE);
+  const HWND ok = GetDlgItem(dialog, IDOK);
+  EnableWindow(ok, TRUE);
+  SetFocus(ok);  // it lost the keyboard when it was disabled
   SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, text.c_str());
 }
 
@@ -44,6 +51,7 @@ void OnProgress(HWND dialog, BootProgress progress, int32_t detail) {
     case BootProgress::kError:
       return ShowEnd(dialog, FormatText(kFailureText, TEXT("error"), detail));
     case BootProgress::kStepAnswered:
+      if (GetAppState().bootloader.IsRunning()) ShowRunning(dialog);  // perhaps behind a time-out
       SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_STEPIT, 0, 0);
   }
 }
@@ -96,8 +104,7 @@ void StartFirmwareUpdate(const WideText& path) {
     return state.log.WriteError(TEXT("Firmware update"), TEXT("refused, another one runs: ") + path);
   const HWND dialog = state.hFirmwareDlg;
   ShowOnTop(dialog);
-  SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, kStartText);
-  EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
+  ShowRunning(dialog);
   const std::optional<uint32_t> stepCount = state.bootloader.Start(path);
   if (!stepCount) return ShowEnd(dialog, kNoStartText);
   SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, *stepCount));

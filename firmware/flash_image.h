@@ -23,7 +23,7 @@ struct AddressRange {
   uint32_t end;  // behind the last address
 };
 
-// Where an update writes. The first three pages, the last two and one row between are never touched.
+// Where an update writes. The first three pages, the last two and one row between are never written.
 constexpr uint32_t kReservedFlashRow = kFlashSize - 6 * kFlashPageSize;
 constexpr std::array<AddressRange, 2> kProgrammableWindow = {{
     {3 * kFlashPageSize, kReservedFlashRow},

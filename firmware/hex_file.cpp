@@ -81,7 +81,7 @@ HexBytes InOrder(const std::vector<HexBytes::Start>& runs, std::span<const uint8
       nextAddress = address;
     }
     places[n] = starts.back().offset + (address - starts.back().address);
-    const uint64_t runEnd = address + (end(n) - runs[n].offset);
+    const uint64_t runEnd = uint64_t{address} + (end(n) - runs[n].offset);
     if (runEnd <= nextAddress) continue;
     size += static_cast<size_t>(runEnd - nextAddress);
     nextAddress = runEnd;

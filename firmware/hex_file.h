@@ -1,7 +1,8 @@
 // Intel HEX files, a pure core: text in, bytes at their addresses out.
 //
 //   :LLAAAATTDD..DDCC   LL data bytes, 16-bit address, type, data, checksum; two hexadecimal digits for a
-//   byte ;comment            of at least 11 characters, like every line
+//                       byte
+//   ;COMMENT            at least 11 characters, like every line
 //
 // Types: 00 places data, 01 ends the file (only comments and other ends may follow), 04 sets the upper half
 // of the addresses that follow; 02, 03 and 05 are accepted and mean nothing. CR or LF ends a line, empty

@@ -1,4 +1,4 @@
-// Any macro: a mistake lies within it, and what is fitted for a profile does the same.
+// Any macro: a mistake lies within it, and what is fitted for a profile does as much.
 #include <cstdlib>
 
 #include "plugins/macro/macro_text.h"

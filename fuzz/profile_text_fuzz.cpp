@@ -1,7 +1,9 @@
-// Any profile file: a section that is replaced reads as it was written, whatever stood around it, and a section
-// of another name stays as it was.
+// Any profile file: a section that is replaced reads as it was written, whatever stood around it, and a
+// section of another name stays as it was. The tool's own view of a section finds the values that the layer
+// finds.
 #include <cstdlib>
 
+#include "base/profile_section.h"
 #include "base/text.h"
 #include "pal/private_profile.h"
 
@@ -15,6 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (pal::FindProfileValue(replaced, u"button1", u"btcmdtext") != u"x = y") std::abort();
   if (pal::FindProfileValue(replaced, u"Button1", u"BtCmdVal")) std::abort();
   if (pal::FindProfileValue(replaced, u"Button2", u"BtCmdText") != before) std::abort();
+  veltra::WideText lines;
+  for (const std::u16string& line : pal::ProfileSectionLines(text, u"Button2")) lines += line + u'\0';
+  if (veltra::ProfileSection(lines).Text(u"BtCmdText") != before.value_or(u"")) std::abort();
   const pal::ProfileText again = pal::DecodeProfile(pal::EncodeProfile({text, profile.encoding}));
   if (profile.encoding == pal::ProfileEncoding::kUtf16 && again.text != text) std::abort();
   return 0;

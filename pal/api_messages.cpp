@@ -180,9 +180,9 @@ BOOL WINAPI PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT
   return TRUE;
 }
 
+// No WM_CHAR comes of a key: nothing here looks at one.
 BOOL WINAPI TranslateMessage(const MSG* message) {
-  if (message->message >= WM_KEYDOWN && message->message <= WM_SYSKEYUP) Die("TranslateMessage of a key");
-  return FALSE;
+  return message->message >= WM_KEYDOWN && message->message <= WM_SYSKEYUP;
 }
 
 LRESULT WINAPI DispatchMessageW(const MSG* message) {

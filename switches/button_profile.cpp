@@ -75,7 +75,7 @@ void SaveProfile(const WideText& name) {
   const ButtonActions& actions = GetAppState().buttonActions;
   const WideText path = ProfilePath(name);
   const auto fits = [](const ButtonAction& action) { return FitsCodePage(action.BtCmdText); };
-  if (!std::ranges::all_of(actions, fits)) MakeProfileUtf16(path);
+  if (!std::ranges::all_of(actions, fits) && !MakeProfileUtf16(path)) return;
   for (size_t index = 0; index < actions.size(); ++index) WriteAction(actions[index], SectionOf(index), path);
 }
 

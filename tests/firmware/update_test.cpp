@@ -258,10 +258,15 @@ TEST(FirmwareUpdate, AClosedPortIsATimeoutAfterFiveSeconds) {
 TEST(FirmwareUpdate, AnAnswerThatComesLateGoesOn) {
   UpdatedTablet tablet;
   tablet.pic.bootloader.eraseTime = 6s;
+  tablet.pic.bootloader.writeTime = 2s;
   const FirmwareBytes bytes = Rows({0x1800});
   EXPECT_EQ(tablet.Update(bytes), Failed(u"time-out 2"));
+  tablet.tablet.Advance(2s);  // erased, and the row on its way: nobody should switch off now
+  EXPECT_EQ(tablet.Text(), kStarted);
+  EXPECT_FALSE(Look(IDOK).isEnabled);
   tablet.tablet.Advance(2s);
   EXPECT_EQ(tablet.Text(), kSucceeded);
+  EXPECT_TRUE(Look(IDOK).hasFocus);
   tablet.ExpectFlashOf(bytes);
 }
 
@@ -281,6 +286,16 @@ TEST(FirmwareUpdate, AFileThatCannotBeUsedStartsNothing) {
   tablet.tablet.Advance(10s);
   EXPECT_TRUE(tablet.fromTool.empty());
   EXPECT_EQ(tablet.Update(Rows({0x1800})), kSucceeded);
+
+  // Nor behind an update that failed, with the request of another program still waiting.
+  tablet.pic.ArmAtStep(2, Fault::kMute);
+  EXPECT_EQ(tablet.Update(Rows({0x1800})), Failed(u"time-out 2"));
+  tablet.tablet.SendData(nullptr, 0, ToBytes("IRSend"));
+  tablet.fromTool.clear();
+  tablet.machine.WriteFile(kFile, "no HEX file\r\n");
+  tablet.tablet.SendUpdate(kFile);
+  EXPECT_EQ(tablet.AwaitEnd(), kNotStarted);
+  EXPECT_TRUE(tablet.fromTool.empty());
 }
 
 TEST(FirmwareUpdate, ASecondRequestWhileOneRunsIsRefused) {
