@@ -83,7 +83,7 @@ struct AppState {
   int32_t lowAlarmLevel = kAlarmArmed;  // capacity of the last low-battery alarm
   AudioSettings audio;
   BoardLibrary board;
-  uint8_t ExpanderPortA = 0;  // the outputs of the I/O expander as last written
+  uint8_t ExpanderPortA = 0;  // what the outputs of the I/O expander should be
   uint8_t ExpanderPortB = 0;
   Bootloader bootloader;
 
@@ -98,7 +98,7 @@ struct AppState {
   ButtonActions buttonActions;                 // what a press of each does
   std::shared_ptr<const MacroLibrary> macros;  // null without a plug-in; who is at work in it holds it too
 
-  bool suspended = false;  // from the suspend notification until the resume has been handled
+  bool Suspended = false;  // from the suspend notification until the resume has been handled
 
   std::vector<LanguageEntry> Languages;
 

@@ -82,6 +82,22 @@ void PostFirstDialog(const CommandLine& options) {
                0);
 }
 
+// The session may end meanwhile, while Windows delivers a message or a box is open: who brings up holds the
+// state.
+void BringUp(const CommandLine& options) {
+  const std::shared_ptr<AppState> state = KeepAppState();
+  CreateMainWindow();
+  LoadSettings();
+  AddTrayIcons(state->hMainWnd);
+  LoadProfile(CurrentProfilePath());
+  LoadMacroLibrary();
+  WaitBeforeStart();
+  RunStartupSequence(false);
+  if (!HasAppState()) return;
+  PostFirstDialog(options);
+  CreateFirmwareDialog();
+}
+
 int RunTool(HINSTANCE instance) {
   CoInitialize(nullptr);
   Trace(TEXT("Veltra Device tool started"));
@@ -100,18 +116,10 @@ int RunTool(HINSTANCE instance) {
   }
 
   CheckPowerFlags();
-  CreateMainWindow();
-  LoadSettings();
-  AddTrayIcons(GetAppState().hMainWnd);
-  LoadProfile(CurrentProfilePath());
-  LoadMacroLibrary();
-  WaitBeforeStart();
-  RunStartupSequence(false);
-  PostFirstDialog(options);
-  CreateFirmwareDialog();
+  BringUp(options);
   const int exitCode = RunMessageLoop();
 
-  if (HasAppState()) {  // the end of a Windows session has done all this already
+  if (HasAppState()) {  // else the session has ended, and the shut-down has run
     ReleaseHeldSwitches();
     StopVirtualJoystick();
     RunShutdownSequence();

@@ -26,8 +26,8 @@
 #include "power/battery_details.h"
 #include "power/device_operations.h"
 #include "power/flight_mode_notice.h"
-#include "report/device_report.h"
 #include "power/power_meter.h"
+#include "report/device_report.h"
 #include "resources/resource_ids.h"
 #include "switches/macro_plugin.h"
 #include "switches/options_dialog.h"
@@ -40,7 +40,6 @@ namespace {
 constexpr UINT WM_QUERY_PIC_FIRMWARE = WM_APP + 0xDF;
 constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
 constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
-constexpr UINT kFirmwareFileRequest = WM_APP + 0x76E;
 constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
 constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
 
@@ -81,7 +80,8 @@ Result OnDestroy(const WindowMessage&) {
   return 0;
 }
 
-// A controller without its firmware should not be left alone; the reason that is shown meanwhile was given before.
+// A controller without its firmware should not be left alone; the reason that is shown meanwhile was given
+// before.
 Result OnQueryEndSession(const WindowMessage&) {
   if (GetAppState().bootloader.IsRunning()) return FALSE;
   return {};

@@ -24,13 +24,13 @@ void OnSuspend() {
   state.log.WriteDetail(TEXT("Suspend"), TEXT("Device going to suspend"));
   StopBatteryTimer();
   ReleaseHeldSwitches();
-  if (!std::exchange(state.suspended, true)) PowerDownBoard();
+  if (!std::exchange(state.Suspended, true)) PowerDownBoard();
 }
 
 void OnResume() {
   AppState& state = GetAppState();
   state.log.WriteDetail(TEXT("Resume"), TEXT("Device resuming"));
-  if (!std::exchange(state.suspended, false)) return;
+  if (!std::exchange(state.Suspended, false)) return;
   if (state.WakeupDelay > 0)
     SetTimer(state.hMainWnd, kResumeTimer, static_cast<UINT>(state.WakeupDelay), nullptr);
   else
@@ -45,8 +45,9 @@ void OnPowerEvent(WPARAM event) {
 }
 
 void OnResumeTimer() {
-  KillTimer(GetAppState().hMainWnd, kResumeTimer);
-  RunStartupSequence(true);
+  const AppState& state = GetAppState();
+  KillTimer(state.hMainWnd, kResumeTimer);
+  if (!state.Suspended) RunStartupSequence(true);
 }
 
 }  // namespace veltra

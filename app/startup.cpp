@@ -61,6 +61,7 @@ void SwitchRadiosOn() {
 
 void Start() {
   StartBoardLibrary();
+  if (!HasAppState()) return;  // the session has ended behind its box
   GetAppState().log.WriteDetail(TEXT("Startup"), TEXT("Application starting"));
   StartPicComm();
   for (const char* query : kStartupQueries) SendText(query);
@@ -93,12 +94,14 @@ void PowerUpBoard() {
 }  // namespace
 
 void RunStartupSequence(bool resume) {
+  if (!HasAppState()) return;
   if (resume)
     Resume();
   else
     Start();
+  if (!HasAppState()) return;
   PowerUpBoard();
-  StartBatteryTimer();
+  if (HasAppState()) StartBatteryTimer();
 }
 
 // The port is not stopped here but left to the end of the process: its monitor thread may hang in a driver,

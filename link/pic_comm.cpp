@@ -41,7 +41,7 @@ void StopPicComm() {
   AppState& state = GetAppState();
   const auto port = std::move(state.picPort);
   state.picPort = nullptr;
-  ReleaseHeldSwitches();
+  ForgetHeldSwitches();
   ClearPicQueue();
   if (!port) return;
   port->StopMon();
@@ -68,7 +68,7 @@ void OnPicPortChange(const WideText& portName, bool arrived) {
 void OnPicLineLost() {
   if (!IsLineLost()) return;  // a message of an earlier opening
   GetAppState().log.WriteError(kDeviceChangeTag, TEXT("Pic port lost without notice"));
-  ReleaseHeldSwitches();
+  ForgetHeldSwitches();
   StartPortRetryTimer();
 }
 

@@ -54,7 +54,8 @@ void WarnAndPowerOff() {
 }  // namespace
 
 void StartBatteryTimer() {
-  SetTimer(GetAppState().hMainWnd, kBatteryTimer, kBatteryCheckMs, nullptr);
+  const AppState& state = GetAppState();
+  if (!state.Suspended) SetTimer(state.hMainWnd, kBatteryTimer, kBatteryCheckMs, nullptr);
 }
 
 void StopBatteryTimer() {

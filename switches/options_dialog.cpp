@@ -151,9 +151,7 @@ void Centre(HWND dialog) {
 }
 
 void OnInit(HWND dialog) {
-  SwitchIndicator& indicator = GetAppState().switchIndicator;
-  indicator.dialogWindow = dialog;
-  indicator.pressedMask = 0;
+  GetAppState().switchIndicator.dialogWindow = dialog;
   SetWindowPos(dialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
   Centre(dialog);
   InitCheckBoxes(dialog);

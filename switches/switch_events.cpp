@@ -87,16 +87,19 @@ constexpr SwitchLetter kSwitchLetters[] = {
     {'j', 'd', kSwitch2, false},
 };
 
-void ShowInIndicator(const SwitchLetter& event) {
-  SwitchIndicator& indicator = GetAppState().switchIndicator;
+void NoteHeld(const SwitchLetter& event) {
+  int& mask = GetAppState().switchIndicator.pressedMask;
   const int bit = 1 << event.index;
-  indicator.pressedMask = event.pressed ? indicator.pressedMask | bit : indicator.pressedMask & ~bit;
+  mask = event.pressed ? mask | bit : mask & ~bit;
+}
+
+void RepaintIndicator(HWND dialog) {
   RECT screen = {};
-  GetWindowRect(GetDlgItem(indicator.dialogWindow, IDO_INDICATOR), &screen);
+  GetWindowRect(GetDlgItem(dialog, IDO_INDICATOR), &screen);
   POINT corners[] = {{screen.left, screen.top}, {screen.right, screen.bottom}};
-  for (POINT& corner : corners) ScreenToClient(indicator.dialogWindow, &corner);
+  for (POINT& corner : corners) ScreenToClient(dialog, &corner);
   const RECT area = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
-  InvalidateRect(indicator.dialogWindow, &area, TRUE);
+  InvalidateRect(dialog, &area, TRUE);
 }
 
 // Whether somebody else takes the event: the maker's communication or keyboard application, or the options
@@ -111,12 +114,14 @@ bool HandToOthers(const SwitchLetter& event) {
     SendMessageW(lexora, kSwitchLetterMessage, 0, state.LexoraRevSw ? event.swapped : event.letter);
     return true;
   }
-  if (!state.switchIndicator.dialogWindow) return false;
-  ShowInIndicator(event);
+  const HWND options = state.switchIndicator.dialogWindow;
+  if (!options) return false;
+  RepaintIndicator(options);
   return true;
 }
 
 void OnSwitch(const SwitchLetter& event) {
+  NoteHeld(event);
   if (HandToOthers(event)) {
     // What an earlier press holds down would stay so: this release goes elsewhere.
     if (!event.pressed) ReleaseHeldSwitch(event.index);

@@ -48,7 +48,7 @@ void Output(int32_t value, bool pressed) {
 // A press may wait in the message queue when the port is closed or the tablet is about to sleep.
 bool CanReleaseCome() {
   const AppState& state = GetAppState();
-  return state.picPort && !state.suspended;
+  return state.picPort && !state.Suspended;
 }
 
 }  // namespace
@@ -82,6 +82,11 @@ void ReleaseHeldSwitch(SwitchIndex index) {
 void ReleaseHeldSwitches() {
   ReleaseHeldSwitch(kSwitch1);
   ReleaseHeldSwitch(kSwitch2);
+}
+
+void ForgetHeldSwitches() {
+  ReleaseHeldSwitches();
+  GetAppState().switchIndicator.pressedMask = 0;
 }
 
 }  // namespace veltra

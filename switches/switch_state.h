@@ -28,7 +28,7 @@ struct HeldOutput {
 };
 using HeldOutputs = std::array<HeldOutput, 2>;
 
-// Which switches are held while the options dialog is open.
+// Which switches are held, for the options dialog.
 struct SwitchIndicator {
   int pressedMask = 0;          // bit 0 switch 1, bit 1 switch 2
   HWND dialogWindow = nullptr;  // the open options dialog

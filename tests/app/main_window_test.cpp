@@ -226,12 +226,13 @@ TEST_F(MainWindow, AnArrivalOpensThePortAtOnceAndTheRetryOpensItOnceAfter30Secon
 TEST_F(MainWindow, OldWindowsAndOtherDevicesAreOnlyTraced) {
   machine.SetWindowsVersion(6, 0, 2);
   Start();
+  const size_t before = tablet.Mark();
   tablet.NotifyPort(false, u"COM2");
   EXPECT_EQ(NewTraces(),
             (std::vector<std::u16string>{u"OnDeviceChange 00008004\r\n", u"Removal of type 3\r\n"}));
   EXPECT_EQ(tablet.Ask(WM_DEVICECHANGE, 7), 1);
   EXPECT_EQ(NewTraces(), std::vector<std::u16string>{u"OnDeviceChange 00000007\r\n"});
-  EXPECT_TRUE(New<pal::SerialClosed>().empty());
+  EXPECT_TRUE(pal::Select<pal::SerialClosed>(tablet.Since(before)).empty());
   EXPECT_EQ(tablet.Ask(WM_DEVICECHANGE, 0x8000, 0), 1);  // no description at all
 }
 

@@ -100,7 +100,7 @@ TEST_F(Settings, ARegistryThatRefusesKeepsTheToolFromNothing) {
   machine.Fail("RegCreateKeyExW", 10, ERROR_ACCESS_DENIED);
   SetUserValue(u"Sw1CmdVal", -1);
   Start();
-  EXPECT_TRUE(New<pal::RegistryWrite>().empty());
+  EXPECT_TRUE(pal::Select<pal::RegistryWrite>(tablet.Since(0)).empty());
   Press(simulator::Button::kSwitch1);
   EXPECT_EQ(New<pal::ForeignMessageSent>().size(), 1U);  // the default: a notification
 }

@@ -85,11 +85,11 @@ TEST_F(Startup, ASecondCopyCallsTheFirstAndLeaves) {
   tablet.Start();
   tablet.Advance(10s);
   EXPECT_EQ(machine.ExitCode(), 6);
-  const auto sent = New<pal::ForeignMessageSent>();
+  const auto sent = pal::Select<pal::ForeignMessageSent>(tablet.Since(0));
   ASSERT_EQ(sent.size(), 1U);
   EXPECT_EQ(sent[0].message, static_cast<uint32_t>(WM_COMMAND));
   EXPECT_EQ(sent[0].wParam, 127U);
-  EXPECT_TRUE(New<pal::RegistryWrite>().empty());
+  EXPECT_TRUE(pal::Select<pal::RegistryWrite>(tablet.Since(0)).empty());
   EXPECT_EQ(machine.CountOpen("mutex"), 0);
 }
 
@@ -205,6 +205,29 @@ TEST_F(Startup, ASessionMayEndWhileABoxIsOpen) {
   EXPECT_FALSE(Box());  // the quit message ends it
   EXPECT_EQ(machine.ExitCode(), 0);
   EXPECT_EQ(BoardStops(tablet.Since(0)), 1U);
+}
+
+TEST_F(Startup, ASessionMayEndWhileABoxOfTheStartIsOpen) {
+  const struct {
+    std::u16string_view caption;
+    const char* call;
+    int failures;
+    DWORD error;
+  } boxes[] = {{u"I2CInit", nullptr, 0, 0}, {u"Error termination", "CoCreateInstance", 5, DWORD(E_FAIL)}};
+  for (const auto& box : boxes) {
+    simulator::TheBoard().initializeError = box.call ? 0 : 7;
+    if (box.call) machine.Fail(box.call, box.failures, box.error);
+    const size_t before = tablet.Mark();
+    tablet.Start();
+    ASSERT_TRUE(machine.AdvanceUntil([&] { return Box() && Box()->caption == box.caption; }, 60s));
+    EXPECT_EQ(tablet.Ask(WM_ENDSESSION, TRUE), 0);
+    const size_t ended = tablet.Mark();
+    tablet.Advance(10s);
+    EXPECT_EQ(machine.ExitCode(), 0);
+    EXPECT_EQ(BoardStops(tablet.Since(before)), 1U);
+    EXPECT_TRUE(pal::Select<pal::SerialOpened>(tablet.Since(ended)).empty());
+    EXPECT_TRUE(pal::Select<pal::SoundPlayed>(tablet.Since(ended)).empty());
+  }
 }
 
 // ---- standby ----------------------------------------------------------------------------------------------

@@ -110,11 +110,9 @@ TEST_F(Battery, TheCriticalAlarmPowersOffAndTheToolEnds) {
   ReportCapacity(5);
   ASSERT_TRUE(
       machine.AdvanceUntil([&] { return !pal::Select<pal::SoundPlayed>(tablet.Since(mark)).empty(); }, 3s));
-  const pal::Time warned = machine.Now();
   tablet.Advance(3999ms);
   EXPECT_TRUE(pal::Select<pal::WindowsExit>(tablet.Since(mark)).empty());
   tablet.Advance(20ms);
-  EXPECT_LE(machine.Now() - warned, 4100ms);
   const auto exits = New<pal::WindowsExit>();
   ASSERT_EQ(exits.size(), 1U);
   EXPECT_EQ(exits[0].flags, 0x0CU);
@@ -149,10 +147,13 @@ TEST_F(Battery, APressDuringTheFourSecondsIsActedOnBehindThem) {
   machine.Fail("ExitWindowsEx", 1, ERROR_ACCESS_DENIED);
   Start();
   ReportCapacity(4);
-  machine.AdvanceUntil([&] { return !pal::Select<pal::SoundPlayed>(tablet.Since(mark)).empty(); }, 4s);
+  ASSERT_TRUE(
+      machine.AdvanceUntil([&] { return !pal::Select<pal::SoundPlayed>(tablet.Since(mark)).empty(); }, 4s));
   Press(simulator::Button::kSwitch1);
   Release(simulator::Button::kSwitch1);
-  tablet.Advance(4s);
+  tablet.Advance(3900ms);
+  EXPECT_TRUE(pal::Select<pal::MouseInput>(tablet.Since(mark)).empty());
+  tablet.Advance(100ms);
   EXPECT_EQ(New<pal::MouseInput>().size(), 2U);
 }
 
@@ -229,6 +230,16 @@ TEST_F(Battery, TheAdapterComesAndGoesAtEveryLevel) {
           << percent;
     }
   }
+}
+
+TEST_F(Battery, OnlyAChangedCapacityIsLogged) {
+  SwitchDetailsOn();
+  Start();
+  for (const int percent : {70, 70, 69}) ReportCapacity(percent);
+  const std::string log = Log();
+  size_t lines = 0;
+  for (size_t at = 0; (at = log.find("Battery: Capacity", at)) != log.npos; ++at) ++lines;
+  EXPECT_EQ(lines, 2U) << log;
 }
 
 TEST_F(Battery, ChecksRestFromSuspendToResume) {

@@ -170,7 +170,6 @@ TEST_F(DeviceOperations, TheEndpointIsTriedFiveTimesAndThenABoxIsShown) {
     SCOPED_TRACE(step);
     if (!tablet.MainWindow()) Start();
     machine.Fail(step, 5, static_cast<DWORD>(E_FAIL));
-    const pal::Time before = machine.Now();
     machine.Post(tablet.MainWindow(), simulator::SimulatedTablet::kDeviceToolRequest, 11, 100);
     tablet.Advance(9999ms);
     EXPECT_TRUE(machine.OpenMessageBoxes().empty());
@@ -184,7 +183,6 @@ TEST_F(DeviceOperations, TheEndpointIsTriedFiveTimesAndThenABoxIsShown) {
     tablet.Advance(10ms);
     EXPECT_EQ(NewBus(), Texts{"30: 05 22 00 3A 01 28"});
     EXPECT_EQ(machine.CountOpen("com object"), 0);
-    EXPECT_GE(machine.Now() - before, 10s);
   }
 }
 

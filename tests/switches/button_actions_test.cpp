@@ -184,9 +184,9 @@ TEST_F(ButtonActions, SideButtonsDoNotLookForTheApplicationsThatTakeTheSwitches)
 // ---- macros -------------------------------------------------------------------------------------------------
 
 TEST_F(ButtonActions, AMacroIsRunByThePlugIn) {
-  EXPECT_EQ(DoAction(0, -1, "caf\xE9{Enter}{Ctrl+S 2}"),
-            (Texts{"sound stopped", "macro types caf\xC3\xA9", "macro presses 13",
-                   "macro presses 17+83 2 times"}));
+  EXPECT_EQ(
+      DoAction(0, -1, "caf\xE9{Enter}{Ctrl+S 2}"),
+      (Texts{"sound stopped", "macro types caf\xC3\xA9", "macro presses 13", "macro presses 17+83 2 times"}));
 }
 
 TEST_F(ButtonActions, AMacroWithAMistakeDoesNothing) {
@@ -206,8 +206,8 @@ TEST_F(ButtonActions, APressDuringAPauseOfAMacroComesAfterIt) {
   for (const pal::Effect& effect : tablet.Since(mark))
     if (const std::string text = pal::Describe(effect); text.starts_with("macro") || text.starts_with("key"))
       words.push_back(text);
-  EXPECT_EQ(words, (Texts{"macro types a", "macro waits 1000 ms", "macro types b", "key 0x0D down",
-                          "key 0x0D up"}));
+  EXPECT_EQ(words,
+            (Texts{"macro types a", "macro waits 1000 ms", "macro types b", "key 0x0D down", "key 0x0D up"}));
 }
 
 TEST_F(ButtonActions, WithoutAPlugInAMacroDoesNothing) {

@@ -111,7 +111,9 @@ TEST_F(Options, OkStoresAndSends) {
 
   // From now on the switch clicks.
   Press(Button::kSwitch1);
-  ASSERT_EQ(New<pal::MouseInput>().size(), 1U);
+  const auto clicks = New<pal::MouseInput>();
+  ASSERT_EQ(clicks.size(), 1U);
+  EXPECT_EQ(clicks[0].flags, MOUSEEVENTF_LEFTDOWN);
 }
 
 TEST_F(Options, WhatIsNotInAListStaysAsItIs) {
@@ -200,7 +202,12 @@ TEST_F(Options, FlightModeLeavesTheRadiosSettings) {
     PressAndSettle(IDO_FLIGHT_MODE);
     for (const int radio : kRadios) EXPECT_EQ(person::Look(radio).isEnabled, enabled) << radio;
   }
+  simulator::TheBoard().transfers.clear();
   PressAndSettle(IDOK);
+  const auto& transfers = simulator::TheBoard().transfers;
+  ASSERT_FALSE(transfers.empty());
+  EXPECT_EQ(transfers.front().bytes.at(0), 0x12);      // port A of the expander
+  EXPECT_EQ(transfers.front().bytes.at(1) & 0x02, 0);  // WLAN
   EXPECT_EQ(NewRequests(), (Texts{"StartWithSwitch=0", "EnableBT=0", "EnableGsm=0"}));
   EXPECT_EQ(UserValue(u"EnableFlightMode"), 1U);
   EXPECT_EQ(UserValue(u"EnableWLAN"), 1U);
@@ -319,7 +326,10 @@ TEST_F(Indicator, ShowsWhichSwitchesAreHeld) {
   EXPECT_EQ(Colours(), (Painted{kWhite, kGreen}));
   EXPECT_EQ(machine.CountOpen("brush"), 0);
 
-  // It is closed with a switch held and opened without.
+  // Closed and opened with a switch held, and without.
+  Leave(WayOut::kEscape);
+  OpenAgain(IDC_OPTIONS);
+  EXPECT_EQ(Colours(), (Painted{kWhite, kGreen}));
   Leave(WayOut::kEscape);
   tablet.Release(Button::kSwitch2);
   Settle();
@@ -354,6 +364,7 @@ TEST_F(Indicator, TwoDoubleClicksOpenTheWayToTheUpdate) {
   EXPECT_EQ(Colours(), (Painted{kBlue, kWhite}));
   person::DoubleClick(IDO_INDICATOR);
   EXPECT_EQ(Colours(), (Painted{kBlue, kBlack}));
+  tablet.Release(Button::kSwitch1);
   Leave(WayOut::kCloseBox);  // keeps the steps
   OpenAgain(IDC_OPTIONS);
   EXPECT_EQ(Colours(), (Painted{kBlack, kBlack}));
