@@ -6,6 +6,7 @@
 # and the exit code is the command's. Environment:
 #   VELTRA_WINE_PREFIX   a directory that keeps the prefix, for faster starts
 #   VELTRA_SERIAL_SHIM   the library to preload into Wine, so that COM2 can be a pseudo terminal
+#   VELTRA_SCREEN        the size of the desktop, 1024x768 by default
 #   VELTRA_DEVICES       a directory with audio.dll, the playback device of this Windows
 # COM2 is what the symbolic link $WINEPREFIX/com2 points to; the command makes that link.
 set -u
@@ -19,6 +20,7 @@ export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="  # no questions about add-ons, no menu entries
 export VELTRA_WINE_SESSION=1
 export VELTRA_DEVICE_LOG=${VELTRA_DEVICE_LOG:-'C:\devices\calls.log'}  # what the simulated devices were told
+screen=${VELTRA_SCREEN:-1024x768}
 display=
 command=
 
@@ -38,7 +40,7 @@ trap stop INT TERM HUP
 start_display() {
   local number
   mkfifo "$scratch/display"
-  Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$scratch/display" 2>"$scratch/xvfb.log" &
+  Xvfb -displayfd 3 -screen 0 "${screen}x24" -nolisten tcp 3>"$scratch/display" 2>"$scratch/xvfb.log" &
   display=$!
   read -r -t 60 number <>"$scratch/display" || { cat "$scratch/xvfb.log" >&2; return 1; }
   export DISPLAY=:$number
@@ -64,7 +66,7 @@ REGEDIT4
 "Desktop"="veltra"
 
 [HKEY_CURRENT_USER\\Software\\Wine\\Explorer\\Desktops]
-"veltra"="1024x768"
+"veltra"="$screen"
 END
 }
 

@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <stdexcept>
 
 #include "tests/windows/observer/command_table.h"
@@ -62,6 +63,15 @@ std::string RunPress(const Words& words) {
 std::string RunVisible(const Words& words) {
   const HWND dialog = FindCaption(words[1]);
   return dialog && IsWindowVisible(dialog) ? "yes" : "no";
+}
+
+std::string RunRect(const Words& words) {
+  RECT rect = {};
+  GetWindowRect(FindDialog(words), &rect);
+  char text[64];
+  std::snprintf(text, sizeof text, "%ldx%ld+%ld+%ld", rect.right - rect.left, rect.bottom - rect.top,
+                rect.left, rect.top);
+  return text;
 }
 
 // As the system posts it to the window that has the keyboard.
@@ -158,6 +168,7 @@ constexpr Command kCommands[] = {
     {"texts", 1, RunTexts},               // CAPTION: yes and the texts of its controls, or no
     {"press", 2, RunPress},               // CAPTION BUTTON, by its text
     {"visible", 1, RunVisible},           // CAPTION: yes or no
+    {"rect", 1, RunRect},                 // CAPTION: its place on the desktop, as WIDTHxHEIGHT+LEFT+TOP
     {"key", 2, RunKey},                   // CAPTION KEY: pressed and released
     {"balloons", 0, RunBalloons},         // the texts of the balloons and tooltips that are to be seen
     {"control", 2, RunControl},           // CAPTION ID: shown or hidden, enabled or disabled, its text
