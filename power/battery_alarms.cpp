@@ -13,19 +13,9 @@ namespace {
 
 constexpr DWORD kCriticalWarningMs = 4000;  // between the critical warning and the power-off
 
-struct BatteryPicture {
-  int32_t from;  // percent
-  int32_t iconId;
-};
-
-constexpr BatteryPicture kBatteryPictures[] = {
-    {66, IDI_BATTERY_HIGH}, {33, IDI_BATTERY_MEDIUM}, {5, IDI_BATTERY_LOW}, {0, IDI_BATTERY_EMPTY}};
-
-int32_t PictureOf(int32_t capacity) {
-  for (const BatteryPicture& picture : kBatteryPictures)
-    if (capacity >= picture.from) return picture.iconId;
-  return IDI_BATTERY_EMPTY;
-}
+// By band.
+constexpr int32_t kBatteryPictures[] = {IDI_BATTERY_HIGH, IDI_BATTERY_MEDIUM, IDI_BATTERY_LOW,
+                                        IDI_BATTERY_EMPTY};
 
 AlarmDecision Decide() {
   AppState& state = GetAppState();
@@ -84,7 +74,7 @@ void UpdateTrayBatteryIcon() {
   int32_t iconId = IDI_MAINS;
   if (source == PowerSource::kBattery || source == PowerSource::kAcCharging)
     tooltip = FormatText(LoadResString(IDS_PERCENT_REMAINING), capacity);
-  if (source == PowerSource::kBattery) iconId = PictureOf(capacity);
+  if (source == PowerSource::kBattery) iconId = kBatteryPictures[static_cast<size_t>(BandOf(capacity))];
   if (source == PowerSource::kAcCharging) {
     tooltip += TEXT(" (") + LoadResString(IDS_CHARGING) + TEXT(")");
     iconId = IDI_CHARGING;

@@ -6,6 +6,12 @@
 
 namespace veltra {
 
+BatteryBand BandOf(int32_t capacity) {
+  if (capacity >= 66) return BatteryBand::kHigh;
+  if (capacity >= 33) return BatteryBand::kMedium;
+  return capacity >= 5 ? BatteryBand::kLow : BatteryBand::kEmpty;
+}
+
 void BatteryStatus::SetCapacity(int32_t percent) {
   if (percent == capacity) return;
   capacity = percent;

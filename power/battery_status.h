@@ -17,6 +17,10 @@ enum class PowerSource : int32_t {
   kAcNoBattery = 4,
 };
 
+// How full the pictures show it.
+enum class BatteryBand { kHigh, kMedium, kLow, kEmpty };
+BatteryBand BandOf(int32_t capacity);  // percent
+
 struct BatteryStatus {
   int32_t capacity = 50;                            // percent, 0 to 100
   PowerSource powerSource = PowerSource::kUnknown;  // as last worked out

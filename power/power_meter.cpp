@@ -95,26 +95,16 @@ struct Shown {
   int icon = 0;
 };
 
-// From the fullest down.
-struct BatteryPicture {
-  int32_t lowest;  // percent
-  int icon;
-};
-constexpr BatteryPicture kBatteryPictures[] = {
-    {66, IDI_METER_HIGH}, {33, IDI_METER_MEDIUM}, {5, IDI_METER_LOW}, {0, IDI_METER_EMPTY}};
-
-int BatteryPictureOf(int32_t capacity) {
-  for (const BatteryPicture& picture : kBatteryPictures)
-    if (capacity >= picture.lowest) return picture.icon;
-  return IDI_METER_EMPTY;
-}
+// By band.
+constexpr int kBatteryPictures[] = {IDI_METER_HIGH, IDI_METER_MEDIUM, IDI_METER_LOW, IDI_METER_EMPTY};
 
 Shown PowerStatus() {
   BatteryStatus& battery = GetAppState().battery;
   const PowerSource source = battery.GetPowerSource();
   const WideText percent = Percent(battery.capacity);
   if (source == PowerSource::kBattery)
-    return {LoadResString(IDS_BATTERIES), percent, BatteryPictureOf(battery.capacity)};
+    return {LoadResString(IDS_BATTERIES), percent,
+            kBatteryPictures[static_cast<size_t>(BandOf(battery.capacity))]};
   const WideText mains = LoadResString(IDS_AC_POWER);
   if (source == PowerSource::kAcCharging)
     return {mains, percent + TEXT(" (") + LoadResString(IDS_CHARGING) + TEXT(")"), IDI_METER_CHARGING};

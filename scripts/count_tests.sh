@@ -88,16 +88,6 @@ count_gtest() {
   fi
 }
 
-run_fuzzers() {
-  local program name
-  for program in build/fuzz/bin/*_fuzz; do
-    name=$(basename "$program")
-    mkdir -p "build/fuzz/found/$name"  # new inputs go there, crashes into the log's folder
-    run_check "$name" "$program" -runs=20000 -seed=1 -max_len=4096 "-artifact_prefix=$logs/" "build/fuzz/found/$name" \
-      "fuzz/corpus/${name%_fuzz}"
-  done
-}
-
 run_windows_tests() {
   local log
   for program in build/windows-x64/bin/{pal,profile}_contract_test.exe; do

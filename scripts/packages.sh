@@ -21,6 +21,12 @@ install_packages() {
 
 need_native_tools() { need g++ g++ && need cmake cmake && need ninja ninja-build; }
 
+# Succeeds when the compiler has its headers and libraries for 32 bits, sanitizers included.
+need_32_bits() {
+  local try='echo "#include <string>" | g++ -m32 -fsanitize=address,undefined -std=c++20 -fsyntax-only -x c++ -'
+  eval "$try" 2>/dev/null || { install_packages g++-multilib && eval "$try" 2>/dev/null; }
+}
+
 # Prints what is missing and fails when the Windows programs cannot be built or run here.
 need_windows_tools() {
   need x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix || { echo "mingw-w64 is missing"; return 1; }

@@ -4,6 +4,7 @@
 #include <mmsystem.h>
 
 #include "pal/person.h"
+#include "power/battery_status.h"
 #include "resources/resource_ids.h"
 #include "tests/tool_test.h"
 
@@ -60,6 +61,14 @@ TEST(AlarmDecision, Stories) {
       now.lowAlarmLevel = decision.lowAlarmLevel;
     }
   }
+}
+
+TEST(BatteryDetails, KeepTheFirst255BytesOfTheLatestReply) {
+  BatteryStatus battery;
+  battery.SetDetail(3, ToBytes(std::string(300, 'x')));
+  EXPECT_EQ(battery.GetDetail(3), WideText(255, 'x'));
+  battery.SetDetail(3, ToBytes(std::string_view("ab\0c", 4)));
+  EXPECT_EQ(battery.GetDetail(3), Widen("ab"));
 }
 
 // ---- on the tablet ----------------------------------------------------------------------------------------
