@@ -19,7 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (pal::FindProfileValue(replaced, u"Button2", u"BtCmdText") != before) std::abort();
   veltra::WideText lines;
   for (const std::u16string& line : pal::ProfileSectionLines(text, u"Button2")) lines += line + u'\0';
-  if (veltra::ProfileSection(lines).Text(u"BtCmdText") != before.value_or(u"")) std::abort();
+  const bool cutsLines = text.find(u'\0') != text.npos;  // what ends a line of a section cannot stand in one
+  if (!cutsLines && veltra::ProfileSection(lines).Text(u"BtCmdText") != before.value_or(u"")) std::abort();
   const pal::ProfileText again = pal::DecodeProfile(pal::EncodeProfile({text, profile.encoding}));
   if (profile.encoding == pal::ProfileEncoding::kUtf16 && again.text != text) std::abort();
   return 0;
