@@ -219,6 +219,12 @@ struct Words {
 
 }  // namespace
 
+EffectDetail::EffectDetail(const EffectDetail& other) = default;
+EffectDetail::EffectDetail(EffectDetail&& other) noexcept = default;
+EffectDetail& EffectDetail::operator=(const EffectDetail& other) = default;
+EffectDetail& EffectDetail::operator=(EffectDetail&& other) noexcept = default;
+EffectDetail::~EffectDetail() = default;
+
 std::string Describe(const Effect& effect) {
   return std::visit(Words(), effect.detail);
 }

@@ -101,7 +101,7 @@ struct ProgramEnded { int exitCode = 0; };
 // clang-format on
 
 // clang-format off
-using EffectDetail = std::variant<
+using AnyEffect = std::variant<
     DebugOutput,
     RegistryWrite,
     FileWrite,
@@ -141,6 +141,16 @@ using EffectDetail = std::variant<
     ProgramStarted,
     ProgramEnded>;
 // clang-format on
+
+// Copied and destroyed in effects.cpp alone: so many kinds are much work for whoever compiles them.
+struct EffectDetail : AnyEffect {
+  using AnyEffect::AnyEffect;
+  EffectDetail(const EffectDetail& other);
+  EffectDetail(EffectDetail&& other) noexcept;
+  EffectDetail& operator=(const EffectDetail& other);
+  EffectDetail& operator=(EffectDetail&& other) noexcept;
+  ~EffectDetail();
+};
 
 struct Effect {
   Time at{0};
