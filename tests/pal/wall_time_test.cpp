@@ -145,11 +145,11 @@ class WallTime : public testing::Test {
   }
 
   static inline WallTime* current = nullptr;
-  Machine machine{pal::Clock::kWall};
   Reader reader;
   std::atomic<bool> ready = false;
   std::vector<uint8_t> received;  // of the program's main thread; looked at when that is through
   size_t expected = 0;
+  Machine machine{pal::Clock::kWall};  // the last: the program ends while all that it uses is still there
 };
 
 std::vector<uint8_t> SomeBytes(size_t size) {
