@@ -1,60 +1,27 @@
 // The report as another program gets it, compared with documents written out.
 #include "simulator/board.h"
+#include "tests/report/expected_report.h"
 #include "tests/tool_test.h"
 
 namespace veltra {
 namespace {
 
+using expected_report::Battery;
+using expected_report::Hardware;
+using expected_report::kNoItems;
+using expected_report::Platform;
+using expected_report::Report;
 using simulator::SimulatedTablet;
 using simulator::TheBoard;
 
 const std::u16string kHardware =
-    u"<Item C=\"HW\" K=\"PIC Firmware\" V=\"112\"/>\r\n"
-    u"<Item C=\"HW\" K=\"PCBSn\" V=\"B-20310077\"/>\r\n"
-    u"<Item C=\"HW\" K=\"PCBVersion\" V=\"3.1\"/>\r\n"
-    u"<Item C=\"HW\" K=\"DevSn\" V=\"SV5-0012345\"/>\r\n"
-    u"<Item C=\"HW\" K=\"TouchSn\" V=\"T-99120034\"/>\r\n"
-    u"<Item C=\"HW\" K=\"TouchVersion\" V=\"2.4\"/>\r\n"
-    u"<Item C=\"HW\" K=\"TouchFirmware\" V=\"1.07\"/>\r\n";
-
-const std::u16string kPlatform =
-    u"<Item C=\"Platform\" K=\"BoardName\" V=\"QX7-i\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"Manufacturer\" V=\"Brookfield Embedded\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"Serial\" V=\"BF-0099123\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"HardwareVersion\" V=\"B.2\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CarrierInfo\" V=\"tablet carrier 4\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"FirmwareVersion\" V=\"1.13\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CPUName\" V=\"Corvid N2600 @ 1.60GHz\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CPUCount\" V=\"1\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CPUCoreCount\" V=\"2\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CPUThreadCount\" V=\"4\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"MemTotal\" V=\"2048\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"MemFree\" V=\"1187\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"MemSpeed\" V=\"800\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"MemType\" V=\"DDR3\"/>\r\n";
-
-const std::u16string kBattery =
-    u"<Item C=\"Battery\" K=\"Name\" V=\"NC-7S2P\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Serial\" V=\"4711\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Date\" V=\"2023-05-17\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Temp\" V=\"2981\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Voltage\" V=\"11782\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Current\" V=\"-1240\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Manufacturer\" V=\"Nordcell\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Chemistry\" V=\"LION\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"CapacityRemaining\" V=\"5160\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"CapacityDesign\" V=\"6800\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"VoltageDesign\" V=\"11100\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Cycles\" V=\"37\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Status\" V=\"00C0\"/>\r\n";
+    Hardware({u"112", u"B-20310077", u"3.1", u"SV5-0012345", u"T-99120034", u"2.4", u"1.07"});
+const std::u16string kPlatform = Platform();
+const std::u16string kBattery = Battery({u"NC-7S2P", u"4711", u"2023-05-17", u"2981", u"11782", u"-1240",
+                                         u"Nordcell", u"LION", u"5160", u"6800", u"11100", u"37", u"00C0"});
 
 std::u16string Item(std::u16string_view key, std::u16string_view value) {
   return std::u16string(u"K=\"").append(key).append(u"\" V=\"").append(value).append(u"\"/>\r\n");
-}
-std::u16string Report(std::initializer_list<std::u16string_view> sections) {
-  std::u16string report = u"<Report Version=\"1\">\r\n";
-  for (const std::u16string_view section : sections) report += section;
-  return report += u"</Report>\r\n";
 }
 
 class DeviceReport : public ToolTest {
@@ -99,8 +66,7 @@ TEST_F(DeviceReport, SelectionsChooseTheSections) {
   EXPECT_EQ(received[0].copyDataTag, 0U);
   EXPECT_EQ(received[0].wParam, reinterpret_cast<WPARAM>(tablet.MainWindow()));
   EXPECT_EQ(Asked(1), Report({kBattery}));
-  for (const WPARAM nothing : {WPARAM{2}, WPARAM{77}, ~WPARAM{0}})
-    EXPECT_EQ(Asked(nothing), u"<Report Version=\"1\"/>\r\n");
+  for (const WPARAM nothing : {WPARAM{2}, WPARAM{77}, ~WPARAM{0}}) EXPECT_EQ(Asked(nothing), kNoItems);
 }
 
 TEST_F(DeviceReport, PlatformIsWholeOrMissing) {

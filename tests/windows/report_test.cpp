@@ -1,59 +1,16 @@
 // The device report of the real program, as a window gets it and as toolprobe prints it.
+#include "tests/report/expected_report.h"
 #include "tests/windows/tool_fixture.h"
 
 namespace windows_test {
 namespace {
 
+using expected_report::Report;
+
 constexpr char kAsker[] = "Veltra Observer";
 constexpr int64_t kWholeReport = 0;
 constexpr int64_t kBatteryReport = 1;
-constexpr int64_t kNoItems = 2;
-
-constexpr char16_t kBegin[] = u"<Report Version=\"1\">\r\n";
-constexpr char16_t kEnd[] = u"</Report>\r\n";
-constexpr char16_t kHardware[] =
-    u"<Item C=\"HW\" K=\"PIC Firmware\" V=\"101b\"/>\r\n"
-    u"<Item C=\"HW\" K=\"PCBSn\" V=\"\"/>\r\n"
-    u"<Item C=\"HW\" K=\"PCBVersion\" V=\"\"/>\r\n"
-    u"<Item C=\"HW\" K=\"DevSn\" V=\"A&amp;\u00E9\"/>\r\n"
-    u"<Item C=\"HW\" K=\"TouchSn\" V=\"\"/>\r\n"
-    u"<Item C=\"HW\" K=\"TouchVersion\" V=\"\"/>\r\n"
-    u"<Item C=\"HW\" K=\"TouchFirmware\" V=\"\"/>\r\n";
-constexpr char16_t kPlatform[] =
-    u"<Item C=\"Platform\" K=\"BoardName\" V=\"QX7-i\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"Manufacturer\" V=\"Brookfield Embedded\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"Serial\" V=\"BF-0099123\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"HardwareVersion\" V=\"B.2\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CarrierInfo\" V=\"tablet carrier 4\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"FirmwareVersion\" V=\"1.13\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CPUName\" V=\"Corvid N2600 @ 1.60GHz\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CPUCount\" V=\"1\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CPUCoreCount\" V=\"2\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"CPUThreadCount\" V=\"4\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"MemTotal\" V=\"2048\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"MemFree\" V=\"1187\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"MemSpeed\" V=\"800\"/>\r\n"
-    u"<Item C=\"Platform\" K=\"MemType\" V=\"DDR3\"/>\r\n";
-constexpr char16_t kBattery[] =
-    u"<Item C=\"Battery\" K=\"Name\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Serial\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Date\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Temp\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Voltage\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Current\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Manufacturer\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Chemistry\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"CapacityRemaining\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"CapacityDesign\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"VoltageDesign\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Cycles\" V=\"\"/>\r\n"
-    u"<Item C=\"Battery\" K=\"Status\" V=\"\"/>\r\n";
-
-std::u16string Join(std::initializer_list<std::u16string_view> texts) {
-  std::u16string joined;
-  for (const std::u16string_view text : texts) joined += text;
-  return joined;
-}
+constexpr int64_t kNoSection = 2;
 
 // The bytes of the text and its terminator, as the observer writes them.
 std::string HexOf(std::u16string_view text) {
@@ -94,10 +51,12 @@ class ReportTest : public ToolTest {
 TEST_F(ReportTest, GoesToTheWindowThatTheRequestNames) {
   StartKnowingTool();
   const int64_t asker = Observer().Handle(kAsker);
+  const std::u16string hardware = expected_report::Hardware({u"101b", u"", u"", u"A&amp;\u00E9"});
+  const std::u16string battery = expected_report::Battery({});  // never received
   const std::pair<int64_t, std::u16string> reports[] = {
-      {kWholeReport, Join({kBegin, kHardware, kPlatform, kBattery, kEnd})},
-      {kBatteryReport, Join({kBegin, kBattery, kEnd})},
-      {kNoItems, u"<Report Version=\"1\"/>\r\n"},
+      {kWholeReport, Report({hardware, expected_report::Platform(), battery})},
+      {kBatteryReport, Report({battery})},
+      {kNoSection, std::u16string(expected_report::kNoItems)},
   };
   for (const auto& [selection, report] : reports) {
     EXPECT_EQ(SendTool(kDeviceReportRequest, selection, asker), 0);
@@ -105,7 +64,7 @@ TEST_F(ReportTest, GoesToTheWindowThatTheRequestNames) {
   }
   for (const int64_t nobody :
        {int64_t{0}, int64_t{0x7FFFFFF0}, int64_t{0xFFFF}, Observer().Handle(kMainWindow)})
-    EXPECT_EQ(SendTool(kDeviceReportRequest, kNoItems, nobody), 0);
+    EXPECT_EQ(SendTool(kDeviceReportRequest, kNoSection, nobody), 0);
   AwaitLine();
   Line().ExpectNothing();
   Observer().ExpectNothing();
@@ -128,11 +87,11 @@ TEST_F(ReportTest, AReceiverThatAlwaysAsksAgainIsCutShort) {
   constexpr int kMostAtATime = 8;
   StartKnowingTool();
   Observer().OpenWindow("Asks Again");
-  EXPECT_EQ(SendTool(kDeviceReportRequest, kNoItems, Observer().Handle("Asks Again")), 0);
-  for (int n = 0; n < kMostAtATime; ++n) ExpectReport("Asks Again", u"<Report Version=\"1\"/>\r\n");
+  EXPECT_EQ(SendTool(kDeviceReportRequest, kNoSection, Observer().Handle("Asks Again")), 0);
+  for (int n = 0; n < kMostAtATime; ++n) ExpectReport("Asks Again", expected_report::kNoItems);
   Observer().ExpectNothing();
-  SendTool(kDeviceReportRequest, kNoItems, Observer().Handle(kAsker));
-  ExpectReport(kAsker, u"<Report Version=\"1\"/>\r\n");
+  SendTool(kDeviceReportRequest, kNoSection, Observer().Handle(kAsker));
+  ExpectReport(kAsker, expected_report::kNoItems);
 }
 
 TEST_F(ReportTest, TheProbePrintsWhatTheToolKnows) {
