@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
-#include <exception>
 #include <fstream>
 #include <optional>
 #include <string>
@@ -15,6 +14,7 @@
 #include "firmware/flash_image.h"
 #include "firmware/hex_file.h"
 #include "link/frame.h"
+#include "tools/command_line_program.h"
 
 namespace {
 
@@ -295,17 +295,11 @@ int Run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  try {
-    const std::optional<Options> options = ParseOptions({argv + 1, argv + argc});
-    if (!options) {
-      std::fputs(kUsage, stderr);
-      return kNoAnswer;
-    }
-    if (!options->help) return Run(*options);
-    std::fputs(kUsage, stdout);
-    return kAccepted;
-  } catch (const std::exception& failure) {  // out of memory
-    std::fprintf(stderr, "hexinfo: %s\n", failure.what());
-    return kNoAnswer;
-  }
+  return RunProgram<Options>({.name = "hexinfo",
+                              .usage = kUsage,
+                              .wrongUsage = kNoAnswer,
+                              .failed = kNoAnswer,
+                              .parse = ParseOptions,
+                              .run = Run},
+                             argc, argv);
 }

@@ -3,16 +3,17 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tools/command_line_program.h"
 #include "tools/probe_text.h"
 
 namespace {
 
+using veltra::RunProgram;
 using veltra::WideText;
 
 constexpr int kAnswered = 0;
@@ -178,22 +179,6 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& arguments) {
   return options;
 }
 
-int Run(const Options& options) {
-  Probe probe;
-  probe.asXml = options.xml;
-  probe.tool = FindWindowW(kToolWindow, nullptr);
-  if (!probe.tool) {
-    std::fputs("toolprobe: the device tool does not run\n", stderr);
-    return kNoTool;
-  }
-  expectedSender = probe.tool;
-  probe.receiver = MakeReceiver();
-  bool answered = true;
-  for (const Question& question : options.questions) answered = question.print(probe) && answered;
-  DestroyWindow(probe.receiver);
-  return answered ? kAnswered : kNoAnswer;
-}
-
 // The code page of the console while the program prints.
 class Utf8Console {
  public:
@@ -209,23 +194,31 @@ class Utf8Console {
   UINT before_;  // 0: there is no console
 };
 
+int Run(const Options& options) {
+  const Utf8Console console;
+  Probe probe;
+  probe.asXml = options.xml;
+  probe.tool = FindWindowW(kToolWindow, nullptr);
+  if (!probe.tool) {
+    std::fputs("toolprobe: the device tool does not run\n", stderr);
+    return kNoTool;
+  }
+  expectedSender = probe.tool;
+  probe.receiver = MakeReceiver();
+  bool answered = true;
+  for (const Question& question : options.questions) answered = question.print(probe) && answered;
+  DestroyWindow(probe.receiver);
+  return answered ? kAnswered : kNoAnswer;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  try {
-    const std::optional<Options> options = ParseOptions({argv + 1, argv + argc});
-    if (!options) {
-      std::fputs(kUsage, stderr);
-      return kWrongUsage;
-    }
-    if (options->help) {
-      std::fputs(kUsage, stdout);
-      return kAnswered;
-    }
-    const Utf8Console console;
-    return Run(*options);
-  } catch (const std::exception& failure) {  // out of memory
-    std::fprintf(stderr, "toolprobe: %s\n", failure.what());
-    return kNoAnswer;
-  }
+  return RunProgram<Options>({.name = "toolprobe",
+                              .usage = kUsage,
+                              .wrongUsage = kWrongUsage,
+                              .failed = kNoAnswer,
+                              .parse = ParseOptions,
+                              .run = Run},
+                             argc, argv);
 }
