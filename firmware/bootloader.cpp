@@ -10,8 +10,6 @@
 namespace veltra {
 namespace {
 
-constexpr const WCHAR* kLogTag = TEXT("Firmware update");
-
 bool IsOfBootloader(const PicRequest& request) {
   return request.bytes.front() < static_cast<uint8_t>(MessageType::kText) ||
          request.Text() == "GotoBootloader";
@@ -36,7 +34,8 @@ void CALLBACK OnStepTimer(HWND, UINT, UINT_PTR, DWORD) {
 void LogWhatIsInTheWay() {
   const PicQueue& queue = GetAppState().picQueue;
   if (queue.empty() || IsOfBootloader(queue.front())) return;
-  GetAppState().log.WriteError(kLogTag, TEXT("behind the unanswered request ") + Widen(queue.front().Text()));
+  GetAppState().log.WriteError(kFirmwareLogTag,
+                               TEXT("behind the unanswered request ") + Widen(queue.front().Text()));
 }
 
 }  // namespace
@@ -93,7 +92,7 @@ void Bootloader::Do(const PostProgress& progress) {
 }
 
 void Bootloader::Do(const LogFailure& log) {
-  GetAppState().log.WriteError(kLogTag, Widen(Describe(log.failure)));
+  GetAppState().log.WriteError(kFirmwareLogTag, Widen(Describe(log.failure)));
   LogWhatIsInTheWay();
 }
 

@@ -12,6 +12,8 @@
 
 namespace veltra {
 
+constexpr const WCHAR* kFirmwareLogTag = TEXT("Firmware update");
+
 // Posted to the Firmware dialog: wParam a BootProgress, lParam its detail.
 constexpr UINT WM_FIRMWARE_PROGRESS = WM_APP + 0xDE;
 

@@ -100,11 +100,11 @@ void ChooseFirmwareFile() {
 void StartFirmwareUpdate(const WideText& path) {
   AppState& state = GetAppState();
   state.log.WriteDetail(TEXT("copydata"), path);
-  const WideText tag = TEXT("Firmware update");
   if (state.bootloader.IsRunning())
-    return state.log.WriteError(tag, TEXT("refused, another one runs: ") + path);
+    return state.log.WriteError(kFirmwareLogTag, TEXT("refused, another one runs: ") + path);
   const HWND dialog = state.hFirmwareDlg;
-  if (!dialog) return state.log.WriteError(tag, TEXT("refused, its dialog is not there: ") + path);
+  if (!dialog)
+    return state.log.WriteError(kFirmwareLogTag, TEXT("refused, its dialog is not there: ") + path);
   ShowOnTop(dialog);
   ShowRunning(dialog);
   const std::optional<uint32_t> stepCount = state.bootloader.Start(path);

@@ -142,7 +142,7 @@ using AnyEffect = std::variant<
     ProgramEnded>;
 // clang-format on
 
-// Copied and destroyed in effects.cpp alone: so many kinds are much work for whoever compiles them.
+// Copied and destroyed in effects.cpp alone, so that no other file compiles that for every kind.
 struct EffectDetail : AnyEffect {
   using AnyEffect::AnyEffect;
   EffectDetail(const EffectDetail& other);

@@ -114,7 +114,7 @@ ButtonAction ActionOf(HWND dialog, int row, const ButtonAction& before) {
     action.BtCmdText = GetItemText(dialog, TextEdit(kind.parameter, row), kLongestStoredText);
     return action;
   }
-  if (kind.type == ActionType::None && kind.parameter == Parameter::kNone) return action;
+  if (kind.parameter == Parameter::kNone) return action;
   const int32_t old = action.BtCmd == before.BtCmd ? before.BtCmdVal : kNoValue;
   action.BtCmdVal = SelectedListValue(dialog, ValueList(row)).value_or(old);
   return action;

@@ -3,12 +3,12 @@
 #include <utility>
 
 #include "app/app_state.h"
-#include "resources/resource_ids.h"
 #include "switches/actions.h"
 #include "switches/button_action.h"
 #include "switches/injected_input.h"
 #include "switches/maker_applications.h"
 #include "switches/mouse_filter.h"
+#include "switches/switch_indicator.h"
 #include "switches/switch_outputs.h"
 
 namespace veltra {
@@ -93,15 +93,6 @@ void NoteHeld(const SwitchLetter& event) {
   mask = event.pressed ? mask | bit : mask & ~bit;
 }
 
-void RepaintIndicator(HWND dialog) {
-  RECT screen = {};
-  GetWindowRect(GetDlgItem(dialog, IDO_INDICATOR), &screen);
-  POINT corners[] = {{screen.left, screen.top}, {screen.right, screen.bottom}};
-  for (POINT& corner : corners) ScreenToClient(dialog, &corner);
-  const RECT area = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
-  InvalidateRect(dialog, &area, TRUE);
-}
-
 // Whether somebody else takes the event: the maker's communication or keyboard application, or the options
 // dialog.
 bool HandToOthers(const SwitchLetter& event) {
@@ -116,7 +107,7 @@ bool HandToOthers(const SwitchLetter& event) {
   }
   const HWND options = state.switchIndicator.dialogWindow;
   if (!options) return false;
-  RepaintIndicator(options);
+  RepaintSwitchIndicator(options);
   return true;
 }
 

@@ -31,9 +31,10 @@ COLORREF ColourOf(const SwitchIndicator& indicator, int circle) {
   return (indicator.pressedMask & (1 << circle)) != 0 ? colours.held : colours.released;
 }
 
-RECT AreaIn(HWND dialog, HWND control) {
+// In the dialog's client area.
+RECT AreaIn(HWND dialog) {
   RECT screen = {};
-  GetWindowRect(control, &screen);
+  GetWindowRect(GetDlgItem(dialog, IDO_INDICATOR), &screen);
   POINT corners[] = {{screen.left, screen.top}, {screen.right, screen.bottom}};
   for (POINT& corner : corners) ScreenToClient(dialog, &corner);
   return {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
@@ -67,8 +68,13 @@ void PaintSwitchIndicator(HWND dialog) {
   const HWND control = GetDlgItem(dialog, IDO_INDICATOR);
   UpdateWindow(control);  // first, so that it does not paint over the circles
   ValidateRect(control, nullptr);
-  if (context) DrawCircles(context, AreaIn(dialog, control));
+  if (context) DrawCircles(context, AreaIn(dialog));
   EndPaint(dialog, &paint);
+}
+
+void RepaintSwitchIndicator(HWND dialog) {
+  const RECT area = AreaIn(dialog);
+  InvalidateRect(dialog, &area, TRUE);
 }
 
 void OnIndicatorDoubleClick(HWND dialog) {

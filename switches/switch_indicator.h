@@ -9,6 +9,9 @@ namespace veltra {
 // WM_PAINT of the dialog.
 void PaintSwitchIndicator(HWND dialog);
 
+// A switch was pressed or let go: the dialog paints the indicator anew.
+void RepaintSwitchIndicator(HWND dialog);
+
 // A double click on the indicator: the next of the two steps of the service gesture.
 void OnIndicatorDoubleClick(HWND dialog);
 

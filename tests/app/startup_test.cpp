@@ -230,6 +230,15 @@ TEST_F(Startup, ASessionMayEndWhileABoxOfTheStartIsOpen) {
   }
 }
 
+TEST_F(Startup, AnUpdateBeforeItsDialogIsThereIsRefused) {
+  simulator::TheBoard().initializeError = 7;
+  tablet.Start();
+  ASSERT_TRUE(machine.AdvanceUntil([&] { return Box().has_value(); }, 60s));
+  tablet.SendUpdate(u"C:\\new.hex");
+  EXPECT_NE(Log().find("refused, its dialog is not there: C:\\new.hex"), std::string::npos) << Log();
+  machine.AnswerMessageBox(IDOK);
+}
+
 // ---- standby ----------------------------------------------------------------------------------------------
 
 TEST_F(Startup, ResumeRunsOnceAfterItsDelay) {
@@ -253,6 +262,17 @@ TEST_F(Startup, ResumeRunsOnceAfterItsDelay) {
   EXPECT_EQ(moves[1].dy, -1);
   tablet.Advance(10s);
   EXPECT_TRUE(NewRequests().empty());
+}
+
+TEST_F(Startup, ANewSuspendKeepsTheResumeFromRunning) {
+  SetUserValue(u"WakeupDelay", 1000);
+  Start();
+  for (const WPARAM event : {PBT_APMSUSPEND, PBT_APMRESUMEAUTOMATIC, PBT_APMSUSPEND})
+    tablet.SendPowerEvent(event);
+  simulator::TheBoard().transfers.clear();
+  tablet.Advance(10s);
+  EXPECT_TRUE(NewRequests().empty());
+  EXPECT_TRUE(simulator::TheBoard().transfers.empty());
 }
 
 TEST_F(Startup, WithoutADelayTheResumeRunsInsideTheNotification) {

@@ -149,6 +149,9 @@ TEST_F(ProfileTest, AFileThatCannotBeWrittenStaysAsItWas) {
   SaveText({0, -1, u"a"});
   EXPECT_EQ(File(), before);
   machine_.HoldForWriting(kProfile, false);
+  machine_.Fail("MoveFileExW", 1, ERROR_ACCESS_DENIED);  // it cannot become UTF-16, but could be written
+  SaveText({0, -1, u"\x0416"});
+  EXPECT_EQ(File(), before);
   machine_.SetReadOnly(kProfile, true);
   SaveText({0, -1, u"\x0416"});
   EXPECT_EQ(File(), before);

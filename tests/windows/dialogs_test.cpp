@@ -52,6 +52,12 @@ class DialogTest : public PlayedToolTest {
     return language_.id == kEnglish.id ? label.english : label.dutch;
   }
 
+  void ExpectNothingAsked() {
+    AwaitAnswer();
+    Controller().Serve();
+    EXPECT_EQ(NewRequests(), Texts{});
+  }
+
   std::map<std::string, std::string> Stored() { return Observer().ReadKey(Root::kUser, kSettingsKey); }
 
   // A section of the function tables of the language, as the lists show it.
@@ -231,8 +237,7 @@ TEST_F(DialogTest, EscapeStoresNothing) {
   WaitUntil("flight mode disables the radios", [&] { return !Options().Look(IDO_BLUETOOTH).isEnabled; });
   Options().PressKey(kEscape);
   Options().AwaitClosed();
-  Controller().Serve();
-  EXPECT_EQ(NewRequests(), Texts{});
+  ExpectNothingAsked();
   EXPECT_EQ(Stored(), before);
   constexpr int64_t kQueryVolume = 20;
   EXPECT_EQ(SendTool(kDeviceToolRequest, kQueryVolume), 0x10000 + 30);  // that one acts at once
@@ -324,8 +329,7 @@ TEST_F(DialogTest, CancelLeavesTheAlarms) {
     Meter().AwaitClosed();
     if (!byKey) OpenAgain(IDC_OPEN_POWER_METER);
   }
-  Controller().Serve();
-  EXPECT_EQ(NewRequests(), Texts{});
+  ExpectNothingAsked();
   EXPECT_EQ(Stored(), before);
 }
 
