@@ -80,7 +80,6 @@ add_library(veltra_tool STATIC
   switches/switch_outputs.cpp
 )
 target_link_libraries(veltra_tool PUBLIC veltra_port)
-veltra_read_headers_once(veltra_tool <windows.h>)
 
 if(WIN32)
   # The entry is in the executable itself: nothing refers to it, so that a library would not bring it.

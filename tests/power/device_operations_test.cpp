@@ -1,5 +1,7 @@
 #include <objbase.h>
 
+#include <algorithm>
+
 #include "simulator/board.h"
 #include "tests/tool_test.h"
 
