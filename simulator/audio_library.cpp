@@ -20,7 +20,7 @@ constexpr GUID kEndpointVolume = {
     0x5CDF2C82, 0x841E, 0x4546, {0x97, 0x22, 0x0C, 0xF7, 0x40, 0x78, 0x22, 0x9A}};
 
 HRESULT ReportCall(const std::string& call) {
-  simulator::Report("audio", call);
+  simulator::Report("playback", call);
   return S_OK;
 }
 
@@ -47,9 +47,10 @@ class Volume final : public Lasting<IAudioEndpointVolume> {
  public:
   Volume() : Lasting(kEndpointVolume) {}
 
-  HRESULT WINAPI SetMute(BOOL mute, LPCGUID) override { return ReportCall(mute ? "mute" : "unmute"); }
+  HRESULT WINAPI SetMute(BOOL mute, LPCGUID) override { return ReportCall(mute ? "muted" : "not muted"); }
   HRESULT WINAPI SetMasterVolumeLevelScalar(FLOAT level, LPCGUID) override {
-    return ReportCall(std::string("level ").append(std::to_string(static_cast<int>(level * 100 + 0.5F))));
+    return ReportCall(
+        std::string("level ").append(std::to_string(static_cast<int>(level * 100 + 0.5F))).append(" %"));
   }
 
   HRESULT WINAPI RegisterControlChangeNotify(IAudioEndpointVolumeCallback*) override { return E_NOTIMPL; }

@@ -9,6 +9,7 @@ namespace simulator {
 
 Console::Console(World& world, std::ostream& out) : world_(world), out_(out), timeline_(out) {
   timeline_.Follow(world_);
+  if (world_.Tolerance() > Duration(0)) timeline_.AllowDisorder(std::chrono::milliseconds(500));
 }
 
 Console::~Console() {

@@ -86,6 +86,8 @@ Problem CheckShown(Console& console, Words arguments, bool wanted, bool boxes);
 Problem RunExpect(Console& console, Words words);
 Problem RunAt(Console& console, Words words);
 Problem RunCheck(Console& console, Words words);
+// What is under way has come, as far as that can be told.
+void CatchUp(Console& console);
 // Tries again while it finds a problem, as long as the world is patient.
 Problem Eventually(Console& console, const std::function<Problem()>& attempt);
 

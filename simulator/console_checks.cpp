@@ -72,9 +72,10 @@ Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
   if (words.empty()) return ExpectedArguments("[no] [exactly] TEXT");
   const std::string pattern = JoinWords(words);
   if (none) {
-    console.TheWorld().Settle();
+    CatchUp(console);
     return console.TheTimeline().ExpectNone(pattern, whole);
   }
+  if (console.TheWorld().Tolerance() > Duration(0)) at.reset();
   return Eventually(console, [&] { return console.TheTimeline().Expect(pattern, whole, at); });
 }
 
@@ -91,6 +92,12 @@ Problem RunAt(Console& console, Words words) {
   const std::optional<Duration> time = ParseTime(word);
   if (!time || words.size() < 4 || words[2] != "expect") return ExpectedArguments("TIME expect TEXT");
   return ExpectIn(console, words.subspan(3), relative ? console.LastActionAt() + *time : *time);
+}
+
+void CatchUp(Console& console) {
+  constexpr Duration kSettling = std::chrono::milliseconds(200);
+  console.TheWorld().Settle();
+  if (console.TheWorld().Tolerance() > Duration(0)) console.TheWorld().Wait(kSettling);
 }
 
 Problem Eventually(Console& console, const std::function<Problem()>& attempt) {

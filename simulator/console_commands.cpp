@@ -28,7 +28,7 @@ Problem RunWait(Console& console, Words words) {
 }
 
 Problem RunMark(Console& console, Words) {
-  console.TheWorld().Settle();
+  CatchUp(console);
   console.TheTimeline().SkipToNow();
   return {};
 }
@@ -71,7 +71,7 @@ Problem RunTap(Console& console, Words words) {
   if (name == std::end(kButtonNames) || !held || words.size() > 3) return ExpectedArguments("BUTTON [TIME]");
   World& world = console.TheWorld();
   world.Pic().Press(name->button);
-  world.Wait(*held);
+  world.WaitUntil([] { return false; }, *held);
   world.Pic().Release(name->button);
   return {};
 }

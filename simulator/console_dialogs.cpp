@@ -103,15 +103,19 @@ Problem RunDoubleClick(Console& console, Words words) {
                     [&](const ControlLook& control) { console.TheWorld().DoubleClick(control.id); });
 }
 
-bool HasEntry(const ControlLook& list, std::string_view text) {
-  return std::ranges::any_of(
-      list.entries, [&](std::string_view entry) { return entry.substr(0, entry.rfind('=')) == text; });
+// An entry by its name, or by name and value.
+bool HasEntry(Console& console, const ControlLook& list, std::string_view text) {
+  const std::vector<std::string> entries = console.TheWorld().Entries(list.id);
+  return std::ranges::any_of(entries, [&](std::string_view entry) {
+    return entry == text || entry.substr(0, entry.rfind('=')) == text;
+  });
 }
 
 Problem RunChoose(Console& console, Words words) {
   if (words.size() != 3) return ExpectedArguments("LIST ENTRY");
   return UseControl(
-      console, words[1], "ComboBox", [&](const ControlLook& list) { return HasEntry(list, words[2]); },
+      console, words[1], "ComboBox",
+      [&](const ControlLook& list) { return HasEntry(console, list, words[2]); },
       [&](const ControlLook& list) { console.TheWorld().Choose(list.id, words[2]); });
 }
 
@@ -193,7 +197,9 @@ Problem RunDialog(Console& console, Words) {
   console.Out() << "           " << dialog->title << "\n";
   for (const ControlLook& control : dialog->controls) {
     console.Out() << "           " << StateOf(control) << "\n";
-    for (const std::string& entry : control.entries) console.Out() << "             " << entry << "\n";
+    if (control.kind != "ComboBox") continue;
+    for (const std::string& entry : console.TheWorld().Entries(control.id))
+      console.Out() << "             " << entry << "\n";
   }
   return {};
 }
@@ -260,10 +266,7 @@ Problem CheckControl(Console& console, Words arguments, bool wanted) {
       {"text", true, [](const ControlLook& c, const std::string& value) { return c.text == value; }},
       {"at", true,
        [](const ControlLook& c, const std::string& value) { return c.position == ParseNumber(value); }},
-      {"has", true,
-       [](const ControlLook& c, const std::string& value) {
-         return HasEntry(c, value) || std::ranges::find(c.entries, value) != c.entries.end();
-       }},
+      {"has", true, nullptr},
   };
   const auto* state = arguments.size() < 2
                           ? std::end(kStates)
@@ -275,7 +278,9 @@ Problem CheckControl(Console& console, Words arguments, bool wanted) {
   const auto controls = FindControls(dialog->controls, arguments[0], "");
   if (controls.empty()) return NoSuchControl(*dialog, arguments[0]);
   const std::string value = arguments.size() == 3 ? arguments[2] : std::string();
-  if (state->holds(*controls.front(), value) == wanted) return {};
+  const bool holds =
+      state->holds ? state->holds(*controls.front(), value) : HasEntry(console, *controls.front(), value);
+  if (holds == wanted) return {};
   return "it is " + StateOf(*controls.front());
 }
 

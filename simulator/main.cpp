@@ -56,8 +56,7 @@ int Run(const Options& options, std::istream& script, const std::string& scriptN
   simulator::TabletWorld world;
   simulator::Console console(world, std::cout);
   const auto writeTrace = [&world, &trace] {
-    for (const pal::Effect& effect : world.Tablet().Machine().Effects())
-      trace << pal::ToJson(effect) << "\n";
+    for (const pal::Effect& effect : world.Tablet().Machine().Effects()) trace << pal::ToJson(effect) << "\n";
   };
   if (const simulator::Problem problem = console.RunScript(script, scriptName)) {
     writeTrace();

@@ -62,13 +62,9 @@ bool IsNoticed(const pal::Effect& effect) {
 
 DialogLook LookAt(const pal::DialogView& view) {
   DialogLook look{.title = Shown(view.title), .controls = {}};
-  for (const pal::ControlView& control : view.controls) {
-    ControlLook& added = look.controls.emplace_back();
-    added = {control.id,        Ascii(control.windowClass), Shown(control.text), control.isVisible,
-             control.isEnabled, control.isChecked,          control.position,    {}};
-    for (const pal::ListEntry& entry : control.entries)
-      added.entries.push_back(Shown(entry.text) + "=" + std::to_string(entry.data));
-  }
+  for (const pal::ControlView& control : view.controls)
+    look.controls.push_back({control.id, Ascii(control.windowClass), Shown(control.text), control.isVisible,
+                             control.isEnabled, control.isChecked, control.position});
   return look;
 }
 
@@ -91,10 +87,10 @@ constexpr BoxButton kBoxButtons[] = {
 DialogLook LookAt(const pal::OpenMessageBox& box) {
   constexpr UINT kTypeMask = 0xF;
   DialogLook look{.title = Shown(box.caption), .isBox = true, .controls = {}};
-  look.controls.push_back({-1, "Static", Shown(box.text), true, true, false, 0, {}});
+  look.controls.push_back({-1, "Static", Shown(box.text), true, true, false, 0});
   for (const BoxButton& button : kBoxButtons)
     if (button.type == (box.type & kTypeMask))
-      look.controls.push_back({button.id, "Button", button.text, true, true, false, 0, {}});
+      look.controls.push_back({button.id, "Button", button.text, true, true, false, 0});
   return look;
 }
 
@@ -240,6 +236,13 @@ std::optional<DialogLook> TabletWorld::FrontDialog() {
   std::vector<DialogLook> dialogs = Dialogs();
   if (dialogs.empty()) return std::nullopt;
   return std::move(dialogs.front());
+}
+
+std::vector<std::string> TabletWorld::Entries(int id) {
+  std::vector<std::string> entries;
+  for (const pal::ListEntry& entry : pal::person::Look(id).entries)
+    entries.push_back(Shown(entry.text) + "=" + std::to_string(entry.data));
+  return entries;
 }
 
 void TabletWorld::Press(int id) {

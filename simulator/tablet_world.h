@@ -46,6 +46,7 @@ class TabletWorld : public World {
 
   [[nodiscard]] std::optional<DialogLook> FrontDialog() override;
   [[nodiscard]] std::vector<DialogLook> Dialogs() override;
+  [[nodiscard]] std::vector<std::string> Entries(int id) override;
   void Press(int id) override;
   void DoubleClick(int id) override;
   void Choose(int id, std::string_view entry) override;

@@ -1,5 +1,6 @@
 #include "simulator/timeline.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <ostream>
 
@@ -41,14 +42,27 @@ void Timeline::Add(TimelineEntry entry, bool print) {
   entries_.push_back(std::move(entry));
 }
 
+void Timeline::SkipToNow() {
+  next_ = entries_.size();
+  for (auto& [who, next] : nextOf_) next = next_;
+}
+
+// It stands before the last one that was expected, but may have come later.
+bool Timeline::IsLate(size_t entry) const {
+  const auto ofSource = nextOf_.find(entries_[entry].who);
+  const bool isNew = ofSource == nextOf_.end() || entry >= ofSource->second;
+  return isNew && next_ > 0 && entries_[entry].at + disorder_ > entries_[next_ - 1].at;
+}
+
 Problem Timeline::Expect(std::string_view pattern, bool whole, std::optional<Duration> at) {
-  for (size_t i = next_; i < entries_.size(); ++i) {
-    if (!Matches(entries_[i], pattern, whole)) continue;
+  for (size_t i = disorder_ > Duration(0) ? 0 : next_; i < entries_.size(); ++i) {
+    if (!Matches(entries_[i], pattern, whole) || (i < next_ && !IsLate(i))) continue;
     constexpr Duration kRounding(500);
     if (at && (entries_[i].at > *at + kRounding || entries_[i].at < *at - kRounding))
       return "\"" + entries_[i].Line() + "\" came at " + FormatSeconds(entries_[i].at) + " s, expected at " +
              FormatSeconds(*at) + " s";
-    next_ = i + 1;
+    nextOf_[entries_[i].who] = i + 1;
+    next_ = std::max(next_, i + 1);
     return {};
   }
   return "\"" + std::string(pattern) + "\" did not come; " + Recent();

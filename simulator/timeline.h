@@ -4,6 +4,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,19 +29,25 @@ class Timeline {
   // Prints nothing at all.
   void Silence() { silent_ = true; }
 
+  // Entries of different sources (`who`) have no exact order: one may stand up to that long behind its place.
+  void AllowDisorder(Duration most) { disorder_ = most; }
+
   // Expectations look at what came after the last entry that one was met by. `pattern` is a part of a line,
   // or a whole line when `whole`. With a time the entry must have happened then, to the millisecond.
   Problem Expect(std::string_view pattern, bool whole, std::optional<Duration> at);
   Problem ExpectNone(std::string_view pattern, bool whole) const;
   // Expectations look from here on.
-  void SkipToNow() { next_ = entries_.size(); }
+  void SkipToNow();
 
  private:
+  [[nodiscard]] bool IsLate(size_t entry) const;
   [[nodiscard]] std::string Recent() const;
 
   std::ostream& out_;
   std::vector<TimelineEntry> entries_;
   size_t next_ = 0;  // the first entry that expectations look at
+  Duration disorder_{0};
+  std::map<std::string, size_t, std::less<>> nextOf_;  // and of one source
   bool showBytes_ = false;
   bool showAll_ = false;
   bool silent_ = false;

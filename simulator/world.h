@@ -52,8 +52,7 @@ struct ControlLook {
   bool isShown = false;
   bool isEnabled = false;
   bool isChecked = false;
-  int64_t position = 0;              // of a slider or a bar
-  std::vector<std::string> entries;  // of a drop-down list: "NAME=VALUE"
+  int64_t position = 0;  // of a slider or a bar
 };
 struct DialogLook {
   std::string title;
@@ -142,6 +141,8 @@ class World {
   [[nodiscard]] virtual std::optional<DialogLook> FrontDialog() = 0;
   // All of them, the front one first.
   [[nodiscard]] virtual std::vector<DialogLook> Dialogs() = 0;
+  // The entries of a drop-down list in the front dialog: "NAME=VALUE".
+  [[nodiscard]] virtual std::vector<std::string> Entries(int id) = 0;
   // These act on controls of the front dialog that are shown and enabled.
   virtual void Press(int id) = 0;
   virtual void DoubleClick(int id) = 0;

@@ -1,24 +1,17 @@
-// How a step of a test says that it cannot go on: an exception that names the line of the test, which
-// GoogleTest reports. Waiting steps poll until a generous limit, so that a slow machine is no reason to fail.
+// How a step says that it cannot go on, and how long anything may take on a slow machine.
 #pragma once
 
 #include <chrono>
-#include <functional>
-#include <source_location>
+#include <stdexcept>
 #include <string>
-#include <string_view>
 
 namespace windows_test {
 
-using Where = std::source_location;
-
 inline constexpr std::chrono::seconds kPatience{30};
-inline constexpr std::chrono::milliseconds kPollPause{5};
+inline constexpr std::chrono::milliseconds kPollPause{2};
 
-[[noreturn]] void Fail(const std::string& what, const Where& where);
-
-// Asks again and again until the condition holds; fails when patience ends.
-void WaitUntil(std::string_view what, const std::function<bool()>& condition,
-               const Where& where = Where::current());
+[[noreturn]] inline void Fail(const std::string& what) {
+  throw std::runtime_error(what);
+}
 
 }  // namespace windows_test

@@ -12,7 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/windows/process.h"
+#include "tests/scenarios/scenario.h"
+#include "tests/windows/wine_world.h"
 
 namespace {
 
@@ -51,5 +52,6 @@ int main(int count, char** arguments) {
   testing::InitGoogleTest(&count, arguments);
   windows_test::SetProgramDirectory(InstallPrograms(std::filesystem::absolute(arguments[2])));
   signal(SIGPIPE, SIG_IGN);  // a program that has ended is reported where it is written to
+  RegisterScenarios(std::getenv("VELTRA_SCENARIOS") ? std::getenv("VELTRA_SCENARIOS") : VELTRA_SCENARIOS, "windows", [] { return std::make_unique<windows_test::WineWorld>(); });
   return RUN_ALL_TESTS();
 }

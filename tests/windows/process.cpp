@@ -11,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
+#include <thread>
 
 extern char** environ;
 
@@ -24,9 +25,9 @@ struct Pipe {
   FileDescriptor write;
 };
 
-Pipe MakePipe(const Where& where) {
+Pipe MakePipe() {
   int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) Fail(std::string("pipe: ") + std::strerror(errno), where);
+  if (pipe2(ends, O_CLOEXEC) != 0) Fail(std::string("pipe: ") + std::strerror(errno));
   return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
 }
 
@@ -57,11 +58,10 @@ std::string ProgramPath(const std::string& name) {
   return programDirectory + "/" + name;
 }
 
-WineProcess::WineProcess(const std::string& program, const std::vector<std::string>& arguments,
-                         const Where& where) {
-  if (!std::filesystem::exists(ProgramPath(program))) Fail(ProgramPath(program) + " is missing", where);
-  Pipe input = MakePipe(where);
-  Pipe output = MakePipe(where);
+WineProcess::WineProcess(const std::string& program, const std::vector<std::string>& arguments) {
+  if (!std::filesystem::exists(ProgramPath(program))) Fail(ProgramPath(program) + " is missing");
+  Pipe input = MakePipe();
+  Pipe output = MakePipe();
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, input.read.Get(), STDIN_FILENO);
@@ -73,7 +73,7 @@ WineProcess::WineProcess(const std::string& program, const std::vector<std::stri
   const int error =
       posix_spawnp(&pid_, "wine", &actions, nullptr, Pointers(command).data(), Pointers(environment).data());
   posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) Fail(program + ": " + std::strerror(error), where);
+  if (error != 0) Fail(program + ": " + std::strerror(error));
   input_ = std::move(input.write);
   output_ = std::move(output.read);
 }
@@ -84,33 +84,32 @@ WineProcess::~WineProcess() {
   waitpid(pid_, nullptr, 0);
 }
 
-void WineProcess::WriteLine(const std::string& line, const Where& where) {
+void WineProcess::WriteLine(const std::string& line) {
   const std::string text = line + "\n";
   if (write(input_.Get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()))
-    Fail(std::string("the program takes no input: ") + std::strerror(errno), where);
+    Fail(std::string("the program takes no input: ") + std::strerror(errno));
 }
 
-bool WineProcess::ReadMore(const Where& where) {
+bool WineProcess::ReadMore(std::chrono::milliseconds limit) {
   pollfd source{output_.Get(), POLLIN, 0};
-  const auto limit = std::chrono::duration_cast<std::chrono::milliseconds>(kPatience).count();
-  if (poll(&source, 1, static_cast<int>(limit)) <= 0) Fail("the program says nothing", where);
+  if (poll(&source, 1, static_cast<int>(limit.count())) <= 0) return false;
   char buffer[4096];
   const ssize_t count = read(output_.Get(), buffer, sizeof buffer);
   if (count > 0) received_.append(buffer, static_cast<size_t>(count));
   return count > 0;
 }
 
-std::string WineProcess::ReadLine(const Where& where) {
+std::optional<std::string> WineProcess::TakeLine() {
   size_t end = 0;
   while ((end = received_.find('\n')) == received_.npos)
-    if (!ReadMore(where)) Fail("the program has ended", where);
+    if (!ReadMore(std::chrono::milliseconds(0))) return std::nullopt;
   std::string line = received_.substr(0, end);
   received_.erase(0, end + 1);
   return line;
 }
 
-std::string WineProcess::ReadAll(const Where& where) {
-  while (ReadMore(where)) {
+std::string WineProcess::ReadAll() {
+  while (ReadMore(kPatience)) {
   }
   return std::move(received_);
 }
@@ -128,9 +127,12 @@ size_t WineProcess::ThreadCount() const {
   return static_cast<size_t>(std::distance(begin(threads), end(threads)));
 }
 
-int WineProcess::ExitCode(const Where& where) {
-  WaitUntil(
-      "the program ends", [this] { return !IsRunning(); }, where);
+int WineProcess::ExitCode() {
+  const auto limit = std::chrono::steady_clock::now() + kPatience;
+  while (IsRunning()) {
+    if (std::chrono::steady_clock::now() > limit) Fail("the program does not end");
+    std::this_thread::sleep_for(kPollPause);
+  }
   return exitCode_.value();
 }
 

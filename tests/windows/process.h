@@ -18,28 +18,26 @@ std::string ProgramPath(const std::string& name);
 
 class WineProcess {
  public:
-  // Starts a program of the program directory. Its standard output is read with ReadLine.
-  WineProcess(const std::string& program, const std::vector<std::string>& arguments,
-              const Where& where = Where::current());
+  // Starts a program of the program directory.
+  explicit WineProcess(const std::string& program, const std::vector<std::string>& arguments = {});
   ~WineProcess();  // ends it the hard way when it still runs
   WineProcess(const WineProcess&) = delete;
   WineProcess& operator=(const WineProcess&) = delete;
 
-  void WriteLine(const std::string& line, const Where& where = Where::current());
-  // The next line, waiting for it.
-  std::string ReadLine(const Where& where = Where::current());
+  void WriteLine(const std::string& line);
+  // The next line of its output, when it is there by now.
+  std::optional<std::string> TakeLine();
   // Everything until the program closes its output.
-  std::string ReadAll(const Where& where = Where::current());
-  void CloseInput() { input_.Reset(); }
+  std::string ReadAll();
 
   bool IsRunning();
   [[nodiscard]] size_t ThreadCount() const;
   // Waits for the end.
-  int ExitCode(const Where& where = Where::current());
+  int ExitCode();
 
  private:
-  // Waits for output; false when the program has closed it.
-  bool ReadMore(const Where& where);
+  // Waits that long for output; false when none came.
+  bool ReadMore(std::chrono::milliseconds limit);
 
   pid_t pid_ = -1;
   std::optional<int> exitCode_;

@@ -1,25 +1,34 @@
 #include "tests/windows/observer/commands.h"
 
-#include <windows.h>
-
 #include <dbt.h>
 
 #include <algorithm>
 #include <cstring>
-#include <span>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
-#include <vector>
 
 #include "base/handles.h"
-#include "tests/windows/observer/command_table.h"
-#include "tests/windows/observer/hung_windows.h"
-#include "tests/windows/observer/registry.h"
-#include "tests/windows/observer/report.h"
-#include "tests/windows/observer/watched_windows.h"
 
 namespace observer {
-namespace {
+
+unsigned long long Number(const std::string& word) {
+  return word.starts_with('-') ? static_cast<unsigned long long>(std::stoll(word, nullptr, 0))
+                               : std::stoull(word, nullptr, 0);
+}
+
+std::optional<LRESULT> TrySend(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  constexpr UINT kAnswerLimitMs = 30000;
+  DWORD_PTR result = 0;
+  if (!SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kAnswerLimitMs, &result)) return {};
+  return static_cast<LRESULT>(result);
+}
+
+LRESULT Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  const std::optional<LRESULT> result = TrySend(window, message, wParam, lParam);
+  if (!result) throw std::runtime_error("no answer, error " + std::to_string(GetLastError()));
+  return *result;
+}
 
 HWND Find(const std::string& className) {
   const HWND window = FindWindowW(Wide(className).c_str(), nullptr);
@@ -27,32 +36,7 @@ HWND Find(const std::string& className) {
   return window;
 }
 
-// ---- windows ----------------------------------------------------------------------------------------------
-
-std::string RunOpen(const Words& words) {
-  OpenWatchedWindow(Wide(words[1]));
-  return {};
-}
-
-std::string RunField(const Words& words) {
-  OpenTextField(Wide(words[1]));
-  return {};
-}
-
-std::vector<veltra::UniqueKernelObject> heldMutexes;
-
-std::string RunHold(const Words& words) {
-  heldMutexes.emplace_back(CreateMutexW(nullptr, FALSE, Wide(words[1]).c_str()));
-  if (!heldMutexes.back()) throw std::runtime_error("no such mutex to be had");
-  return {};
-}
-
-std::string RunClose(const Words&) {
-  heldMutexes.clear();
-  CloseHungWindows();
-  CloseWatchedWindows();
-  return {};
-}
+namespace {
 
 std::string RunFind(const Words& words) {
   return FindWindowW(Wide(words[1]).c_str(), nullptr) ? "yes" : "no";
@@ -60,11 +44,6 @@ std::string RunFind(const Words& words) {
 
 std::string RunHandle(const Words& words) {
   return std::to_string(reinterpret_cast<uintptr_t>(Find(words[1])));
-}
-
-std::string RunHang(const Words& words) {
-  OpenHungWindow(Wide(words[1]));
-  return {};
 }
 
 std::string RunSend(const Words& words) {
@@ -80,18 +59,20 @@ std::string RunPost(const Words& words) {
 }
 
 std::string RunCopy(const Words& words) {
-  std::string bytes = BytesFromHex(words[3]);
+  std::string bytes;
+  for (size_t at = 0; at + 2 <= words[4].size(); at += 2)
+    bytes.push_back(static_cast<char>(std::stoi(words[4].substr(at, 2), nullptr, 16)));
   COPYDATASTRUCT data = {};
-  data.dwData = static_cast<ULONG_PTR>(Number(words[2]));
+  data.dwData = static_cast<ULONG_PTR>(Number(words[3]));
   data.cbData = static_cast<DWORD>(bytes.size());
   data.lpData = bytes.data();
-  return std::to_string(Send(Find(words[1]), WM_COPYDATA, reinterpret_cast<WPARAM>(OwnWindow()),
-                             reinterpret_cast<LPARAM>(&data)));
+  const HWND sender = words[2].empty() ? nullptr : Find(words[2]);
+  return std::to_string(
+      Send(Find(words[1]), WM_COPYDATA, reinterpret_cast<WPARAM>(sender), reinterpret_cast<LPARAM>(&data)));
 }
 
 // The notification as Windows sends it when a port comes or goes; it travels with its record.
 std::string RunDevice(const Words& words) {
-  if (words[2] != "arrived" && words[2] != "removed") throw std::invalid_argument("arrived or removed");
   const std::wstring name = Wide(words[3]);
   const size_t size = sizeof(DEV_BROADCAST_PORT_W) + name.size() * sizeof(wchar_t);
   std::vector<uint8_t> record(size);
@@ -115,33 +96,10 @@ std::string RunCompose(const Words& words) {
     char file[260] = "C:\\custom.mcr";
     text.copy(macro, sizeof macro - 1);
     const char* composed = compose ? compose(nullptr, model, macro, file) : "no plug-in";
-    Report({"composed", composed ? composed : "nothing"});
+    ReportEvent(std::string("composed ").append(composed ? composed : "nothing"));
   }).detach();
   return {};
 }
-
-// ---- registry ---------------------------------------------------------------------------------------------
-
-std::string RunList(const Words& words) {
-  return ListValues(words[1], words[2]);
-}
-
-std::string RunSetNumber(const Words& words) {
-  SetNumber(words[1], words[2], words[3], static_cast<unsigned long>(Number(words[4])));
-  return {};
-}
-
-std::string RunSetText(const Words& words) {
-  SetText(words[1], words[2], words[3], words[4]);
-  return {};
-}
-
-std::string RunDelete(const Words& words) {
-  DeleteKey(words[1], words[2]);
-  return {};
-}
-
-// ---- resources --------------------------------------------------------------------------------------------
 
 // A string table stores sixteen texts a block, each behind its length.
 std::string RunString(const Words& words) {
@@ -149,9 +107,8 @@ std::string RunString(const Words& words) {
       LoadLibraryExW(Wide(words[1]).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
   if (!module) throw std::runtime_error("the file cannot be opened");
   const auto id = static_cast<WORD>(Number(words[2]));
-  const auto language = static_cast<WORD>(Number(words[3]));
   const HRSRC block = FindResourceExW(module.Get(), MAKEINTRESOURCEW(6) /* RT_STRING */,
-                                      MAKEINTRESOURCEW(id / 16 + 1), language);
+                                      MAKEINTRESOURCEW(id / 16 + 1), static_cast<WORD>(Number(words[3])));
   if (!block) throw std::runtime_error("no such text in that language");
   const auto* text = static_cast<const wchar_t*>(LockResource(LoadResource(module.Get(), block)));
   for (int skipped = id % 16; skipped > 0; --skipped) text += 1 + *text;
@@ -159,52 +116,36 @@ std::string RunString(const Words& words) {
 }
 
 constexpr Command kCommands[] = {
-    {"open", 1, RunOpen},             // CLASS: a watched window of that class
-    {"field", 1, RunField},           // CAPTION: a window with a text field that has the keyboard
-    {"compose", 2, RunCompose},       // LIBRARY TEXT: the editor of a macro plug-in; its end is an event
-    {"close", 0, RunClose},           // all windows but its own, and the mutexes
-    {"hold", 1, RunHold},             // NAME: a mutex
-    {"find", 1, RunFind},             // CLASS: yes or no
-    {"handle", 1, RunHandle},         // CLASS: the number of its window
-    {"hang", 1, RunHang},             // CLASS: a window whose thread looks at no messages
-    {"send", 4, RunSend},             // CLASS MESSAGE WPARAM LPARAM: the window's result
-    {"post", 4, RunPost},             // CLASS MESSAGE WPARAM LPARAM
-    {"copy", 3, RunCopy},             // CLASS TAG HEX: the window's result
-    {"device", 3, RunDevice},         // CLASS arrived|removed PORT: the window's result
-    {"list", 2, RunList},             // ROOT PATH: the values of a key
-    {"set-number", 4, RunSetNumber},  // ROOT PATH NAME NUMBER
-    {"set-text", 4, RunSetText},      // ROOT PATH NAME TEXT
-    {"delete", 2, RunDelete},         // ROOT PATH
-    {"string", 3, RunString},         // FILE ID LANGUAGE: a text of a program's resources
+    {"find", 1, RunFind},        // CLASS: yes or no
+    {"handle", 1, RunHandle},    // CLASS: the number of its window
+    {"send", 4, RunSend},        // CLASS MESSAGE WPARAM LPARAM: the window's result
+    {"post", 4, RunPost},        // CLASS MESSAGE WPARAM LPARAM
+    {"copy", 4, RunCopy},        // CLASS SENDER-CLASS TAG HEX: the window's result
+    {"device", 3, RunDevice},    // CLASS arrived|removed PORT: the window's result
+    {"compose", 2, RunCompose},  // LIBRARY TEXT: the editor of a macro plug-in; its end is an event
+    {"string", 3, RunString},    // FILE ID LANGUAGE: a text of a program's resources
 };
 
 const Command* FindCommand(const std::string& name) {
-  for (const std::span<const Command> table : {std::span<const Command>(kCommands), DialogCommands()})
+  for (const std::span<const Command> table :
+       {std::span<const Command>(kCommands), DialogCommands(), DeskCommands(), RegistryCommands()})
     if (const auto command = std::ranges::find(table, name, &Command::name); command != table.end())
       return &*command;
   return nullptr;
 }
 
-Words Split(const std::string& line) {
-  Words words;
-  size_t begin = 0;
-  for (size_t tab = line.find('\t'); tab != line.npos; begin = tab + 1, tab = line.find('\t', begin))
-    words.push_back(line.substr(begin, tab - begin));
-  words.push_back(line.substr(begin));
-  return words;
-}
-
 }  // namespace
 
 void RunCommand(const std::string& line) {
-  const Words words = Split(line);
+  Words words;
+  std::istringstream stream(line + '\t');
+  for (std::string word; std::getline(stream, word, '\t');) words.push_back(word);
   const Command* const command = FindCommand(words[0]);
-  if (!command) return Report({"!", "unknown command"});
-  if (words.size() != command->arguments + 1) return Report({"!", "wrong number of words"});
+  if (!command || words.size() != command->arguments + 1) return Report("!", "no such command: " + line);
   try {
-    Report({"=", command->run(words)});
+    Report("=", command->run(words));
   } catch (const std::exception& error) {
-    Report({"!", error.what()});
+    Report("!", error.what());
   }
 }
 

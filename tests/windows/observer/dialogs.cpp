@@ -1,5 +1,5 @@
-// Dialogs and message boxes of other programs, by their captions, and their controls, by their texts or
-// numbers.
+// Dialogs and message boxes of other programs as a person sees and uses them. What is done is done to the
+// front one: the first that is shown and enabled.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -8,28 +8,22 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "tests/windows/observer/command_table.h"
-#include "tests/windows/observer/report.h"
+#include "base/handles.h"
+#include "tests/windows/observer/commands.h"
 
 namespace observer {
 namespace {
-
-HWND FindCaption(const std::string& caption) {
-  return FindWindowW(nullptr, Wide(caption).c_str());
-}
-
-HWND FindDialog(const Words& words) {
-  const HWND dialog = FindCaption(words[1]);
-  if (!dialog) throw std::runtime_error("no such dialog");
-  return dialog;
-}
 
 // Asked of the window itself, which alone knows what was typed into it; empty when it has just gone.
 std::string TextOf(HWND window) {
   wchar_t text[1200] = {};
   const LRESULT length =
       TrySend(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text)).value_or(0);
-  return Utf8({text, static_cast<size_t>(length)});
+  std::string shown = Utf8({text, static_cast<size_t>(length)});
+  std::erase(shown, '&');
+  std::erase(shown, '\r');
+  std::ranges::replace(shown, '\n', ' ');
+  return shown;
 }
 
 std::vector<HWND> ControlsOf(HWND dialog) {
@@ -39,83 +33,64 @@ std::vector<HWND> ControlsOf(HWND dialog) {
   return controls;
 }
 
-std::string RunTexts(const Words& words) {
-  const HWND dialog = FindCaption(words[1]);
-  if (!dialog) return "no";
-  std::string texts = "yes";
-  for (const HWND control : ControlsOf(dialog))
-    if (const std::string text = TextOf(control); !text.empty()) texts += '\t' + text;
-  return texts;
+std::vector<HWND> Dialogs() {
+  std::vector<HWND> dialogs;
+  const auto add = [](HWND window, LPARAM list) -> BOOL {
+    if (IsWindowVisible(window) && IsWindowEnabled(window) && ClassOf(window) == L"#32770")
+      reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+    return TRUE;
+  };
+  EnumWindows(add, reinterpret_cast<LPARAM>(&dialogs));
+  return dialogs;
 }
 
-std::string RunPress(const Words& words) {
-  const std::vector<HWND> controls = ControlsOf(FindDialog(words));
-  const auto button = std::ranges::find_if(controls, [&](HWND control) {
-    std::string text = TextOf(control);
-    std::erase(text, '&');
-    return text == words[2];
-  });
-  if (button == controls.end()) throw std::runtime_error("no such button");
-  PostMessageW(*button, BM_CLICK, 0, 0);
-  return {};
+HWND FrontDialog() {
+  const std::vector<HWND> dialogs = Dialogs();
+  if (dialogs.empty()) throw std::runtime_error("no dialog is shown");
+  return dialogs.front();
 }
 
-std::string RunVisible(const Words& words) {
-  const HWND dialog = FindCaption(words[1]);
-  return dialog && IsWindowVisible(dialog) ? "yes" : "no";
+std::string Field(std::string_view text) {
+  std::string field = std::string("\t").append(text);
+  std::replace(field.begin() + 1, field.end(), '\t', ' ');
+  return field;
 }
 
-std::string RunRect(const Words& words) {
-  RECT rect = {};
-  GetWindowRect(FindDialog(words), &rect);
-  char text[64];
-  std::snprintf(text, sizeof text, "%ldx%ld+%ld+%ld", rect.right - rect.left, rect.bottom - rect.top,
-                rect.left, rect.top);
-  return text;
+// "control ID KIND TEXT STATE POSITION COUNT ENTRY...", each behind a tab; the state is s(hown), e(nabled),
+// c(hecked).
+std::string Look(HWND control) {
+  const std::string kind = Utf8(ClassOf(control));
+  std::string state = IsWindowVisible(control) ? "s" : "";
+  if (IsWindowEnabled(control)) state += "e";
+  if (kind == "Button" && TrySend(control, BM_GETCHECK, 0, 0) == BST_CHECKED) state += "c";
+  const UINT position = kind == TRACKBAR_CLASSA ? UINT{TBM_GETPOS} : UINT{PBM_GETPOS};
+  const LRESULT at = kind.starts_with("msctls") ? TrySend(control, position, 0, 0).value_or(0) : 0;
+  return Field("control") + Field(std::to_string(GetDlgCtrlID(control))) + Field(kind) +
+         Field(TextOf(control)) + Field(state) + Field(std::to_string(at));
 }
 
-// As the system posts it to the window that has the keyboard.
-std::string RunKey(const Words& words) {
-  const HWND dialog = FindDialog(words);
-  PostMessageW(dialog, WM_KEYDOWN, Number(words[2]), 1);
-  PostMessageW(dialog, WM_KEYUP, Number(words[2]), static_cast<LPARAM>(0xC0000001));
-  return {};
+// "dialog TITLE" with its controls behind it, for each of them.
+std::string RunDialogs(const Words&) {
+  std::string all;
+  for (const HWND dialog : Dialogs()) {
+    all += Field("dialog") + Field(TextOf(dialog));
+    for (const HWND control : ControlsOf(dialog)) all += Look(control);
+  }
+  return all;
 }
-
-// Balloons of the notification area: the system shows them in tooltip windows of its own.
-std::string RunBalloons(const Words&) {
-  std::string texts;
-  for (HWND tip = nullptr; (tip = FindWindowExW(nullptr, tip, L"tooltips_class32", nullptr));)
-    if (IsWindowVisible(tip)) texts.append(texts.empty() ? "" : "\t").append(TextOf(tip));
-  return texts;
-}
-
-// ---- controls by number -----------------------------------------------------------------------------------
 
 HWND FindControl(const Words& words) {
-  const HWND control = GetDlgItem(FindDialog(words), static_cast<int>(Number(words[2])));
+  const HWND control = GetDlgItem(FrontDialog(), static_cast<int>(Number(words[1])));
   if (!control) throw std::runtime_error("no such control");
   return control;
 }
 
-// The dialog hears of what was done to its control, as from the control itself.
-void Notify(HWND control, WORD code) {
-  Send(GetParent(control), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), code),
-       reinterpret_cast<LPARAM>(control));
-}
-
-std::string RunControl(const Words& words) {
-  const HWND control = FindControl(words);
-  const std::string seen = IsWindowVisible(control) ? "shown" : "hidden";
-  const std::string usable = IsWindowEnabled(control) ? "enabled" : "disabled";
-  return seen + '\t' + usable + '\t' + TextOf(control);
-}
-
+// "NAME=VALUE" of each entry of a drop-down list.
 std::string RunEntries(const Words& words) {
   const HWND list = FindControl(words);
-  const LRESULT count = Send(list, CB_GETCOUNT, 0, 0);
+  const auto count = static_cast<WPARAM>(Send(list, CB_GETCOUNT, 0, 0));
   std::string entries;
-  for (WPARAM n = 0; n < static_cast<WPARAM>(count); ++n) {
+  for (WPARAM n = 0; n < count; ++n) {
     wchar_t name[256] = {};
     Send(list, CB_GETLBTEXT, n, reinterpret_cast<LPARAM>(name));
     const auto value = static_cast<int>(Send(list, CB_GETITEMDATA, n, 0));
@@ -124,12 +99,7 @@ std::string RunEntries(const Words& words) {
   return entries;
 }
 
-std::string RunAsk(const Words& words) {
-  return std::to_string(Send(FindControl(words), static_cast<UINT>(Number(words[3])), Number(words[4]),
-                             static_cast<LPARAM>(Number(words[5]))));
-}
-
-std::string RunClick(const Words& words) {
+std::string RunPress(const Words& words) {
   PostMessageW(FindControl(words), BM_CLICK, 0, 0);
   return {};
 }
@@ -139,46 +109,139 @@ std::string RunDoubleClick(const Words& words) {
   return {};
 }
 
-std::string RunEnter(const Words& words) {
-  Send(FindControl(words), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(Wide(words[3]).c_str()));
+std::string RunType(const Words& words) {
+  Send(FindControl(words), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(Wide(words[2]).c_str()));
   return {};
 }
 
 std::string RunChoose(const Words& words) {
   const HWND list = FindControl(words);
   const LRESULT entry = Send(list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                             reinterpret_cast<LPARAM>(Wide(words[3]).c_str()));
+                             reinterpret_cast<LPARAM>(Wide(words[2]).c_str()));
   if (entry == CB_ERR) throw std::runtime_error("no such entry");
   Send(list, CB_SETCURSEL, static_cast<WPARAM>(entry), 0);
-  Notify(list, CBN_SELCHANGE);
+  Send(GetParent(list), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), CBN_SELCHANGE),
+       reinterpret_cast<LPARAM>(list));
   return {};
 }
 
 // As a mouse that takes the thumb there and lets it go.
-std::string RunDrag(const Words& words) {
+std::string RunSlide(const Words& words) {
   const HWND slider = FindControl(words);
-  const auto position = static_cast<LPARAM>(Number(words[3]));
+  const auto position = static_cast<LPARAM>(Number(words[2]));
   Send(slider, TBM_SETPOS, TRUE, position);
   for (const WPARAM code : {MAKEWPARAM(TB_THUMBTRACK, position), MAKEWPARAM(TB_ENDTRACK, 0)})
     Send(GetParent(slider), WM_HSCROLL, code, reinterpret_cast<LPARAM>(slider));
   return {};
 }
 
+// As the system posts it to the window that has the keyboard.
+void PressKey(HWND window, WPARAM key) {
+  PostMessageW(window, WM_KEYDOWN, key, 1);
+  PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+}
+
+std::string RunKey(const Words& words) {
+  PressKey(FrontDialog(), Number(words[1]));
+  return {};
+}
+
+std::string RunCloseDialog(const Words&) {
+  PostMessageW(FrontDialog(), WM_CLOSE, 0, 0);
+  return {};
+}
+
+// ---- menus
+// --------------------------------------------------------------------------------------------
+
+struct WantedItem {
+  std::wstring label;
+  std::wstring keys;  // access keys of items of that label
+};
+
+void LookInMenu(HMENU menu, WantedItem& wanted) {
+  for (int n = 0; n < GetMenuItemCount(menu); ++n) {
+    wchar_t text[128] = {};
+    GetMenuStringW(menu, static_cast<UINT>(n), text, static_cast<int>(std::size(text)), MF_BYPOSITION);
+    std::wstring plain = text;
+    const size_t mark = plain.find(L'&');
+    const wchar_t key = mark == plain.npos ? L'\0' : plain[mark + 1];
+    if (key && plain.erase(mark, 1) == wanted.label) wanted.keys += key;
+    if (const HMENU popup = GetSubMenu(menu, n)) LookInMenu(popup, wanted);
+  }
+}
+
+BOOL CALLBACK LookInResource(HMODULE module, LPCWSTR type, LPCWSTR name, WORD language, LONG_PTR wanted) {
+  const HMENU menu =
+      LoadMenuIndirectW(LockResource(LoadResource(module, FindResourceExW(module, type, name, language))));
+  LookInMenu(menu, *reinterpret_cast<WantedItem*>(wanted));
+  DestroyMenu(menu);
+  return TRUE;
+}
+
+// A menu that is open takes the keys of its window. Its items stand in the program's resources; a key that it
+// has no item for does nothing.
+std::string RunMenu(const Words& words) {
+  constexpr int kMenuType = 4;  // RT_MENU
+  constexpr int kNumbers = 256;
+  if (!IsWindowVisible(FindWindowW(L"#32768", nullptr))) throw std::runtime_error("no menu is open");
+  const HWND owner = Find(words[2]);
+  const veltra::UniqueModule program(
+      LoadLibraryExW(Wide(words[1]).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+  WantedItem wanted{Wide(words[3]), {}};
+  for (int menu = 1; menu < kNumbers; ++menu)
+    EnumResourceLanguagesW(program.Get(), MAKEINTRESOURCEW(kMenuType), MAKEINTRESOURCEW(menu), LookInResource,
+                           reinterpret_cast<LONG_PTR>(&wanted));
+  if (words[3].empty()) PressKey(owner, VK_ESCAPE);
+  if (!words[3].empty() && wanted.keys.empty())
+    throw std::runtime_error("no menu has such an item with a key");
+  for (const wchar_t key : wanted.keys) PostMessageW(owner, WM_CHAR, key, 1);
+  return {};
+}
+
+// ---- for scripts that show the tool: by caption
+// ------------------------------------------------------------------
+
+HWND FindCaption(const std::string& caption) {
+  return FindWindowW(nullptr, Wide(caption).c_str());
+}
+
+std::string RunTexts(const Words& words) {
+  const HWND dialog = FindCaption(words[1]);
+  if (!dialog) return "no";
+  std::string texts = "yes";
+  for (const HWND control : ControlsOf(dialog)) texts += Field(TextOf(control));
+  return texts;
+}
+
+std::string RunVisible(const Words& words) {
+  const HWND dialog = FindCaption(words[1]);
+  return dialog && IsWindowVisible(dialog) ? "yes" : "no";
+}
+
+std::string RunRect(const Words& words) {
+  RECT rect = {};
+  if (!GetWindowRect(FindCaption(words[1]), &rect)) throw std::runtime_error("no such dialog");
+  char text[64];
+  std::snprintf(text, sizeof text, "%ldx%ld+%ld+%ld", rect.right - rect.left, rect.bottom - rect.top,
+                rect.left, rect.top);
+  return text;
+}
+
 constexpr Command kCommands[] = {
-    {"texts", 1, RunTexts},               // CAPTION: yes and the texts of its controls, or no
-    {"press", 2, RunPress},               // CAPTION BUTTON, by its text
-    {"visible", 1, RunVisible},           // CAPTION: yes or no
-    {"rect", 1, RunRect},                 // CAPTION: its place on the desktop, as WIDTHxHEIGHT+LEFT+TOP
-    {"key", 2, RunKey},                   // CAPTION KEY: pressed and released
-    {"balloons", 0, RunBalloons},         // the texts of the balloons and tooltips that are to be seen
-    {"control", 2, RunControl},           // CAPTION ID: shown or hidden, enabled or disabled, its text
-    {"entries", 2, RunEntries},           // CAPTION ID: NAME=VALUE of each entry of a drop-down list
-    {"ask", 5, RunAsk},                   // CAPTION ID MESSAGE WPARAM LPARAM: the control's result
-    {"click", 2, RunClick},               // CAPTION ID
-    {"double-click", 2, RunDoubleClick},  // CAPTION ID
-    {"enter", 3, RunEnter},               // CAPTION ID TEXT
-    {"choose", 3, RunChoose},             // CAPTION ID ENTRY of a drop-down list
-    {"drag", 3, RunDrag},                 // CAPTION ID POSITION of a slider
+    {"dialogs", 0, RunDialogs},
+    {"entries", 1, RunEntries},           // ID
+    {"press", 1, RunPress},               // ID
+    {"double-click", 1, RunDoubleClick},  // ID
+    {"type", 2, RunType},                 // ID TEXT
+    {"choose", 2, RunChoose},             // ID ENTRY
+    {"slide", 2, RunSlide},               // ID POSITION
+    {"key", 1, RunKey},                   // KEY
+    {"close-dialog", 0, RunCloseDialog},
+    {"menu", 3, RunMenu},  // PROGRAM OWNER-CLASS LABEL: chooses in the menu that is open; no label closes it
+    {"texts", 1, RunTexts},      // CAPTION: yes and the texts of its controls, or no
+    {"visible", 1, RunVisible},  // CAPTION: yes or no
+    {"rect", 1, RunRect},        // CAPTION: its place on the desktop, as WIDTHxHEIGHT+LEFT+TOP
 };
 
 }  // namespace

@@ -12,28 +12,34 @@
 #include <thread>
 
 #include "tests/windows/observer/commands.h"
-#include "tests/windows/observer/report.h"
-#include "tests/windows/observer/watched_windows.h"
 
 namespace {
 
-using observer::Report;
-
 struct MouseAction {
   WPARAM message;
-  const char* button;
-  const char* action;
+  const char* words;
 };
 
 constexpr MouseAction kMouseActions[] = {
-    {WM_LBUTTONDOWN, "left", "down"}, {WM_LBUTTONUP, "left", "up"},       {WM_RBUTTONDOWN, "right", "down"},
-    {WM_RBUTTONUP, "right", "up"},    {WM_MBUTTONDOWN, "middle", "down"}, {WM_MBUTTONUP, "middle", "up"},
+    {WM_LBUTTONDOWN, "left down"}, {WM_LBUTTONUP, "left up"},       {WM_RBUTTONDOWN, "right down"},
+    {WM_RBUTTONUP, "right up"},    {WM_MBUTTONDOWN, "middle down"}, {WM_MBUTTONUP, "middle up"},
 };
+
+// Told before the pointer has moved. Windows also tells of the pointer when it stands still.
+void ReportMove(POINT target) {
+  POINT place = {};
+  GetCursorPos(&place);
+  const std::string x = std::to_string(target.x - place.x);
+  const std::string y = std::to_string(target.y - place.y);
+  if (target.x != place.x || target.y != place.y)
+    observer::ReportEvent(std::string("mouse move ").append(x).append(" ").append(y));
+}
 
 LRESULT CALLBACK OnMouse(int code, WPARAM message, LPARAM data) {
   if (code == HC_ACTION)
     for (const MouseAction& row : kMouseActions)
-      if (row.message == message) Report({"mouse", row.button, row.action});
+      if (row.message == message) observer::ReportEvent(std::string("mouse ") + row.words);
+  if (code == HC_ACTION && message == WM_MOUSEMOVE) ReportMove(reinterpret_cast<const MSLLHOOKSTRUCT*>(data)->pt);
   return CallNextHookEx(nullptr, code, message, data);
 }
 
@@ -41,7 +47,7 @@ LRESULT CALLBACK OnKey(int code, WPARAM message, LPARAM data) {
   if (code == HC_ACTION) {
     const auto& key = *reinterpret_cast<const KBDLLHOOKSTRUCT*>(data);
     const bool up = message == WM_KEYUP || message == WM_SYSKEYUP;
-    Report({"key", std::to_string(key.vkCode), up ? "up" : "down"});
+    observer::ReportEvent("key " + observer::Hex(key.vkCode, 2) + (up ? " up" : " down"));
   }
   return CallNextHookEx(nullptr, code, message, data);
 }
@@ -81,13 +87,12 @@ HWND MakeRunner() {
 int main() {
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stdin), _O_BINARY);
-  observer::OpenWatchedWindow(observer::kOwnClass);
   const HWND runner = MakeRunner();
   const HINSTANCE instance = GetModuleHandleW(nullptr);
   const HHOOK mouse = SetWindowsHookExW(WH_MOUSE_LL, OnMouse, instance, 0);
   const HHOOK keyboard = SetWindowsHookExW(WH_KEYBOARD_LL, OnKey, instance, 0);
   if (!runner || !mouse || !keyboard) return 1;
-  Report({"ready"});
+  observer::Report("ready");
 
   std::thread reader(ReadCommands, runner);
   MSG message = {};

@@ -1,96 +1,73 @@
-#include "tests/windows/observer/registry.h"
-
-#include <windows.h>
-
+// The tool's settings: root "user" or "machine".
 #include <cstring>
-#include <map>
-#include <span>
 #include <stdexcept>
 
 #include "base/handles.h"
-#include "tests/windows/observer/report.h"
+#include "tests/windows/observer/commands.h"
 
 namespace observer {
 namespace {
 
-using veltra::UniqueRegistryKey;
+constexpr wchar_t kPath[] = L"SOFTWARE\\Veltra\\Sarvik5";
 
 HKEY RootOf(const std::string& name) {
-  if (name == "user") return HKEY_CURRENT_USER;
-  if (name == "machine") return HKEY_LOCAL_MACHINE;
-  throw std::invalid_argument("the root is user or machine");
+  return name == "user" ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
 }
 
-UniqueRegistryKey CreateKey(const std::string& root, const std::string& path) {
-  HKEY key = nullptr;
-  if (RegCreateKeyExW(RootOf(root), Wide(path).c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
-                      nullptr) != ERROR_SUCCESS)
-    throw std::runtime_error("the key cannot be made");
-  return UniqueRegistryKey(key);
-}
-
-std::string Describe(DWORD type, std::span<const uint8_t> data) {
-  if (type == REG_DWORD && data.size() == sizeof(DWORD)) {
-    DWORD number = 0;
-    std::memcpy(&number, data.data(), sizeof number);
-    return "number:" + std::to_string(static_cast<int32_t>(number));
-  }
-  if (type == REG_SZ) {
-    std::wstring text(data.size() / sizeof(wchar_t), L'\0');
-    std::memcpy(text.data(), data.data(), text.size() * sizeof(wchar_t));
-    return "text:" + Utf8(text.substr(0, text.find(L'\0')));
-  }
-  return "type " + std::to_string(type) + ":" + Hex(data);
-}
-
-void SetValue(const UniqueRegistryKey& key, const std::string& name, DWORD type,
-              std::span<const uint8_t> data) {
-  if (RegSetValueExW(key.Get(), Wide(name).c_str(), 0, type, data.data(), static_cast<DWORD>(data.size())) !=
-      ERROR_SUCCESS)
-    throw std::runtime_error("the value cannot be written");
-}
-
-}  // namespace
-
-std::string ListValues(const std::string& root, const std::string& path) {
+// "NAME=NUMBER" of each value, "NAME=" of one that is no number.
+std::string RunList(const Words& words) {
   HKEY opened = nullptr;
-  if (RegOpenKeyExW(RootOf(root), Wide(path).c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return {};
-  const UniqueRegistryKey key(opened);
-  std::map<std::string, std::string> values;
+  if (RegOpenKeyExW(RootOf(words[1]), kPath, 0, KEY_READ, &opened) != ERROR_SUCCESS) return {};
+  const veltra::UniqueRegistryKey key(opened);
+  std::string list;
   for (DWORD index = 0;; ++index) {
     wchar_t name[256] = {};
     uint8_t data[1024] = {};
-    DWORD nameLength = static_cast<DWORD>(std::size(name));
+    auto nameLength = static_cast<DWORD>(std::size(name));
     DWORD size = sizeof data;
     DWORD type = 0;
-    const LSTATUS status = RegEnumValueW(key.Get(), index, name, &nameLength, nullptr, &type, data, &size);
-    if (status == ERROR_NO_MORE_ITEMS) break;
-    if (status != ERROR_SUCCESS) throw std::runtime_error("a value cannot be read");
-    values[Utf8({name, nameLength})] = Describe(type, {data, size});
+    if (RegEnumValueW(key.Get(), index, name, &nameLength, nullptr, &type, data, &size) != ERROR_SUCCESS)
+      return list;
+    int32_t number = 0;
+    std::memcpy(&number, data, sizeof number);
+    list.append(index ? "\t" : "").append(Utf8({name, nameLength})).append("=");
+    if (type == REG_DWORD) list += std::to_string(number);
   }
-  std::string list;
-  for (const auto& [name, value] : values) list += (list.empty() ? "" : "\t") + name + "=" + value;
-  return list;
 }
 
-void SetNumber(const std::string& root, const std::string& path, const std::string& name,
-               unsigned long value) {
-  const DWORD number = value;
-  SetValue(CreateKey(root, path), name, REG_DWORD,
-           {reinterpret_cast<const uint8_t*>(&number), sizeof number});
+std::string SetValue(const Words& words, DWORD type, const void* data, size_t size) {
+  if (RegSetKeyValueW(RootOf(words[1]), kPath, Wide(words[2]).c_str(), type, data,
+                      static_cast<DWORD>(size)) != ERROR_SUCCESS)
+    throw std::runtime_error("the value cannot be written");
+  return {};
 }
 
-void SetText(const std::string& root, const std::string& path, const std::string& name,
-             const std::string& text) {
-  const std::wstring wide = Wide(text);
-  SetValue(CreateKey(root, path), name, REG_SZ,
-           {reinterpret_cast<const uint8_t*>(wide.c_str()), (wide.size() + 1) * sizeof(wchar_t)});
+std::string RunSetNumber(const Words& words) {
+  const auto number = static_cast<DWORD>(Number(words[3]));
+  return SetValue(words, REG_DWORD, &number, sizeof number);
 }
 
-void DeleteKey(const std::string& root, const std::string& path) {
-  const LSTATUS status = RegDeleteTreeW(RootOf(root), Wide(path).c_str());
-  if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND)
-    throw std::runtime_error("the key cannot be deleted");
+std::string RunSetText(const Words& words) {
+  const std::wstring text = Wide(words[3]);
+  return SetValue(words, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+}
+
+std::string RunForget(const Words&) {
+  for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) RegDeleteTreeW(root, kPath);
+  return {};
+}
+
+constexpr Command kCommands[] = {
+    {"list", 1, RunList},             // ROOT
+    {"set-number", 3, RunSetNumber},  // ROOT NAME NUMBER
+    {"set-text", 3, RunSetText},      // ROOT NAME TEXT
+    {"forget", 0, RunForget},         // all settings
+};
+
+}  // namespace
+
+std::span<const Command> RegistryCommands() {
+  return kCommands;
 }
 
 }  // namespace observer

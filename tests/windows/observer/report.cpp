@@ -1,18 +1,14 @@
 #include "tests/windows/observer/report.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cstdio>
-#include <stdexcept>
 
 namespace observer {
 
-void Report(std::initializer_list<std::string_view> words) {
-  std::string line;
-  for (const std::string_view word : words) line.append(line.empty() ? "" : "\t").append(word);
-  std::ranges::replace_if(
-      line, [](char c) { return c == '\r' || c == '\n'; }, ' ');
+void Report(std::string_view kind, std::string_view text) {
+  std::string line = std::string(kind).append("\t").append(text);
+  std::erase(line, '\r');
+  std::ranges::replace(line, '\n', ' ');
   line += '\n';
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fflush(stdout);
@@ -34,19 +30,16 @@ std::wstring Wide(std::string_view utf8) {
   return text;
 }
 
-std::string Hex(std::span<const uint8_t> bytes) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string hex;
-  for (const uint8_t byte : bytes) hex.append({kDigits[byte >> 4], kDigits[byte & 0xF]});
-  return hex;
+std::string Hex(unsigned long long number, int digits) {
+  char text[24];
+  std::snprintf(text, sizeof text, "0x%0*llX", digits, number);
+  return text;
 }
 
-std::string BytesFromHex(std::string_view hex) {
-  if (hex.size() % 2 != 0) throw std::invalid_argument("half a byte");
-  std::string bytes;
-  for (size_t at = 0; at < hex.size(); at += 2)
-    bytes.push_back(static_cast<char>(std::stoi(std::string(hex.substr(at, 2)), nullptr, 16)));
-  return bytes;
+std::wstring ClassOf(HWND window) {
+  wchar_t name[256] = {};
+  const int length = GetClassNameW(window, name, static_cast<int>(std::size(name)));
+  return {name, static_cast<size_t>(length)};
 }
 
 }  // namespace observer

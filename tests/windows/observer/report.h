@@ -1,22 +1,29 @@
 // What the observer says: one line for each event and one for each command, UTF-8, words separated by tabs.
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
-#include <initializer_list>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace observer {
 
-// Writes the words as one line. Called on the main thread only.
-void Report(std::initializer_list<std::string_view> words);
+using Words = std::vector<std::string>;
+
+// Writes the line; line ends in it become blanks. Called on the main thread only.
+void Report(std::string_view kind, std::string_view text = {});
+// Something happened, in the words of the simulated tablet: "mouse left down".
+inline void ReportEvent(std::string_view text) {
+  Report("*", text);
+}
 
 std::string Utf8(std::wstring_view text);
 std::wstring Wide(std::string_view utf8);
-// "5361": two digits a byte, nothing between.
-std::string Hex(std::span<const uint8_t> bytes);
-// Throws std::invalid_argument when it is not hexadecimal.
-std::string BytesFromHex(std::string_view hex);
+// "0x1B", with that many digits at least.
+std::string Hex(unsigned long long number, int digits);
+std::wstring ClassOf(HWND window);
 
 }  // namespace observer

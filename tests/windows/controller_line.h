@@ -1,38 +1,35 @@
-// The simulated controller on the tool's COM2, in wall time. It lives while the test serves it: what it has
-// not read yet waits in the line.
+// The simulated controller on the tool's COM2, in wall time.
 #pragma once
 
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <map>
-#include <string_view>
+#include <optional>
 
 #include "simulator/controller.h"
-#include "tests/windows/failure.h"
 #include "tests/windows/pseudo_terminal.h"
 
 namespace windows_test {
 
-class PlayedController {
+class ControllerLine {
  public:
-  explicit PlayedController(const std::filesystem::path& link) : terminal_(link) {}
+  explicit ControllerLine(std::filesystem::path link) : link_(std::move(link)) { Plug(); }
 
   simulator::Controller& Pic() { return controller_; }
-
+  [[nodiscard]] simulator::Duration Now() const;
+  // The line goes, and another one comes.
+  void Unplug() { terminal_.reset(); }
+  void Plug() { terminal_.emplace(link_); }
+  // The tool has the port open.
+  [[nodiscard]] bool IsOpen() const;
   // Reads, answers, and does what is due by now.
   void Serve();
-  // Serves until the condition holds; fails when patience ends.
-  void ServeUntil(std::string_view what, const std::function<bool()>& condition,
-                  const Where& where = Where::current());
-  // Serves until the tool has asked nothing for a while.
-  void ServeUntilQuiet(const Where& where = Where::current());
 
  private:
-  [[nodiscard]] simulator::Duration Now() const;
   void Send(std::span<const uint8_t> bytes);
 
-  PseudoTerminal terminal_;
+  std::filesystem::path link_;
+  std::optional<PseudoTerminal> terminal_;
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   std::multimap<simulator::Duration, std::function<void()>> due_;
   simulator::Controller controller_{{

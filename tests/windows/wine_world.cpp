@@ -1,0 +1,374 @@
+#include "tests/windows/wine_world.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <thread>
+
+namespace windows_test {
+namespace {
+
+using simulator::ControlLook;
+using simulator::DialogLook;
+using Words = std::vector<std::string>;
+
+std::filesystem::path Prefix() {
+  return std::getenv("WINEPREFIX");
+}
+
+std::filesystem::path HostPath(std::string_view windowsPath) {
+  std::string path(windowsPath);
+  std::ranges::replace(path, '\\', '/');
+  constexpr std::string_view kUsers = "C:/Users/";
+  if (path.starts_with(kUsers)) return Prefix() / "drive_c/users" / path.substr(kUsers.size());
+  return Prefix() / "drive_c" / path.substr(3);
+}
+
+Words Split(const std::string& line) {
+  Words words;
+  std::istringstream stream(line + '\t');
+  for (std::string word; std::getline(stream, word, '\t');) words.push_back(word);
+  return words;
+}
+
+// While it runs, the Windows session stays up.
+void KeepSession() {
+  static std::unique_ptr<WineProcess> keeper;
+  if (!keeper || !keeper->IsRunning()) keeper = std::make_unique<WineProcess>("observer.exe");
+}
+
+const char* NameOf(simulator::Root root) {
+  return root == simulator::Root::kUser ? "user" : "machine";
+}
+
+// A message box has texts and the usual buttons, and nothing else.
+bool IsOfBox(const ControlLook& control) {
+  constexpr int kLastButton = 11;  // IDCONTINUE
+  return control.kind == "Static" || (control.kind == "Button" && control.id <= kLastButton);
+}
+
+Problem RunCommand(simulator::World& world, simulator::Words words) {
+  const std::optional<int64_t> command = words.size() == 2 ? simulator::ParseNumber(words[1]) : std::nullopt;
+  if (!command) return "expects: NUMBER";
+  return world.Post(simulator::kCommandMessage, *command, 0) ? Problem() : "the tool has no window";
+}
+
+constexpr simulator::WorldCommand kCommands[] = {
+    {"command", "NUMBER", "the command of a menu item, sent to the tool", RunCommand},
+};
+
+}  // namespace
+
+std::span<const simulator::WorldCommand> WineWorld::Commands() const {
+  return kCommands;
+}
+
+WineWorld::WineWorld() : line_(Prefix() / "com2") {
+  KeepSession();
+  observer_ = std::make_unique<WineProcess>("observer.exe");
+  std::filesystem::remove_all(HostPath(simulator::kDataFolder));
+  std::filesystem::remove(ProgramPath("devices.log"));
+  Run({"forget"});
+  Run({"watch"});
+}
+
+// ---- what happens
+// --------------------------------------------------------------------------------------
+
+void WineWorld::OnEntry(std::function<void(simulator::TimelineEntry, bool)> listener) {
+  listener_ = std::move(listener);
+}
+
+void WineWorld::Happened(std::string_view who, std::string text) {
+  if (listener_) listener_({Now(), std::string(who), std::move(text)}, true);
+}
+
+void WineWorld::Turn() {
+  line_.Serve();
+  if (line_.IsOpen() != wasOpen_) {
+    wasOpen_ = !wasOpen_;
+    Happened("port", wasOpen_ ? "serial COM2 opened" : "serial COM2 closed");
+  }
+  TakeObserverLines();
+  TakeDeviceCalls();
+  WatchTool();
+}
+
+void WineWorld::TakeObserverLines() {
+  while (const std::optional<std::string> line = observer_->TakeLine()) {
+    if (line->starts_with("*"))
+      Happened("effect", line->substr(2));
+    else if (!line->starts_with("ready"))
+      answer_ = line;
+  }
+}
+
+void WineWorld::TakeDeviceCalls() {
+  if (!deviceLog_.is_open()) deviceLog_.open(ProgramPath("devices.log"));
+  deviceLog_.clear();
+  for (std::string part; std::getline(deviceLog_, part);) {
+    deviceCall_ += part;
+    if (deviceLog_.eof()) break;
+    Happened("device", std::exchange(deviceCall_, {}));
+  }
+}
+
+void WineWorld::WatchTool() {
+  if (!hasEnded_ && !tool_->IsRunning()) {
+    hasEnded_ = true;
+    Happened("program", "program ends with " + std::to_string(tool_->ExitCode()));
+  }
+  if (sessionEnded_ || observer_->IsRunning()) return;
+  sessionEnded_ = true;
+  Happened("program", "power off");
+}
+
+bool WineWorld::WaitUntil(const std::function<bool()>& condition, Duration limit) {
+  const Duration end = Now() + limit;
+  for (;;) {
+    Turn();
+    if (condition()) return true;
+    if (Now() > end) return false;
+    std::this_thread::sleep_for(kPollPause);
+  }
+}
+
+// What is expected is waited for anyway.
+void WineWorld::Wait(Duration span) {
+  constexpr Duration kLongest = std::chrono::milliseconds(300);
+  WaitUntil([] { return false; }, std::min(span, kLongest));
+}
+
+void WineWorld::Settle() {
+  Turn();
+  if (!hasEnded_ && HasMainWindow()) Ask(0, 0, 0);
+  Turn();
+}
+
+Problem WineWorld::TryRun(const Words& words, std::string* answer) {
+  if (sessionEnded_) return "the session has ended";
+  std::string line;
+  for (const std::string& word : words) line += (line.empty() ? "" : "\t") + word;
+  answer_.reset();
+  observer_->WriteLine(line);
+  if (!WaitUntil([this] { return answer_ || sessionEnded_; }, kPatience * 2) || !answer_)
+    return words[0] + ": no answer";
+  const std::string given = *std::exchange(answer_, std::nullopt);
+  if (given.starts_with("!")) return words[0] + ": " + given.substr(2);
+  if (answer) *answer = given.substr(2);
+  return {};
+}
+
+std::string WineWorld::Run(const Words& words) {
+  std::string answer;
+  if (const Problem problem = TryRun(words, &answer)) Fail(*problem);
+  return answer;
+}
+
+// ---- the tool
+// ------------------------------------------------------------------------------------------
+
+void WineWorld::Start(std::string_view arguments) {
+  Words words;
+  simulator::SplitWords(arguments, words);
+  tool_ = std::make_unique<WineProcess>("veltratool.exe", words);
+  hasEnded_ = false;
+}
+
+std::optional<int> WineWorld::ExitCode() {
+  if (!tool_ || tool_->IsRunning()) return std::nullopt;
+  return tool_->ExitCode();
+}
+
+bool WineWorld::HasMainWindow() {
+  return Run({"find", std::string(simulator::kMainWindow)}) == "yes";
+}
+
+std::optional<int64_t> WineWorld::Ask(uint32_t message, int64_t wParam, int64_t lParam) {
+  std::string answer;
+  if (TryRun({"send", std::string(simulator::kMainWindow), std::to_string(message), std::to_string(wParam),
+              std::to_string(lParam)},
+             &answer))
+    return std::nullopt;
+  return std::stoll(answer);
+}
+
+bool WineWorld::Post(uint32_t message, int64_t wParam, int64_t lParam) {
+  return !TryRun({"post", std::string(simulator::kMainWindow), std::to_string(message),
+                  std::to_string(wParam), std::to_string(lParam)});
+}
+
+std::optional<int64_t> WineWorld::SendData(std::string_view sender, uint64_t tag, std::string_view payload) {
+  std::string hex;
+  char digits[3];
+  for (const char byte : payload) {
+    std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned char>(byte));
+    hex += digits;
+  }
+  std::string answer;
+  if (TryRun({"copy", std::string(simulator::kMainWindow), std::string(sender), std::to_string(tag), hex},
+             &answer))
+    return std::nullopt;
+  return std::stoll(answer);
+}
+
+std::optional<std::string> WineWorld::AskReport(int64_t selection) {
+  Run({"open", "Asker"});
+  const auto answer = Ask(simulator::kDeviceReportRequest, selection, std::stoll(Run({"handle", "Asker"})));
+  std::string report = Run({"received"});
+  std::ranges::replace(report, '\x1E', '\n');
+  Run({"close", "Asker"});
+  if (!answer) return std::nullopt;
+  return report;
+}
+
+std::optional<int64_t> WineWorld::AnnouncePort(bool arrived, std::string_view name) {
+  std::string answer;
+  if (TryRun(
+          {"device", std::string(simulator::kMainWindow), arrived ? "arrived" : "removed", std::string(name)},
+          &answer))
+    return std::nullopt;
+  return std::stoll(answer);
+}
+
+std::optional<int64_t> WineWorld::PlugPort(bool plugged) {
+  if (plugged) line_.Plug();
+  const std::optional<int64_t> answer = AnnouncePort(plugged, "COM2");
+  if (!plugged) line_.Unplug();
+  return answer;
+}
+
+// Here a wait for comm events outlives the line: the tool cannot know.
+Problem WineWorld::LosePort(bool) {
+  return "here the port does not go without a word";
+}
+
+// ---- registry and disk
+// --------------------------------------------------------------------------------------
+
+void WineWorld::SetNumber(simulator::Root root, std::string_view name, int64_t value) {
+  Run({"set-number", NameOf(root), std::string(name), std::to_string(value)});
+}
+
+void WineWorld::SetText(simulator::Root root, std::string_view name, std::string_view text) {
+  Run({"set-text", NameOf(root), std::string(name), std::string(text)});
+}
+
+std::vector<simulator::Setting> WineWorld::Settings() {
+  std::vector<simulator::Setting> settings;
+  for (const std::string& word : Split(Run({"list", "user"}))) {
+    const size_t equals = word.find('=');
+    if (equals == word.npos) continue;
+    simulator::Setting& setting = settings.emplace_back(word.substr(0, equals), std::nullopt);
+    if (equals + 1 < word.size()) setting.number = std::stoi(word.substr(equals + 1));
+  }
+  return settings;
+}
+
+std::optional<std::string> WineWorld::ReadFile(std::string_view path) {
+  std::ifstream file(HostPath(path), std::ios::binary);
+  if (!file) return std::nullopt;
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+void WineWorld::WriteFile(std::string_view path, std::string_view content) {
+  std::filesystem::create_directories(HostPath(path).parent_path());
+  std::ofstream(HostPath(path), std::ios::binary) << content;
+}
+
+// ---- other programs and the person
+// -----------------------------------------------------------------------------
+
+void WineWorld::OpenApplication(std::string_view windowClass) {
+  Run({"open", std::string(windowClass)});
+}
+bool WineWorld::CloseApplication(std::string_view windowClass) {
+  return Run({"close", std::string(windowClass)}) == "yes";
+}
+bool WineWorld::IsApplicationOpen(std::string_view windowClass) {
+  return Run({"find", std::string(windowClass)}) == "yes";
+}
+void WineWorld::PlayOtherCopy() {
+  Run({"hold", std::string(simulator::kMainWindow)});
+  Run({"open", std::string(simulator::kMainWindow)});
+}
+
+std::vector<DialogLook> WineWorld::Dialogs() {
+  std::string answer;
+  if (TryRun({"dialogs"}, &answer)) return {};
+  const Words words = Split(answer);
+  std::vector<DialogLook> dialogs;
+  size_t at = 0;
+  const auto next = [&] { return at < words.size() ? words[at++] : std::string(); };
+  while (at < words.size()) {
+    const std::string what = next();
+    if (what == "dialog") dialogs.push_back({.title = next(), .controls = {}});
+    if (what != "control") continue;
+    ControlLook look{.id = std::stoi(next()), .kind = next(), .text = next()};
+    const std::string state = next();
+    look.isShown = state.find('s') != state.npos;
+    look.isEnabled = state.find('e') != state.npos;
+    look.isChecked = state.find('c') != state.npos;
+    look.position = std::stoll(next());
+    dialogs.back().controls.push_back(std::move(look));
+  }
+  for (DialogLook& dialog : dialogs) dialog.isBox = std::ranges::all_of(dialog.controls, IsOfBox);
+  return dialogs;
+}
+
+std::optional<DialogLook> WineWorld::FrontDialog() {
+  std::vector<DialogLook> dialogs = Dialogs();
+  if (dialogs.empty()) return std::nullopt;
+  return std::move(dialogs.front());
+}
+
+std::vector<std::string> WineWorld::Entries(int id) {
+  return Split(Run({"entries", std::to_string(id)}));
+}
+
+void WineWorld::Press(int id) {
+  Run({"press", std::to_string(id)});
+}
+void WineWorld::DoubleClick(int id) {
+  Run({"double-click", std::to_string(id)});
+}
+void WineWorld::Choose(int id, std::string_view entry) {
+  Run({"choose", std::to_string(id), std::string(entry)});
+}
+void WineWorld::Slide(int id, int position) {
+  Run({"slide", std::to_string(id), std::to_string(position)});
+}
+void WineWorld::Type(int id, std::string_view text) {
+  Run({"type", std::to_string(id), std::string(text)});
+}
+Problem WineWorld::PressKey(int virtualKey) {
+  return TryRun({"key", std::to_string(virtualKey)});
+}
+Problem WineWorld::CloseDialog() {
+  return TryRun({"close-dialog"});
+}
+
+Problem WineWorld::PickFile(std::string_view path) {
+  constexpr int kFileName = 1148;
+  const std::optional<DialogLook> front = FrontDialog();
+  if (!front || front->title != "Open") return "no box asks for a file";
+  if (!path.empty()) Type(kFileName, path);
+  Press(path.empty() ? 2 : 1);
+  return {};
+}
+
+Problem WineWorld::UseTrayIcon(simulator::TrayIcon icon, simulator::MouseAction action) {
+  constexpr const char* kActions[] = {"click", "double", "right"};
+  return TryRun({"tray", std::to_string(static_cast<int>(icon)), kActions[static_cast<int>(action)]});
+}
+
+Problem WineWorld::ChooseMenuItem(std::string_view label) {
+  const Words menu = {"menu", ProgramPath("veltratool.exe"), std::string(simulator::kMainWindow),
+                      std::string(label)};
+  Problem problem = "no menu is open";
+  WaitUntil([&] { return !(problem = TryRun(menu)); }, std::chrono::seconds(3));
+  return problem;
+}
+
+}  // namespace windows_test
