@@ -1,38 +1,47 @@
 #include "app/app_state.h"
 
-#include "app/folders.h"
+#include "switches/switch_outputs.h"
 
 namespace veltra {
 namespace {
 
-std::shared_ptr<AppState> current;
-std::weak_ptr<AppState> last;  // the current one, or one that ended and is still held
+std::weak_ptr<AppState> last;  // the one in use, or one that ended and is still held
+
+template <class... Records>
+void PutInUse(Records*... records) {
+  ((recordInUse<Records> = records), ...);
+}
 
 }  // namespace
 
-AppState::AppState() : dataFolder(GetDataFolder()), log(dataFolder) {
-  SwitchInputMessage = RegisterWindowMessageW(TEXT("Veltra_SwitchInput"));
-  Languages = {{TEXT("English"), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK)},
-               {TEXT("Nederlands"), MAKELANGID(LANG_DUTCH, SUBLANG_DUTCH)}};
+AppState::AppState() {
+  link.whenLineIsGone = ForgetHeldSwitches;
+  PutInUse(&system, &switches, &link, &power, &board, &firmware);
+}
+
+AppState::~AppState() {
+  PutInUse<SystemState, SwitchesState, LinkState, PowerState, BoardState, FirmwareState>(
+      nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
 AppState& GetAppState() {
   if (const std::shared_ptr<AppState> held = last.lock()) return *held;
-  current = std::make_shared<AppState>();
-  last = current;
-  return *current;
+  const std::shared_ptr<AppState> state = std::make_shared<AppState>();
+  stateInUse = state;
+  last = state;
+  return *state;
 }
 
 bool HasAppState() {
-  return current != nullptr;
+  return stateInUse != nullptr;
 }
 
 void DestroyAppState() {
-  current.reset();
+  stateInUse.reset();
 }
 
 std::shared_ptr<AppState> KeepAppState() {
-  return current;
+  return std::static_pointer_cast<AppState>(stateInUse);
 }
 
 }  // namespace veltra

@@ -1,4 +1,4 @@
-#include "app/windows_version.h"
+#include "system/windows_version.h"
 
 #include <vector>
 

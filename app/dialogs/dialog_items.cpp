@@ -1,11 +1,11 @@
-#include "app/dialog_items.h"
+#include "app/dialogs/dialog_items.h"
 
 #include <windows.h>
 
 #include <commctrl.h>
 
 #include "app/app_state.h"
-#include "app/language.h"
+#include "system/language.h"
 
 namespace veltra {
 
@@ -13,9 +13,8 @@ INT_PTR RunDialog(const WCHAR* name, DLGPROC procedure, LPARAM parameter) {
   constexpr INT_PTR kNotShown = -1;
   const Bytes resource = FindLocalResource(RT_DIALOG, name);
   if (resource.empty()) return kNotShown;
-  const AppState& state = GetAppState();
-  return DialogBoxIndirectParamW(state.hInstance, reinterpret_cast<LPCDLGTEMPLATEW>(resource.data()),
-                                 state.hMainWnd, procedure, parameter);
+  return DialogBoxIndirectParamW(System().hInstance, reinterpret_cast<LPCDLGTEMPLATEW>(resource.data()),
+                                 MainWindow(), procedure, parameter);
 }
 
 void SetLabels(HWND dialog, std::span<const ItemLabel> labels) {

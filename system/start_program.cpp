@@ -1,4 +1,4 @@
-#include "switches/start_program.h"
+#include "system/start_program.h"
 
 #include <windows.h>
 

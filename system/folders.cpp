@@ -1,4 +1,4 @@
-#include "app/folders.h"
+#include "system/folders.h"
 
 #include <shlobj.h>
 

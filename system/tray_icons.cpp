@@ -1,12 +1,12 @@
-#include "app/tray_icons.h"
+#include "system/tray_icons.h"
 
 #include <shellapi.h>
 
 #include <algorithm>
 
-#include "app/app_state.h"
-#include "app/folders.h"
 #include "resources/resource_ids.h"
+#include "system/folders.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -52,14 +52,14 @@ void RemoveIcon(HWND window, UINT id) {
 }  // namespace
 
 void AddTrayIcons(HWND window) {
-  TrayState& tray = GetAppState().tray;
+  TrayState& tray = System().tray;
   tray.powerIconStands = AddPowerIcon(window);
   tray.toolIconStands = AddToolIcon(window);
 }
 
 // What was sent to an icon that did not stand yet is lost, so the next update sends all of it.
 void RetryTrayIcons(HWND window) {
-  TrayState& tray = GetAppState().tray;
+  TrayState& tray = System().tray;
   if (!tray.powerIconStands && AddPowerIcon(window)) {
     tray.powerIconStands = true;
     tray.LastTooltip.clear();
@@ -74,7 +74,7 @@ void RemoveTrayIcons(HWND window) {
 }
 
 void UpdateTrayIcon(HWND window, const WideText& text, int32_t iconId, bool balloon) {
-  TrayState& tray = GetAppState().tray;
+  TrayState& tray = System().tray;
   NOTIFYICONDATAW record = IconRecord(window, kPowerIconId);
   if (balloon) {
     record.uFlags = NIF_INFO;
@@ -97,14 +97,13 @@ void UpdateTrayIcon(HWND window, const WideText& text, int32_t iconId, bool ball
 }
 
 void ShowTrayBalloon(const WideText& text) {
-  UpdateTrayIcon(GetAppState().hMainWnd, text, TrayState::kNoIcon, true);
+  UpdateTrayIcon(MainWindow(), text, TrayState::kNoIcon, true);
 }
 
 HICON LoadTrayIcon(int32_t iconId) {
-  AppState& state = GetAppState();
-  UniqueIcon& icon = state.tray.icons[iconId];
+  UniqueIcon& icon = System().tray.icons[iconId];
   if (!icon)
-    icon.Reset(static_cast<HICON>(LoadImageW(state.hInstance, MAKEINTRESOURCEW(iconId), IMAGE_ICON,
+    icon.Reset(static_cast<HICON>(LoadImageW(System().hInstance, MAKEINTRESOURCEW(iconId), IMAGE_ICON,
                                              GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON),
                                              LR_DEFAULTCOLOR)));
   return icon.Get();

@@ -1,4 +1,4 @@
-#include "switches/injected_input.h"
+#include "system/injected_input.h"
 
 namespace veltra {
 

@@ -1,4 +1,4 @@
-#include "power/power_meter.h"
+#include "app/dialogs/power_meter.h"
 
 #include <windows.h>
 
@@ -7,12 +7,12 @@
 #include <algorithm>
 
 #include "app/app_state.h"
-#include "app/dialog_items.h"
-#include "app/language.h"
+#include "app/dialogs/dialog_items.h"
 #include "app/settings_store.h"
 #include "base/debug_output.h"
 #include "link/send_queue.h"
 #include "resources/resource_ids.h"
+#include "system/language.h"
 
 namespace veltra {
 namespace {
@@ -68,7 +68,7 @@ WideText Percent(int32_t value) {
 }
 
 void InitAlarm(HWND dialog, const Alarm& alarm) {
-  const BatteryStatus& battery = GetAppState().battery;
+  const BatteryStatus& battery = Power().battery;
   const int32_t percentage = battery.*alarm.percentage;
   SendDlgItemMessageW(dialog, alarm.level, TBM_SETRANGE, TRUE, MAKELPARAM(kLowestLevel, alarm.highest));
   for (const int tick : alarm.ticks) SendDlgItemMessageW(dialog, alarm.level, TBM_SETTIC, 0, tick);
@@ -79,7 +79,7 @@ void InitAlarm(HWND dialog, const Alarm& alarm) {
 }
 
 void StoreAlarms(HWND dialog) {
-  BatteryStatus& battery = GetAppState().battery;
+  BatteryStatus& battery = Power().battery;
   for (const Alarm& alarm : kAlarms) {
     battery.*alarm.percentage = GetSliderPosition(dialog, alarm.level);
     battery.*alarm.isOn = IsItemChecked(dialog, alarm.check);
@@ -99,7 +99,7 @@ struct Shown {
 constexpr int kBatteryPictures[] = {IDI_METER_HIGH, IDI_METER_MEDIUM, IDI_METER_LOW, IDI_METER_EMPTY};
 
 Shown PowerStatus() {
-  BatteryStatus& battery = GetAppState().battery;
+  BatteryStatus& battery = Power().battery;
   const PowerSource source = battery.GetPowerSource();
   const WideText percent = Percent(battery.capacity);
   if (source == PowerSource::kBattery)
@@ -113,7 +113,7 @@ Shown PowerStatus() {
 }
 
 void ShowPicture(HWND dialog, int icon) {
-  const HICON picture = LoadIconW(GetAppState().hInstance, MAKEINTRESOURCEW(icon));
+  const HICON picture = LoadIconW(System().hInstance, MAKEINTRESOURCEW(icon));
   SendDlgItemMessageW(dialog, IDP_ICON, STM_SETICON, reinterpret_cast<WPARAM>(picture), 0);
 }
 
@@ -157,7 +157,7 @@ void Close(HWND dialog, INT_PTR result) {
 void OnOk(HWND dialog) {
   KillTimer(dialog, kRefreshTimer);
   StoreAlarms(dialog);
-  const int32_t critical = GetAppState().battery.BattCritPercentage;
+  const int32_t critical = Power().battery.BattCritPercentage;
   SendText(std::string("SetBatteryCritical=").append(std::to_string(critical)));
   SaveSettings();
   EndDialog(dialog, kConfirmed);

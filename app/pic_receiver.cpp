@@ -1,7 +1,7 @@
-#include "link/pic_receiver.h"
+#include "app/pic_receiver.h"
 
 #include "app/app_state.h"
-#include "link/pic_messages.h"
+#include "app/pic_messages.h"
 #include "link/send_queue.h"
 
 namespace veltra {
@@ -32,7 +32,7 @@ void OnBadChecksum(LinkReceiver& receiver) {
 }  // namespace
 
 void OnPicByte(uint8_t byte) {
-  LinkReceiver& receiver = GetAppState().receiver;
+  LinkReceiver& receiver = Link().receiver;
   switch (receiver.frames.OnByte(byte)) {
     case FrameReceiver::Outcome::kNothing:
       break;

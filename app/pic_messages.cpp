@@ -1,4 +1,4 @@
-#include "link/pic_messages.h"
+#include "app/pic_messages.h"
 
 #include <windows.h>
 
@@ -7,12 +7,12 @@
 
 #include "app/app_state.h"
 #include "board/expander.h"
-#include "app/copied_data.h"
 #include "link/identity_store.h"
 #include "link/infrared.h"
 #include "link/send_queue.h"
 #include "power/battery_details.h"
 #include "switches/switch_events.h"
+#include "system/copied_data.h"
 
 namespace veltra {
 namespace {
@@ -29,21 +29,21 @@ void OnBatteryState(std::string_view value) {
   int32_t capacity = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), capacity, 16);
   if (error != std::errc() || end != digits.data() + digits.size() || digits.front() == '-') return;
-  GetAppState().battery.SetCapacity(std::min(capacity, 100));
+  Power().battery.SetCapacity(std::min(capacity, 100));
 }
 
 void OnBatteryPresent(std::string_view value) {
-  GetAppState().battery.batteryPresent = IsOne(value);
+  Power().battery.batteryPresent = IsOne(value);
 }
 void OnAdapterPresent(std::string_view value) {
-  GetAppState().battery.adapterPresent = IsOne(value);
+  Power().battery.adapterPresent = IsOne(value);
 }
 void OnBatteryCharging(std::string_view value) {
-  GetAppState().battery.batteryCharging = IsOne(value);
+  Power().battery.batteryCharging = IsOne(value);
 }
 
 void StoreAndLog(const IdentityField& field, const WCHAR* tag, std::string_view value) {
-  if (StoreIdentity(field, value)) GetAppState().log.WriteDetail(tag, Widen(value));
+  if (StoreIdentity(field, value)) Log().WriteDetail(tag, Widen(value));
 }
 
 void OnFirmware(std::string_view value) {
@@ -118,27 +118,16 @@ bool Matches(std::string_view request, std::string_view literal) {
 }
 
 void OnOwnReply(std::string_view request, Bytes reply) {
-  AppState& state = GetAppState();
   if (Matches(request, "IRRecord")) return StoreInfraredRecording(reply);
-  if (Matches(request, "GotoBootloader")) return state.bootloader.OnEnterBootloader();
+  if (Matches(request, "GotoBootloader")) return Firmware().bootloader.OnEnterBootloader();
   for (const BatteryDetail& detail : kBatteryDetails)
-    if (Matches(request, detail.query)) return state.battery.SetDetail(detail.index, reply);
+    if (Matches(request, detail.query)) return Power().battery.SetDetail(detail.index, reply);
   if (Matches(request, "EnableGsm=1")) {
     SetPortB(kExpanderMobilePhone);
     return;
   }
   if (request.starts_with("Suspend=") || request.starts_with("LcdOff="))
-    state.log.Write(TEXT("Reply detected"), TEXT("Suspend= detected"));
-}
-
-// The request that an answer belongs to, taken out of the queue. A head that was never transmitted is not the
-// one that was answered, and stays.
-std::optional<PicRequest> TakeAnsweredRequest() {
-  PicQueue& queue = GetAppState().picQueue;
-  if (queue.empty() || !queue.front().transmitted) return std::nullopt;
-  PicRequest request = std::move(queue.front());
-  queue.pop_front();
-  return request;
+    Log().Write(TEXT("Reply detected"), TEXT("Suspend= detected"));
 }
 
 void OnReply(Bytes reply) {
@@ -146,14 +135,13 @@ void OnReply(Bytes reply) {
   if (!request) return;
   if (!reply.empty() && request->replyTarget) SendCopiedData(request->replyTarget, kReplyTag, reply);
   if (!reply.empty() && !request->replyTarget) OnOwnReply(request->Text(), reply);
-  const PicQueue& queue = GetAppState().picQueue;
-  if (!queue.empty() && !queue.front().transmitted) TransmitHead();
+  TransmitNewHead();
 }
 
 // ---- the other types --------------------------------------------------------------------------------------
 
 void OnLogLine(Bytes line) {
-  GetAppState().log.Write(TEXT("Pic Log"), Widen(TextOf(line)));
+  Log().Write(TEXT("Pic Log"), Widen(TextOf(line)));
 }
 
 // Answers of the bootloader take their request out of the queue and transmit nothing: the update sends its
@@ -162,11 +150,11 @@ void OnBootloaderData(Bytes data) {
   constexpr size_t kAddressedLength = 4;  // behind the type: one byte and a 24-bit address
   if (data.size() < kAddressedLength || !TakeAnsweredRequest()) return;
   const uint32_t wordAddress = data[1] + (uint32_t{data[2]} << 8) + (uint32_t{data[3]} << 16);
-  GetAppState().bootloader.OnResponse(2 * wordAddress, data.subspan(kAddressedLength));
+  Firmware().bootloader.OnResponse(2 * wordAddress, data.subspan(kAddressedLength));
 }
 
 void OnBootloaderAcknowledge(Bytes) {
-  if (TakeAnsweredRequest()) GetAppState().bootloader.OnResponse(0, {});
+  if (TakeAnsweredRequest()) Firmware().bootloader.OnResponse(0, {});
 }
 
 void OnTextMessage(Bytes content) {

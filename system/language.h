@@ -7,9 +7,6 @@
 
 namespace veltra {
 
-// Stores the language, applies it to the thread and saves the settings.
-void SetLanguage(LANGID language);
-
 // Sets the user-interface language of the calling thread.
 void ApplyUiLanguage(LANGID language);
 

@@ -1,11 +1,10 @@
-#include "app/language.h"
+#include "system/language.h"
 
 #include <array>
 
-#include "app/app_state.h"
-#include "app/settings_store.h"
-#include "app/windows_version.h"
 #include "base/handles.h"
+#include "system/system_state.h"
+#include "system/windows_version.h"
 
 namespace veltra {
 namespace {
@@ -41,12 +40,12 @@ WideView StringInBlock(WideView block, size_t index) {
 
 // In the order in which a resource is looked for.
 std::array<LANGID, 3> ResourceLanguages() {
-  const LANGID language = CompleteLanguage(GetAppState().CurrentLangID);
+  const LANGID language = CompleteLanguage(System().CurrentLangID);
   return {language, static_cast<LANGID>(MAKELANGID(PRIMARYLANGID(language), SUBLANG_NEUTRAL)), kEnglish};
 }
 
 Bytes FindResourceIn(LANGID language, const WCHAR* type, const WCHAR* name) {
-  const HMODULE module = GetAppState().hInstance;
+  const HMODULE module = System().hInstance;
   const HRSRC resource = FindResourceExW(module, type, name, language);
   if (!resource) return {};
   const auto* data = static_cast<const uint8_t*>(LockResource(LoadResource(module, resource)));
@@ -60,12 +59,6 @@ WideView FindStringIn(LANGID language, UINT id) {
 
 }  // namespace
 
-void SetLanguage(LANGID language) {
-  GetAppState().CurrentLangID = language;
-  ApplyUiLanguage(language);
-  SaveSettings();
-}
-
 void ApplyUiLanguage(LANGID language) {
   using SetThreadUiLanguage = LANGID(WINAPI*)(LANGID);
   const LANGID complete = CompleteLanguage(language);
@@ -78,9 +71,8 @@ void ApplyUiLanguage(LANGID language) {
 }
 
 WideText GetCurrentLanguageName() {
-  const AppState& state = GetAppState();
-  for (const LanguageEntry& entry : state.Languages)
-    if (entry.id == state.CurrentLangID) return entry.name;
+  for (const LanguageEntry& entry : System().Languages)
+    if (entry.id == System().CurrentLangID) return entry.name;
   return TEXT("english");
 }
 

@@ -1,4 +1,4 @@
-#include "switches/maker_applications.h"
+#include "system/maker_applications.h"
 
 namespace veltra {
 

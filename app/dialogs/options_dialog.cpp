@@ -1,22 +1,22 @@
-#include "switches/options_dialog.h"
+#include "app/dialogs/options_dialog.h"
 
 #include <windows.h>
 
 #include <commctrl.h>
 
 #include "app/app_state.h"
-#include "app/dialog_items.h"
-#include "app/language.h"
+#include "app/device_operations.h"
+#include "app/dialogs/dialog_items.h"
+#include "app/dialogs/options_lists.h"
+#include "app/dialogs/options_rows.h"
 #include "app/settings_store.h"
-#include "app/windows_version.h"
 #include "base/debug_output.h"
 #include "board/volume.h"
-#include "power/device_operations.h"
 #include "resources/resource_ids.h"
-#include "switches/options_lists.h"
-#include "switches/options_rows.h"
 #include "switches/switch_indicator.h"
 #include "switches/switch_outputs.h"
+#include "system/language.h"
+#include "system/windows_version.h"
 
 namespace veltra {
 namespace {
@@ -60,19 +60,19 @@ constexpr ItemLabel kLabels[] = {
 
 struct CheckBox {
   int id;
-  bool AppState::*setting;
+  bool PowerState::*setting;
 };
-constexpr CheckBox kUsbPower[] = {{IDO_DISABLE_USB_BACK, &AppState::DisableUSBBack},
-                                  {IDO_DISABLE_USB_BOTTOM, &AppState::DisableUSBBottom}};
+constexpr CheckBox kUsbPower[] = {{IDO_DISABLE_USB_BACK, &PowerState::DisableUSBBack},
+                                  {IDO_DISABLE_USB_BOTTOM, &PowerState::DisableUSBBottom}};
 
 struct Radio {
   int id;
-  bool AppState::*setting;
+  bool PowerState::*setting;
   void (*store)(bool on);  // and apply
 };
-constexpr Radio kRadios[] = {{IDO_WLAN, &AppState::EnableWLAN, SetWlanEnabled},
-                             {IDO_BLUETOOTH, &AppState::EnableBluetooth, SetBluetoothEnabled},
-                             {IDO_MOBILE_PHONE, &AppState::EnableMobilePhone, SetMobilePhoneEnabled}};
+constexpr Radio kRadios[] = {{IDO_WLAN, &PowerState::EnableWLAN, SetWlanEnabled},
+                             {IDO_BLUETOOTH, &PowerState::EnableBluetooth, SetBluetoothEnabled},
+                             {IDO_MOBILE_PHONE, &PowerState::EnableMobilePhone, SetMobilePhoneEnabled}};
 
 void EnableRadios(HWND dialog) {
   const bool flightMode = IsItemChecked(dialog, IDO_FLIGHT_MODE);
@@ -80,18 +80,16 @@ void EnableRadios(HWND dialog) {
 }
 
 void InitCheckBoxes(HWND dialog) {
-  const AppState& state = GetAppState();
-  for (const CheckBox& box : kUsbPower) CheckItem(dialog, box.id, state.*box.setting);
-  for (const Radio& radio : kRadios) CheckItem(dialog, radio.id, state.*radio.setting);
-  CheckItem(dialog, IDO_FLIGHT_MODE, state.EnableFlightMode);
+  for (const CheckBox& box : kUsbPower) CheckItem(dialog, box.id, Power().*box.setting);
+  for (const Radio& radio : kRadios) CheckItem(dialog, radio.id, Power().*radio.setting);
+  CheckItem(dialog, IDO_FLIGHT_MODE, Power().EnableFlightMode);
   EnableRadios(dialog);
 }
 
 void StoreCheckBoxes(HWND dialog) {
-  AppState& state = GetAppState();
-  for (const CheckBox& box : kUsbPower) state.*box.setting = IsItemChecked(dialog, box.id);
-  state.EnableFlightMode = IsItemChecked(dialog, IDO_FLIGHT_MODE);
-  if (state.EnableFlightMode) return EnterFlightMode();
+  for (const CheckBox& box : kUsbPower) Power().*box.setting = IsItemChecked(dialog, box.id);
+  Power().EnableFlightMode = IsItemChecked(dialog, IDO_FLIGHT_MODE);
+  if (Power().EnableFlightMode) return EnterFlightMode();
   for (const Radio& radio : kRadios) radio.store(IsItemChecked(dialog, radio.id));
 }
 
@@ -125,7 +123,7 @@ constexpr Slider kSliders[] = {
 void InitSliders(HWND dialog) {
   for (const Slider& slider : kSliders) {
     SendDlgItemMessageW(dialog, slider.id, TBM_SETRANGE, TRUE, MAKELPARAM(1, slider.highest));
-    SendDlgItemMessageW(dialog, slider.id, TBM_SETPOS, TRUE, slider.position(GetAppState().audio));
+    SendDlgItemMessageW(dialog, slider.id, TBM_SETPOS, TRUE, slider.position(Board().audio));
   }
 }
 
@@ -151,7 +149,7 @@ void Centre(HWND dialog) {
 }
 
 void OnInit(HWND dialog) {
-  GetAppState().switchIndicator.dialogWindow = dialog;
+  Switches().switchIndicator.dialogWindow = dialog;
   SetWindowPos(dialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
   Centre(dialog);
   InitCheckBoxes(dialog);
@@ -160,12 +158,12 @@ void OnInit(HWND dialog) {
   InitButtonRows(dialog);
   SetWindowTextW(dialog, LoadResString(IDS_OPTIONS).c_str());
   SetLabels(dialog, kLabels);
-  SetItemText(dialog, IDO_PIC_VERSION, Widen(GetAppState().identity.firmwareVersionText));
+  SetItemText(dialog, IDO_PIC_VERSION, Widen(Link().identity.firmwareVersionText));
   SetItemText(dialog, IDO_DEVICE_VERSION, GetOwnFileVersion());
 }
 
 void End(HWND dialog, INT_PTR result) {
-  GetAppState().switchIndicator.serviceCount = 0;
+  Switches().switchIndicator.serviceCount = 0;
   EndDialog(dialog, result);
 }
 
@@ -180,7 +178,7 @@ void OnOk(HWND dialog) {
 void OnPicVersionDoubleClick(HWND dialog) {
   if (!MayStartFirmwareUpdate()) return;
   End(dialog, kGivenUp);
-  PostMessageW(GetAppState().hMainWnd, kFirmwareFileRequest, 0, 0);
+  PostMessageW(MainWindow(), kFirmwareFileRequest, 0, 0);
 }
 
 // ---- messages ---------------------------------------------------------------------------------------------
@@ -248,8 +246,8 @@ void OpenOptionsDialog() {
   if (state->OptionsOpen) return;
   state->OptionsOpen = true;
   ReleaseHeldSwitches();
-  RunDialog(TEXT("KAVOOPTIONS"), OptionsProcedure, reinterpret_cast<LPARAM>(&state->switchIndicator));
-  state->switchIndicator.dialogWindow = nullptr;
+  RunDialog(TEXT("KAVOOPTIONS"), OptionsProcedure, reinterpret_cast<LPARAM>(&Switches().switchIndicator));
+  Switches().switchIndicator.dialogWindow = nullptr;
   state->OptionsOpen = false;
 }
 

@@ -1,4 +1,4 @@
-#include "power/power_off.h"
+#include "system/power_off.h"
 
 #include "base/handles.h"
 

@@ -1,8 +1,8 @@
-#include "app/copied_data.h"
+#include "system/copied_data.h"
 
 #include <vector>
 
-#include "app/app_state.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -26,7 +26,7 @@ struct AtWork {
 }  // namespace
 
 bool SendCopiedData(HWND receiver, ULONG_PTR tag, Bytes data) {
-  const HWND mainWindow = GetAppState().hMainWnd;
+  const HWND mainWindow = MainWindow();
   if (!IsWindow(receiver) || receiver == mainWindow || atWork == kMostAtATime) return false;
   const AtWork working;
   std::vector<uint8_t> copy(data.begin(), data.end());

@@ -1,11 +1,9 @@
-#include "power/device_operations.h"
+#include "app/device_operations.h"
 
 #include <string>
 
 #include "app/app_state.h"
-#include "app/language.h"
 #include "app/settings_store.h"
-#include "app/tray_icons.h"
 #include "board/amplifiers.h"
 #include "board/codec.h"
 #include "board/expander.h"
@@ -13,13 +11,15 @@
 #include "link/send_queue.h"
 #include "power/outside_tools.h"
 #include "resources/resource_ids.h"
+#include "system/language.h"
+#include "system/tray_icons.h"
 
 namespace veltra {
 namespace {
 
 // Whether a radio may be switched on; says so to the user when not.
 bool MayRadiate() {
-  if (!GetAppState().EnableFlightMode) return true;
+  if (!Power().EnableFlightMode) return true;
   ShowTrayBalloon(LoadResString(IDS_FLIGHT_MODE_BALLOON));
   return false;
 }
@@ -46,7 +46,7 @@ void SwitchBluetoothOff(int32_t) {
 }
 
 void SwitchSpeakers(bool on) {
-  GetAppState().audio.speakersOn = on;
+  Board().audio.speakersOn = on;
   SetSpeakerAmp(on);
 }
 
@@ -61,7 +61,7 @@ void SetAndSaveSpeakerVolume(int32_t volume) {
 
 void SwitchCallProfile(int32_t value) {
   constexpr int32_t kProfileOfCall = 4;
-  AudioSettings& audio = GetAppState().audio;
+  AudioSettings& audio = Board().audio;
   if (value == 1) {
     audio.savedProfile = audio.currentProfile;
     SetAudioProfile(kProfileOfCall);
@@ -91,7 +91,7 @@ constexpr OperationRow kOperations[] = {
     {kBluetoothOn, SwitchBluetoothOn},
     {kBluetoothOff, SwitchBluetoothOff},
     {kBrightness, SetBrightness},
-    {kSpeakersToggle, [](int32_t) { SwitchSpeakers(!GetAppState().audio.speakersOn); }},
+    {kSpeakersToggle, [](int32_t) { SwitchSpeakers(!Board().audio.speakersOn); }},
     {kCallProfile, SwitchCallProfile},
     {kAudioProfile, SetAudioProfile},
 };
@@ -104,7 +104,7 @@ void DeviceOperation(int32_t value, int32_t operation) {
 }
 
 void SetWlanEnabled(bool on) {
-  GetAppState().EnableWLAN = on;
+  Power().EnableWLAN = on;
   if (on)
     SetPortA(kExpanderWlan);
   else
@@ -112,12 +112,12 @@ void SetWlanEnabled(bool on) {
 }
 
 void SetBluetoothEnabled(bool on) {
-  GetAppState().EnableBluetooth = on;
+  Power().EnableBluetooth = on;
   DeviceOperation(0, on ? kBluetoothOn : kBluetoothOff);
 }
 
 void SetMobilePhoneEnabled(bool on) {
-  GetAppState().EnableMobilePhone = on;
+  Power().EnableMobilePhone = on;
   DeviceOperation(0, on ? kMobilePhoneOn : kMobilePhoneOff);
 }
 

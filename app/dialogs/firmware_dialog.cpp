@@ -1,4 +1,4 @@
-#include "firmware/firmware_dialog.h"
+#include "app/dialogs/firmware_dialog.h"
 
 #include <commctrl.h>
 #include <commdlg.h>
@@ -6,10 +6,10 @@
 #include <cstring>
 
 #include "app/app_state.h"
-#include "app/language.h"
 #include "base/debug_output.h"
-#include "power/power_off.h"
 #include "resources/resource_ids.h"
+#include "system/language.h"
+#include "system/power_off.h"
 
 namespace veltra {
 namespace {
@@ -51,7 +51,7 @@ void OnProgress(HWND dialog, BootProgress progress, int32_t detail) {
     case BootProgress::kError:
       return ShowEnd(dialog, FormatText(kFailureText, TEXT("error"), detail));
     case BootProgress::kStepAnswered:
-      if (GetAppState().bootloader.IsRunning()) ShowRunning(dialog);  // perhaps behind a time-out
+      if (Firmware().bootloader.IsRunning()) ShowRunning(dialog);  // perhaps behind a time-out
       SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_STEPIT, 0, 0);
   }
 }
@@ -75,19 +75,18 @@ INT_PTR Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
 }  // namespace
 
 void CreateFirmwareDialog() {
-  AppState& state = GetAppState();
   const Bytes resource = FindLocalResource(RT_DIALOG, IDD_FIRMWARE);
   if (resource.empty()) return;
-  state.hFirmwareDlg =
-      CreateDialogIndirectParamW(state.hInstance, reinterpret_cast<LPCDLGTEMPLATEW>(resource.data()),
-                                 state.hMainWnd, FirmwareDialogProc, 0);
+  Firmware().hFirmwareDlg =
+      CreateDialogIndirectParamW(System().hInstance, reinterpret_cast<LPCDLGTEMPLATEW>(resource.data()),
+                                 MainWindow(), FirmwareDialogProc, 0);
 }
 
 void ChooseFirmwareFile() {
   WCHAR path[520] = {};
   OPENFILENAMEW box = {};
   box.lStructSize = sizeof(box);
-  box.hwndOwner = GetAppState().hMainWnd;
+  box.hwndOwner = MainWindow();
   box.lpstrFilter = TEXT("Firmware update files\0*.hex\0");
   box.lpstrDefExt = TEXT("hex");
   box.lpstrFile = path;
@@ -98,16 +97,14 @@ void ChooseFirmwareFile() {
 }
 
 void StartFirmwareUpdate(const WideText& path) {
-  AppState& state = GetAppState();
-  state.log.WriteDetail(TEXT("copydata"), path);
-  if (state.bootloader.IsRunning())
-    return state.log.WriteError(kFirmwareLogTag, TEXT("refused, another one runs: ") + path);
-  const HWND dialog = state.hFirmwareDlg;
-  if (!dialog)
-    return state.log.WriteError(kFirmwareLogTag, TEXT("refused, its dialog is not there: ") + path);
+  Log().WriteDetail(TEXT("copydata"), path);
+  if (Firmware().bootloader.IsRunning())
+    return Log().WriteError(kFirmwareLogTag, TEXT("refused, another one runs: ") + path);
+  const HWND dialog = Firmware().hFirmwareDlg;
+  if (!dialog) return Log().WriteError(kFirmwareLogTag, TEXT("refused, its dialog is not there: ") + path);
   ShowOnTop(dialog);
   ShowRunning(dialog);
-  const std::optional<uint32_t> stepCount = state.bootloader.Start(path);
+  const std::optional<uint32_t> stepCount = Firmware().bootloader.Start(path);
   if (!stepCount) return ShowEnd(dialog, kNoStartText);
   SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, *stepCount));
   SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_SETSTEP, 1, 0);

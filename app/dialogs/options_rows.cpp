@@ -1,4 +1,4 @@
-#include "switches/options_rows.h"
+#include "app/dialogs/options_rows.h"
 
 #include <windows.h>
 
@@ -7,13 +7,13 @@
 #include <algorithm>
 
 #include "app/app_state.h"
-#include "app/dialog_items.h"
-#include "app/language.h"
+#include "app/dialogs/dialog_items.h"
 #include "resources/resource_ids.h"
 #include "switches/button_action.h"
 #include "switches/button_profile.h"
 #include "switches/function_tables.h"
 #include "switches/macro_plugin.h"
+#include "system/language.h"
 
 namespace veltra {
 namespace {
@@ -173,7 +173,7 @@ std::optional<WideText> ChooseFile(HWND dialog, const BrowsedKind& kind, const W
 void InitButtonRows(HWND dialog) {
   LoadProfile(CurrentProfilePath());
   for (int row = 0; row < kOptionsRows; ++row)
-    InitRow(dialog, row, GetAppState().buttonActions[static_cast<size_t>(row)]);
+    InitRow(dialog, row, Switches().buttonActions[static_cast<size_t>(row)]);
 }
 
 void OnActionTypeChange(HWND dialog, int row) {
@@ -195,7 +195,7 @@ void OnRowBrowse(HWND dialog, int row) {
 }
 
 void CollectButtonRows(HWND dialog) {
-  ButtonActions& actions = GetAppState().buttonActions;
+  ButtonActions& actions = Switches().buttonActions;
   for (int row = 0; row < kOptionsRows; ++row) {
     ButtonAction& action = actions[static_cast<size_t>(row)];
     action = ActionOf(dialog, row, action);

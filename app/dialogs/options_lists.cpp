@@ -1,12 +1,12 @@
-#include "switches/options_lists.h"
+#include "app/dialogs/options_lists.h"
 
 #include "app/app_state.h"
-#include "app/dialog_items.h"
-#include "app/language.h"
-#include "power/device_operations.h"
+#include "app/device_operations.h"
+#include "app/dialogs/dialog_items.h"
 #include "resources/resource_ids.h"
 #include "switches/function_tables.h"
 #include "switches/switch_outputs.h"
+#include "system/language.h"
 
 namespace veltra {
 namespace {
@@ -21,10 +21,10 @@ constexpr int32_t kMiddleClicksAndEscapes = 1;
 
 struct SwitchList {
   int id;
-  int32_t AppState::*command;
+  int32_t SwitchesState::*command;
 };
-constexpr SwitchList kSwitchLists[] = {{IDO_SWITCH_1, &AppState::Sw1CmdVal},
-                                       {IDO_SWITCH_2, &AppState::Sw2CmdVal}};
+constexpr SwitchList kSwitchLists[] = {{IDO_SWITCH_1, &SwitchesState::Sw1CmdVal},
+                                       {IDO_SWITCH_2, &SwitchesState::Sw2CmdVal}};
 
 void AddText(HWND dialog, int id, UINT text, int32_t value) {
   AddListEntry(dialog, id, LoadResString(text), value);
@@ -43,7 +43,7 @@ void FillSwitchList(HWND dialog, int id, const std::vector<FunctionEntry>& keys)
   AddText(dialog, id, IDS_SWITCH_NORMAL, kSwitchNormal);
   AddText(dialog, id, IDS_SWITCH_LEFT_CLICK, kSwitchLeftClick);
   AddText(dialog, id, IDS_SWITCH_RIGHT_CLICK, kSwitchRightClick);
-  if (GetAppState().VJoyAcquired) {
+  if (Switches().VJoyAcquired) {
     const WideText button = LoadResString(IDS_JOYSTICK_BUTTON);
     for (int32_t value = kSwitchFirstJoystickButton; value <= kSwitchLastJoystickButton; ++value)
       AddListEntry(dialog, id, FormatText(button, value - kSwitchFirstJoystickButton + 1), value);
@@ -52,41 +52,38 @@ void FillSwitchList(HWND dialog, int id, const std::vector<FunctionEntry>& keys)
 }
 
 void StoreSwitchCommands(HWND dialog) {
-  AppState& state = GetAppState();
   for (const SwitchList& list : kSwitchLists) {
     const std::optional<int32_t> command = SelectedListValue(dialog, list.id);
-    if (!command || *command == state.*list.command) continue;
+    if (!command || *command == Switches().*list.command) continue;
     ReleaseHeldSwitches();
-    state.*list.command = *command;
+    Switches().*list.command = *command;
   }
 }
 
 }  // namespace
 
 void InitSwitchLists(HWND dialog) {
-  const AppState& state = GetAppState();
   FillStartList(dialog);
-  if (!SelectListValue(dialog, IDO_SWITCH_1_STARTS, state.Sw1Start))
+  if (!SelectListValue(dialog, IDO_SWITCH_1_STARTS, Switches().Sw1Start))
     SelectListValue(dialog, IDO_SWITCH_1_STARTS, kStartNever);
 
   const std::vector<FunctionEntry> keys = LoadFunctionTable(kVirtualKeysTable);
   for (const SwitchList& list : kSwitchLists) {
     FillSwitchList(dialog, list.id, keys);
-    SelectListValue(dialog, list.id, state.*list.command);
+    SelectListValue(dialog, list.id, Switches().*list.command);
   }
 
   AddText(dialog, IDO_MIDDLE, IDS_MIDDLE_DISABLED, kMiddleDisabled);
   AddText(dialog, IDO_MIDDLE, IDS_MIDDLE_CLICK_AND_ESCAPE, kMiddleClicksAndEscapes);
-  SelectListValue(dialog, IDO_MIDDLE, state.AllowEscape ? kMiddleClicksAndEscapes : kMiddleDisabled);
+  SelectListValue(dialog, IDO_MIDDLE, Switches().AllowEscape ? kMiddleClicksAndEscapes : kMiddleDisabled);
 }
 
 void StoreSwitchLists(HWND dialog) {
-  AppState& state = GetAppState();
   if (const std::optional<int32_t> start = SelectedListValue(dialog, IDO_SWITCH_1_STARTS)) {
     DeviceOperation(*start, kStartWithSwitch);
-    state.Sw1Start = *start;
+    Switches().Sw1Start = *start;
   }
-  state.AllowEscape = SelectedListValue(dialog, IDO_MIDDLE) == kMiddleClicksAndEscapes;
+  Switches().AllowEscape = SelectedListValue(dialog, IDO_MIDDLE) == kMiddleClicksAndEscapes;
   StoreSwitchCommands(dialog);
 }
 
