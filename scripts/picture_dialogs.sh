@@ -47,7 +47,7 @@ picture() {
 show() {
   ask post VeltraInternal 273 "$3" 0
   picture "$1" "$2"
-  ask key "$2" 27
+  ask key 27
   await "$2 is closed" is_gone "$2"
 }
 
@@ -68,7 +68,7 @@ in_language() {
   show "power_meter_$1_$3" "$5" $meter_command
   show "battery_info_$1_$3" Sarvik5 $info_command
   echo "fault mute at 3" >&4
-  ask copy VeltraInternal $firmware_tag "$(utf16_hex "$hex_file")"
+  ask copy VeltraInternal "" $firmware_tag "$(utf16_hex "$hex_file")"
   picture "firmware_$1_$3" Firmware
   await "the update has failed" has_failed
   ask post VeltraInternal 16 0 0

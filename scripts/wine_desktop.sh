@@ -42,8 +42,8 @@ ask() {
     case "$line" in
       =*) answer=${line#=$'\t'}; return 0 ;;
       !*) echo "observer: $line" >&2; return 1 ;;
-      ready) ;;
-      *) events+="  ${line//$'\t'/ }"$'\n' ;;
+      ready*) ;;
+      *) events+="  ${line#*$'\t'}"$'\n' ;;
     esac
   done
   give_up "the observer answers"

@@ -10,6 +10,16 @@ namespace {
 constexpr std::string_view kFromController = "controller ->";
 constexpr std::string_view kFromTool = "tool ->";
 
+bool IsOfLine(const TimelineEntry& entry) {
+  return entry.who == kFromController || entry.who == kFromTool;
+}
+
+// Entries of one source are in order in every world.
+const std::string& SourceOf(const TimelineEntry& entry) {
+  static const std::string line = "line";
+  return IsOfLine(entry) ? line : entry.who;
+}
+
 bool Matches(const TimelineEntry& entry, std::string_view pattern, bool whole) {
   const std::string line = entry.Line();
   return whole ? line == pattern : line.find(pattern) != line.npos;
@@ -18,7 +28,7 @@ bool Matches(const TimelineEntry& entry, std::string_view pattern, bool whole) {
 }  // namespace
 
 std::string TimelineEntry::Line() const {
-  return who == kFromController || who == kFromTool ? who + " " + text : text;
+  return IsOfLine(*this) ? who + " " + text : text;
 }
 
 void Timeline::Follow(World& world) {
@@ -44,12 +54,12 @@ void Timeline::Add(TimelineEntry entry, bool print) {
 
 void Timeline::SkipToNow() {
   next_ = entries_.size();
-  for (auto& [who, next] : nextOf_) next = next_;
+  for (auto& [source, next] : nextOf_) next = next_;
 }
 
 // It stands before the last one that was expected, but may have come later.
 bool Timeline::IsLate(size_t entry) const {
-  const auto ofSource = nextOf_.find(entries_[entry].who);
+  const auto ofSource = nextOf_.find(SourceOf(entries_[entry]));
   const bool isNew = ofSource == nextOf_.end() || entry >= ofSource->second;
   return isNew && next_ > 0 && entries_[entry].at + disorder_ > entries_[next_ - 1].at;
 }
@@ -61,7 +71,7 @@ Problem Timeline::Expect(std::string_view pattern, bool whole, std::optional<Dur
     if (at && (entries_[i].at > *at + kRounding || entries_[i].at < *at - kRounding))
       return "\"" + entries_[i].Line() + "\" came at " + FormatSeconds(entries_[i].at) + " s, expected at " +
              FormatSeconds(*at) + " s";
-    nextOf_[entries_[i].who] = i + 1;
+    nextOf_[SourceOf(entries_[i])] = i + 1;
     next_ = std::max(next_, i + 1);
     return {};
   }

@@ -1,5 +1,5 @@
-// The tests of the Windows programs, seen from outside: windows_test --exe-dir DIRECTORY [GoogleTest
-// options]. Starts itself again beside a Windows of its own.
+// The tests of the Windows programs, seen from outside: windows_test --exe-dir DIRECTORY
+// [SCENARIOS] [GoogleTest options]. Starts itself again beside a Windows of its own.
 #include <gtest/gtest.h>
 
 #include <signal.h>
@@ -45,13 +45,14 @@ std::string InstallPrograms(const std::filesystem::path& built) {
 
 int main(int count, char** arguments) {
   if (count < 3 || std::strcmp(arguments[1], "--exe-dir") != 0) {
-    std::fprintf(stderr, "usage: windows_test --exe-dir DIRECTORY [GoogleTest options]\n");
+    std::fprintf(stderr, "usage: windows_test --exe-dir DIRECTORY [SCENARIOS] [GoogleTest options]\n");
     return 2;
   }
   if (!std::getenv("VELTRA_WINE_SESSION")) return RunInSession(arguments, arguments[2]);
   testing::InitGoogleTest(&count, arguments);
   windows_test::SetProgramDirectory(InstallPrograms(std::filesystem::absolute(arguments[2])));
   signal(SIGPIPE, SIG_IGN);  // a program that has ended is reported where it is written to
-  RegisterScenarios(std::getenv("VELTRA_SCENARIOS") ? std::getenv("VELTRA_SCENARIOS") : VELTRA_SCENARIOS, "windows", [] { return std::make_unique<windows_test::WineWorld>(); });
+  RegisterScenarios(count > 3 ? arguments[3] : VELTRA_SCENARIOS, "windows",
+                    [] { return std::make_unique<windows_test::WineWorld>(); });
   return RUN_ALL_TESTS();
 }

@@ -66,6 +66,7 @@ WineProcess::WineProcess(const std::string& program, const std::vector<std::stri
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, input.read.Get(), STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, output.write.Get(), STDOUT_FILENO);
+  posix_spawn_file_actions_addchdir_np(&actions, programDirectory.c_str());  // as a shortcut starts it
 
   std::vector<std::string> command = {"wine", ProgramPath(program)};
   command.insert(command.end(), arguments.begin(), arguments.end());

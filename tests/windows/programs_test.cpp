@@ -1,0 +1,128 @@
+// The programs among others of the desktop: two copies of the tool, the board under it, the macro plug-in,
+// toolprobe.
+#include <fstream>
+
+#include "tests/board/bus_text.h"
+#include "tests/windows/story.h"
+
+namespace windows_test {
+namespace {
+
+using ProgramsTest = StoryTest;
+
+TEST_F(ProgramsTest, ASecondStartShowsTheFirstAndLeaves) {
+  Start("set Sw1CmdVal -1\n");
+  WineProcess second("veltratool.exe", {"-s"});
+  EXPECT_EQ(second.ExitCode(), 6);
+  Play("check dialog Power meter\nsw1 press\nexpect exactly mouse left down\n");
+}
+
+TEST_F(ProgramsTest, NoPressOfABurstIsLost) {
+  constexpr int kPresses = 100;
+  Start("set Sw1CmdVal -1\n");
+  for (int n = 0; n < kPresses; ++n) {
+    world.Pic().Press(simulator::Button::kSwitch1);
+    world.Pic().Release(simulator::Button::kSwitch1);
+  }
+  for (int n = 0; n < kPresses; ++n) Play("expect exactly mouse left down\nexpect exactly mouse left up\n");
+  Play("expect no mouse\n");
+}
+
+TEST_F(ProgramsTest, ThePortMayComeAndGoManyTimesAsAnotherDeviceEachTime) {
+  constexpr int kTimes = 20;
+  Start();
+  const size_t threads = world.ToolThreadCount();
+  for (int n = 0; n < kTimes; ++n) {
+    world.Pic().Press(simulator::Button::kSwitch1);  // the port goes while bytes arrive
+    Play("port remove\nport arrive\nled 3\nexpect exactly tool -> SetStatusLed=3\n");
+  }
+  EXPECT_TRUE(world.WaitUntil([&] { return world.ToolThreadCount() == threads; }, kPatience))
+      << world.ToolThreadCount() << " threads, began with " << threads;
+}
+
+class BoardTest : public StoryTest {
+ protected:
+  // What the board was told since the last call.
+  veltra::BusLines NewTransfers() {
+    constexpr std::string_view kDevice = "i2c ";
+    std::ifstream file(ProgramPath("devices.log"));
+    veltra::BusLines lines;
+    for (std::string line; std::getline(file, line);)
+      if (line.starts_with(kDevice)) lines.push_back(line.substr(kDevice.size()));
+    lines.erase(lines.begin(), lines.begin() + static_cast<ptrdiff_t>(std::exchange(taken_, lines.size())));
+    return lines;
+  }
+
+ private:
+  size_t taken_ = 0;
+};
+
+TEST_F(BoardTest, TheBusFromStartToExit) {
+  const veltra::BusText text;
+  Start("fault empty 100\nset WakeupDelay 0\nset DisableUSBBack 1\nset DisableUSBBottom 1\n");
+  EXPECT_EQ(NewTransfers(), text.Of({"radios", "supply", "codec", "download", "gains 7", "amplifier",
+                                     "speakers 00 off", "amplifiers", "reset", "profile 1", "speakers 00 on",
+                                     "headphones on", "speakers 30 on"}));
+  Play("suspend\n");
+  EXPECT_EQ(NewTransfers(), text.Of({"usb off", "suspend", "reset", "suspended"}));
+  Play("resume\n");
+  EXPECT_EQ(NewTransfers(), text.Of({"usb on", "supply", "codec", "download", "gains 7", "amplifier",
+                                     "speakers 30 off", "amplifiers", "reset", "profile 1", "speakers 30 on",
+                                     "headphones on", "speakers 30 on"}));
+  Play("close\ncheck exit 0\nexpect exactly board uninitialize\n");
+  EXPECT_EQ(NewTransfers(), text.Of({"exit", "reset", "exited"}));
+}
+
+// ---- the macro plug-in
+// -----------------------------------------------------------------------------------
+
+TEST_F(ProgramsTest, AMacroIsTypedIntoTheTextField) {
+  Play(
+      "action fn1-short 0 nothing{Entr}\naction fn2-short 0 Hi {{Jan}}, caf\xE9{Left 2}{Shift+X}{Pause "
+      "100}{End}!\n");
+  Start();
+  world.Run({"field", "Letter"});
+  Play("tap fn1\ntap fn2\n");
+  const auto isTyped = [&] { return world.Run({"texts", "Letter"}) == "yes\tHi {Jan}, caXf\xC3\xA9!"; };
+  EXPECT_TRUE(world.WaitUntil(isTyped, kPatience)) << world.Run({"texts", "Letter"});
+}
+
+TEST_F(ProgramsTest, TheMacroEditorRefusesAMistakeAndShowsItsPlace) {
+  world.Run({"compose", "macm_English.dll", "ab{Entr}"});
+  Play(
+      "check dialog Cancel\npress OK\ncheck dialog Character 4: there is no key of this name.\npress Cancel\n"
+      "expect exactly composed nothing\n");
+  world.Run({"compose", "macm_Nederlands.dll", "  x{Links}\""});
+  Play("check dialog Annuleren\npress Invoegen\npress OK\nexpect composed\n");
+  EXPECT_NE(Told().find("composed { } x{Links}\"{Enter}"), std::string::npos) << Told();
+}
+
+// ---- toolprobe
+// ----------------------------------------------------------------------------------------------
+
+// What it prints, with plain line ends.
+std::string Probe(const std::vector<std::string>& arguments, int exitCode) {
+  WineProcess probe("toolprobe.exe", arguments);
+  std::string text = probe.ReadAll();
+  EXPECT_EQ(probe.ExitCode(), exitCode);
+  std::erase(text, '\r');
+  return text;
+}
+
+TEST_F(ProgramsTest, TheProbePrintsWhatTheToolKnows) {
+  EXPECT_EQ(Probe({}, 1), "");
+  EXPECT_EQ(Probe({"nonsense"}, 2), "");
+  EXPECT_TRUE(Probe({"--help"}, 0).starts_with("usage: toolprobe"));
+  Start("set SpeakerVol 70\n");
+  Play("battery 64\nlog seen\ncheck log seen\n");
+  const std::string text = Probe({}, 0);
+  for (const char* line :
+       {"capacity        64 %\n", "speaker volume  70\n", "firmware        95 or later\n",
+        "codec           ready\n", "  DevSn              SV5-0012345\n", "  BoardName          QX7-i\n",
+        "  MemType            DDR3\n", "  Cycles             37\n"})
+    EXPECT_NE(text.find(line), std::string::npos) << line << " in " << text;
+  EXPECT_TRUE(Probe({"--xml", "report"}, 0).starts_with("<Report Version=\"1\">\n<Item C=\"HW\""));
+}
+
+}  // namespace
+}  // namespace windows_test

@@ -351,11 +351,18 @@ Problem WineWorld::CloseDialog() {
 
 Problem WineWorld::PickFile(std::string_view path) {
   constexpr int kFileName = 1148;
+  constexpr int kOk = 1;
+  constexpr int kCancel = 2;
   const std::optional<DialogLook> front = FrontDialog();
   if (!front || front->title != "Open") return "no box asks for a file";
   if (!path.empty()) Type(kFileName, path);
-  Press(path.empty() ? 2 : 1);
-  return {};
+  Press(path.empty() ? kCancel : kOk);
+  const auto isGone = [&] {
+    const std::optional<DialogLook> now = FrontDialog();
+    return !now || now->title != front->title;
+  };
+  // It may still have been on its way when the name was typed.
+  return WaitUntil(isGone, std::chrono::seconds(1)) ? Problem() : "the box that asks for a file stays open";
 }
 
 Problem WineWorld::UseTrayIcon(simulator::TrayIcon icon, simulator::MouseAction action) {

@@ -1,0 +1,35 @@
+// A test that tells what no story alone can: it plays lines of a story and looks beside them.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+#include "simulator/console.h"
+#include "tests/windows/wine_world.h"
+
+namespace windows_test {
+
+class StoryTest : public testing::Test {
+ protected:
+  void Play(const std::string& lines) {
+    std::istringstream script(lines);
+    if (const Problem problem = console_.RunScript(script, "story")) Fail(*problem + "\n" + told_.str());
+  }
+  // The tool with these settings, when it has done everything that it does at its start.
+  void Start(const std::string& settings = {}) {
+    Play(settings + "set StartupDelay 0\nstart -s\nsettle\nmark\n");
+  }
+
+  // The story so far.
+  [[nodiscard]] std::string Told() const { return told_.str(); }
+
+  WineWorld world;
+
+ private:
+  std::ostringstream told_;
+  simulator::Console console_{world, told_};
+};
+
+}  // namespace windows_test
