@@ -10,8 +10,10 @@ constexpr std::string_view kFromController = "controller ->";
 constexpr std::string_view kFromTool = "tool ->";
 constexpr std::string_view kCommand = ">";
 
+// Quotes do not count: the words of a command have lost theirs.
 bool Matches(const TimelineEntry& entry, std::string_view pattern, bool whole) {
-  const std::string line = entry.Line();
+  std::string line = entry.Line();
+  std::erase(line, '"');
   return whole ? line == pattern : line.find(pattern) != line.npos;
 }
 
