@@ -1,11 +1,10 @@
 #include "app/app_state.h"
 
+#include "base/called_by_windows.h"
 #include "switches/switch_outputs.h"
 
 namespace veltra {
 namespace {
-
-std::weak_ptr<AppState> last;  // the one in use, or one that ended and is still held
 
 template <class... Records>
 void PutInUse(Records*... records) {
@@ -16,20 +15,16 @@ void PutInUse(Records*... records) {
 
 AppState::AppState() {
   link.whenLineIsGone = ForgetHeldSwitches;
-  PutInUse(&system, &switches, &link, &power, &board, &firmware);
-}
-
-AppState::~AppState() {
-  PutInUse<SystemState, SwitchesState, LinkState, PowerState, BoardState, FirmwareState>(
-      nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
 AppState& GetAppState() {
-  if (const std::shared_ptr<AppState> held = last.lock()) return *held;
-  const std::shared_ptr<AppState> state = std::make_shared<AppState>();
-  stateInUse = state;
-  last = state;
-  return *state;
+  if (!HasAppState()) {
+    const auto state = std::make_shared<AppState>();
+    PutInUse(state.get(), &state->system, &state->switches, &state->link, &state->power, &state->board,
+             &state->firmware);
+    stateInUse = state;
+  }
+  return App();
 }
 
 bool HasAppState() {
@@ -37,11 +32,9 @@ bool HasAppState() {
 }
 
 void DestroyAppState() {
+  PutInUse<AppState, SystemState, SwitchesState, LinkState, PowerState, BoardState, FirmwareState>(
+      nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
   stateInUse.reset();
-}
-
-std::shared_ptr<AppState> KeepAppState() {
-  return std::static_pointer_cast<AppState>(stateInUse);
 }
 
 }  // namespace veltra

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "board/board_state.h"
 #include "firmware/firmware_state.h"
@@ -16,7 +15,6 @@ namespace veltra {
 
 struct AppState {
   AppState();
-  ~AppState();
   AppState(const AppState&) = delete;
   AppState& operator=(const AppState&) = delete;
 
@@ -37,9 +35,12 @@ struct AppState {
 AppState& GetAppState();
 [[nodiscard]] bool HasAppState();
 
-// Ends the state; the next GetAppState() would create a new one. Code that is still at work with it up the
-// stack goes on with the old one, when it holds it by KeepAppState().
+// For who is at work with it, as the rooms' accessors: never a new one.
+inline AppState& App() {
+  return RecordOf<AppState>();
+}
+
+// Ends the state. Nobody reaches it any more; its memory goes when the handlers up the stack have come back.
 void DestroyAppState();
-[[nodiscard]] std::shared_ptr<AppState> KeepAppState();
 
 }  // namespace veltra

@@ -9,6 +9,7 @@
 #include "app/main_window.h"
 #include "app/settings_store.h"
 #include "app/startup.h"
+#include "base/called_by_windows.h"
 #include "base/command_line.h"
 #include "base/debug_output.h"
 #include "base/handles.h"
@@ -71,7 +72,7 @@ int RunMessageLoop() {
 
 // A negative delay would be an endless one.
 void WaitBeforeStart() {
-  const int32_t delay = GetAppState().StartupDelay;
+  const int32_t delay = App().StartupDelay;
   if (delay > 0) Sleep(static_cast<DWORD>(delay));
 }
 
@@ -81,10 +82,7 @@ void PostFirstDialog(const CommandLine& options) {
   PostMessageW(MainWindow(), WM_COMMAND, options.openOptions ? IDC_OPTIONS : IDC_OPEN_POWER_METER, 0);
 }
 
-// The session may end meanwhile, while Windows delivers a message or a box is open: who brings up holds the
-// state.
 void BringUp(const CommandLine& options) {
-  const std::shared_ptr<AppState> state = KeepAppState();
   CreateMainWindow();
   LoadSettings();
   AddTrayIcons(MainWindow());
@@ -92,7 +90,6 @@ void BringUp(const CommandLine& options) {
   LoadMacroLibrary();
   WaitBeforeStart();
   RunStartupSequence(false);
-  if (!HasAppState()) return;
   PostFirstDialog(options);
   CreateFirmwareDialog();
 }
@@ -115,7 +112,10 @@ int RunTool(HINSTANCE instance) {
   }
 
   CheckPowerFlags();
-  BringUp(options);
+  CalledByWindows(TEXT("entry"), 0, 0, [&] {
+    BringUp(options);
+    return 0;
+  });
   const int exitCode = RunMessageLoop();
 
   if (HasAppState()) {  // else the session has ended, and the shut-down has run

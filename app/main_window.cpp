@@ -15,7 +15,7 @@
 #include "app/settings_store.h"
 #include "app/startup.h"
 #include "app/tray_menu.h"
-#include "base/debug_output.h"
+#include "base/called_by_windows.h"
 #include "board/codec.h"
 #include "link/identity_updates.h"
 #include "link/infrared.h"
@@ -320,22 +320,21 @@ constexpr MessageRow kMessageRows[] = {
 };
 
 Result Handle(const WindowMessage& m) {
-  const std::shared_ptr<AppState> state = KeepAppState();  // a session may end inside a handler that waits
-  if (state && TaskbarCreatedMessage != 0 && m.message == TaskbarCreatedMessage) return OnTaskbarCreated(m);
+  const bool hasState = HasAppState();
+  if (hasState && TaskbarCreatedMessage != 0 && m.message == TaskbarCreatedMessage)
+    return OnTaskbarCreated(m);
   for (const MessageRow& row : kMessageRows)
-    if (row.message == m.message && (state || !row.needsState)) return row.handle(m);
+    if (row.message == m.message && (hasState || !row.needsState)) return row.handle(m);
   return {};
 }
 
 }  // namespace
 
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  try {
-    if (const Result result = Handle({window, message, wParam, lParam})) return *result;
-  } catch (...) {
-    Trace(TEXT("message %X ended by an exception"), message);
-  }
-  return DefWindowProcW(window, message, wParam, lParam);
+  const Result result = CalledByWindows(TEXT("main window"), message, Result(), [&] {
+    return Handle({window, message, wParam, lParam});
+  });
+  return result ? *result : DefWindowProcW(window, message, wParam, lParam);
 }
 
 }  // namespace veltra

@@ -26,7 +26,7 @@ void OnSuspend() {
 }
 
 void OnResume() {
-  const int32_t delay = GetAppState().WakeupDelay;
+  const int32_t delay = App().WakeupDelay;
   Log().WriteDetail(TEXT("Resume"), TEXT("Device resuming"));
   if (!std::exchange(System().Suspended, false)) return;
   if (delay > 0)

@@ -49,8 +49,8 @@ constexpr Setting kUserSettings[] = {
     {TEXT("Sw2CmdVal"), true, []() -> Field { return &Switches().Sw2CmdVal; }},
     {TEXT("TB4RevSw"), false, []() -> Field { return &Switches().TB4RevSw; }},
     {TEXT("LexoraRevSw"), false, []() -> Field { return &Switches().LexoraRevSw; }},
-    {TEXT("WakeupDelay"), true, []() -> Field { return &GetAppState().WakeupDelay; }},
-    {TEXT("StartupDelay"), true, []() -> Field { return &GetAppState().StartupDelay; }},
+    {TEXT("WakeupDelay"), true, []() -> Field { return &App().WakeupDelay; }},
+    {TEXT("StartupDelay"), true, []() -> Field { return &App().StartupDelay; }},
     {TEXT("AllowEscape"), true, []() -> Field { return &Switches().AllowEscape; }},
     {TEXT("CurrentLangID"), true, []() -> Field { return &System().CurrentLangID; }},
 };

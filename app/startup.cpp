@@ -4,6 +4,8 @@
 
 #include <objbase.h>
 
+#include <utility>
+
 #include "app/app_state.h"
 #include "app/device_operations.h"
 #include "board/codec.h"
@@ -59,7 +61,6 @@ void SwitchRadiosOn() {
 
 void Start() {
   StartBoardLibrary();
-  if (!HasAppState()) return;  // the session has ended behind its box
   Log().WriteDetail(TEXT("Startup"), TEXT("Application starting"));
   StartPicComm();
   for (const char* query : kStartupQueries) SendText(query);
@@ -91,14 +92,12 @@ void PowerUpBoard() {
 }  // namespace
 
 void RunStartupSequence(bool resume) {
-  if (!HasAppState()) return;
   if (resume)
     Resume();
   else
     Start();
-  if (!HasAppState()) return;
   PowerUpBoard();
-  if (HasAppState()) StartBatteryTimer();
+  StartBatteryTimer();
 }
 
 // The port is not stopped here but left to the end of the process: its monitor thread may hang in a driver,
@@ -107,7 +106,7 @@ void RunShutdownSequence() {
   ReleaseHeldSwitches();
   UnloadMacroLibrary();
   CodecPowerDown();
-  const BoardLibrary board = std::move(Board().library);
+  const BoardLibrary board = std::exchange(Board().library, {});
   DestroyAppState();
   StopBoardLibrary(board);
   CoUninitialize();

@@ -3,29 +3,22 @@
 #pragma once
 
 #include <exception>
-#include <memory>
 
 namespace veltra {
 
-// Whoever holds it keeps the records, the session may end meanwhile.
-inline std::shared_ptr<void> stateInUse;
-
+// Null when no state is in use: before the start and after the end.
 template <class Record>
 inline Record* recordInUse = nullptr;
 
-// Nobody has a state any more: the session has ended.
+// The session has ended meanwhile: thrown at who is still at work with the state, caught where Windows called
+// the tool.
 struct StateEnded : std::exception {
   [[nodiscard]] const char* what() const noexcept override { return "the state has ended"; }
 };
 
 template <class Record>
-[[nodiscard]] bool HasRecord() {
-  return recordInUse<Record> != nullptr;
-}
-
-template <class Record>
 Record& RecordOf() {
-  if (!HasRecord<Record>()) throw StateEnded();
+  if (!recordInUse<Record>) throw StateEnded();
   return *recordInUse<Record>;
 }
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/debug_output.h"
+#include "base/called_by_windows.h"
 #include "firmware/firmware_state.h"
 #include "firmware/read_hex_file.h"
 #include "link/send_queue.h"
@@ -22,12 +22,11 @@ void DropUnanswered() {
   TransmitNewHead();
 }
 
-void CALLBACK OnStepTimer(HWND, UINT, UINT_PTR, DWORD) {
-  try {
-    if (const std::shared_ptr<void> held = stateInUse) Firmware().bootloader.OnTimeout();
-  } catch (...) {
-    Trace(TEXT("step timer ended by an exception"));
-  }
+void CALLBACK OnStepTimer(HWND, UINT message, UINT_PTR, DWORD) {
+  CalledByWindows(TEXT("step timer"), message, 0, [] {
+    Firmware().bootloader.OnTimeout();
+    return 0;
+  });
 }
 
 // A request of somebody else at the head is never answered by a bootloader.

@@ -23,16 +23,18 @@ void ForwardInfraredCancel(HWND asker, Bytes request) {
 
 void StoreInfraredRecording(Bytes code) {
   constexpr size_t kShownBytes = 20;
-  Link().irCode.assign(code.begin(), code.end());
+  LinkState& link = Link();
+  link.irCode.assign(code.begin(), code.end());
+  const WideText path = DataFolder() + TEXT("ir.txt");
   const WideText shown = Widen(TextOf(code.first(std::min(code.size(), kShownBytes))));
   MessageBoxW(MainWindow(), FormatText(TEXT("IRRecord received (%s)"), shown).c_str(), TEXT("IRRecord"),
               MB_OK);
 
-  const UniqueFile file(CreateFileW((DataFolder() + TEXT("ir.txt")).c_str(), GENERIC_WRITE, 0, nullptr,
-                                    CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+  const UniqueFile file(
+      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return;
   DWORD written = 0;
-  WriteFile(file.Get(), Link().irCode.data(), static_cast<DWORD>(Link().irCode.size()), &written, nullptr);
+  WriteFile(file.Get(), link.irCode.data(), static_cast<DWORD>(link.irCode.size()), &written, nullptr);
 }
 
 }  // namespace veltra

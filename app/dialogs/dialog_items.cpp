@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include "app/app_state.h"
+#include "base/called_by_windows.h"
 #include "system/language.h"
 
 namespace veltra {
@@ -15,6 +16,18 @@ INT_PTR RunDialog(const WCHAR* name, DLGPROC procedure, LPARAM parameter) {
   if (resource.empty()) return kNotShown;
   return DialogBoxIndirectParamW(System().hInstance, reinterpret_cast<LPCDLGTEMPLATEW>(resource.data()),
                                  MainWindow(), procedure, parameter);
+}
+
+INT_PTR HandleDialogMessage(const WCHAR* who, std::span<const DialogRow> rows, HWND dialog, UINT message,
+                            WPARAM wParam, LPARAM lParam) {
+  if (!HasAppState()) return FALSE;  // the session has ended
+  for (const DialogRow& row : rows)
+    if (row.message == message)
+      return CalledByWindows(who, message, INT_PTR{FALSE}, [&] {
+        row.handle(dialog, wParam, lParam);
+        return INT_PTR{TRUE};
+      });
+  return FALSE;
 }
 
 void SetLabels(HWND dialog, std::span<const ItemLabel> labels) {

@@ -14,6 +14,14 @@ namespace veltra {
 // when it could not be shown.
 INT_PTR RunDialog(const WCHAR* name, DLGPROC procedure, LPARAM parameter);
 
+struct DialogRow {
+  UINT message;
+  void (*handle)(HWND dialog, WPARAM wParam, LPARAM lParam);
+};
+// Runs the row of the message. Returns whether there is one, as Windows asks of a dialog procedure.
+INT_PTR HandleDialogMessage(const WCHAR* who, std::span<const DialogRow> rows, HWND dialog, UINT message,
+                            WPARAM wParam, LPARAM lParam);
+
 struct ItemLabel {
   int id;
   UINT text;  // number of a string

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "app/app_state.h"
-#include "base/debug_output.h"
+#include "app/dialogs/dialog_items.h"
 #include "resources/resource_ids.h"
 #include "system/language.h"
 #include "system/power_off.h"
@@ -42,8 +42,9 @@ void ShowOnTop(HWND dialog) {
   SetWindowPos(dialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
 }
 
-void OnProgress(HWND dialog, BootProgress progress, int32_t detail) {
-  switch (progress) {
+void OnProgress(HWND dialog, WPARAM progress, LPARAM lParam) {
+  const auto detail = static_cast<int32_t>(lParam);
+  switch (static_cast<BootProgress>(progress)) {
     case BootProgress::kFinished:
       return ShowEnd(dialog, kSuccessText);
     case BootProgress::kTimeout:
@@ -56,20 +57,20 @@ void OnProgress(HWND dialog, BootProgress progress, int32_t detail) {
   }
 }
 
-void OnOk(HWND dialog) {
+void OnCommand(HWND dialog, WPARAM wParam, LPARAM) {
+  if (LOWORD(wParam) != IDOK) return;
   ShowWindow(dialog, SW_HIDE);
   if (!EnableShutdownPrivilege()) return;
   ExitWindowsEx(EWX_SHUTDOWN | EWX_POWEROFF | EWX_FORCEIFHUNG, SHTDN_REASON_FLAG_PLANNED);
 }
 
-INT_PTR Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_FIRMWARE_PROGRESS) {
-    OnProgress(dialog, static_cast<BootProgress>(wParam), static_cast<int32_t>(lParam));
-    return TRUE;
-  }
-  if (message != WM_COMMAND) return FALSE;
-  if (LOWORD(wParam) == IDOK) OnOk(dialog);
-  return TRUE;
+constexpr DialogRow kDialogRows[] = {
+    {WM_FIRMWARE_PROGRESS, OnProgress},
+    {WM_COMMAND, OnCommand},
+};
+
+INT_PTR CALLBACK FirmwareProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  return HandleDialogMessage(TEXT("firmware dialog"), kDialogRows, dialog, message, wParam, lParam);
 }
 
 }  // namespace
@@ -79,7 +80,7 @@ void CreateFirmwareDialog() {
   if (resource.empty()) return;
   Firmware().hFirmwareDlg =
       CreateDialogIndirectParamW(System().hInstance, reinterpret_cast<LPCDLGTEMPLATEW>(resource.data()),
-                                 MainWindow(), FirmwareDialogProc, 0);
+                                 MainWindow(), FirmwareProcedure, 0);
 }
 
 void ChooseFirmwareFile() {
@@ -92,8 +93,7 @@ void ChooseFirmwareFile() {
   box.lpstrFile = path;
   box.nMaxFile = static_cast<DWORD>(std::size(path));
   box.Flags = OFN_EXPLORER | OFN_PATHMUSTEXIST;
-  const bool chosen = GetOpenFileNameW(&box);
-  if (chosen && HasAppState()) StartFirmwareUpdate(WideText(path));  // the session may have ended meanwhile
+  if (GetOpenFileNameW(&box)) StartFirmwareUpdate(WideText(path));
 }
 
 void StartFirmwareUpdate(const WideText& path) {
@@ -114,15 +114,6 @@ void StartFirmwareUpdate(Bytes copiedPath) {
   WideText path(copiedPath.size() / sizeof(WCHAR), 0);  // the bytes may lie at an odd address
   if (!path.empty()) std::memcpy(path.data(), copiedPath.data(), path.size() * sizeof(WCHAR));
   StartFirmwareUpdate(path.substr(0, path.find(WideChar{0})));
-}
-
-INT_PTR CALLBACK FirmwareDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  try {
-    return Handle(dialog, message, wParam, lParam);
-  } catch (...) {
-    Trace(TEXT("firmware dialog: message %X ended by an exception"), message);
-    return FALSE;
-  }
 }
 
 }  // namespace veltra

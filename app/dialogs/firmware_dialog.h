@@ -19,6 +19,4 @@ void StartFirmwareUpdate(const WideText& path);
 // The path as another program hands it over: UTF-16 with a terminator.
 void StartFirmwareUpdate(Bytes copiedPath);
 
-INT_PTR CALLBACK FirmwareDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-
 }  // namespace veltra

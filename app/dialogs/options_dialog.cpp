@@ -10,7 +10,6 @@
 #include "app/dialogs/options_lists.h"
 #include "app/dialogs/options_rows.h"
 #include "app/settings_store.h"
-#include "base/debug_output.h"
 #include "board/volume.h"
 #include "resources/resource_ids.h"
 #include "switches/switch_indicator.h"
@@ -127,7 +126,9 @@ void InitSliders(HWND dialog) {
   }
 }
 
-void OnScroll(HWND dialog, WORD code, HWND trackbar) {
+void OnScroll(HWND dialog, WPARAM wParam, LPARAM lParam) {
+  const WORD code = LOWORD(wParam);
+  const HWND trackbar = reinterpret_cast<HWND>(lParam);
   if (code != TB_THUMBTRACK && code != TB_ENDTRACK) return;
   for (const Slider& slider : kSliders)
     if (GetDlgItem(dialog, slider.id) == trackbar) slider.apply(GetSliderPosition(dialog, slider.id));
@@ -148,7 +149,7 @@ void Centre(HWND dialog) {
   SetWindowPos(dialog, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
 }
 
-void OnInit(HWND dialog) {
+void OnInit(HWND dialog, WPARAM, LPARAM) {
   Switches().switchIndicator.dialogWindow = dialog;
   SetWindowPos(dialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
   Centre(dialog);
@@ -199,56 +200,37 @@ constexpr CommandRow kCommandRows[] = {
     {IDO_ROW_BROWSE_0, kOptionsRows, BN_CLICKED, OnRowBrowse},
 };
 
-void OnCommand(HWND dialog, WORD id, WORD code) {
+void OnCommand(HWND dialog, WPARAM wParam, LPARAM) {
+  const WORD id = LOWORD(wParam);
+  const WORD code = HIWORD(wParam);
   if (code == BN_CLICKED) OnButton(id);
   for (const CommandRow& row : kCommandRows)
     if (code == row.code && id >= row.first && id < row.first + row.count)
       return row.handle(dialog, id - row.first);
 }
 
-// Returns whether the message was handled.
-bool Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (!HasAppState()) return false;  // the session has ended
-  switch (message) {
-    case WM_INITDIALOG:
-      OnInit(dialog);
-      return true;
-    case WM_PAINT:
-      PaintSwitchIndicator(dialog);
-      return true;
-    case WM_HSCROLL:
-      OnScroll(dialog, LOWORD(wParam), reinterpret_cast<HWND>(lParam));
-      return true;
-    case WM_COMMAND:
-      OnCommand(dialog, LOWORD(wParam), HIWORD(wParam));
-      return true;
-    case WM_CLOSE:
-      EndDialog(dialog, kClosed);
-      return true;
-    default:
-      return false;
-  }
-}
+constexpr DialogRow kDialogRows[] = {
+    {WM_INITDIALOG, OnInit},
+    {WM_PAINT, [](HWND dialog, WPARAM, LPARAM) { PaintSwitchIndicator(dialog); }},
+    {WM_HSCROLL, OnScroll},
+    {WM_COMMAND, OnCommand},
+    {WM_CLOSE, [](HWND dialog, WPARAM, LPARAM) { EndDialog(dialog, kClosed); }},
+};
 
 INT_PTR CALLBACK OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  try {
-    return Handle(dialog, message, wParam, lParam) ? TRUE : FALSE;
-  } catch (...) {
-    Trace(TEXT("options dialog: message %X ended by an exception"), message);
-    return FALSE;
-  }
+  return HandleDialogMessage(TEXT("options dialog"), kDialogRows, dialog, message, wParam, lParam);
 }
 
 }  // namespace
 
 void OpenOptionsDialog() {
-  const std::shared_ptr<AppState> state = KeepAppState();
-  if (state->OptionsOpen) return;
-  state->OptionsOpen = true;
+  AppState& app = App();
+  if (app.OptionsOpen) return;
+  app.OptionsOpen = true;
   ReleaseHeldSwitches();
   RunDialog(TEXT("KAVOOPTIONS"), OptionsProcedure, reinterpret_cast<LPARAM>(&Switches().switchIndicator));
   Switches().switchIndicator.dialogWindow = nullptr;
-  state->OptionsOpen = false;
+  app.OptionsOpen = false;
 }
 
 }  // namespace veltra

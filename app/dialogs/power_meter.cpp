@@ -9,7 +9,6 @@
 #include "app/app_state.h"
 #include "app/dialogs/dialog_items.h"
 #include "app/settings_store.h"
-#include "base/debug_output.h"
 #include "link/send_queue.h"
 #include "resources/resource_ids.h"
 #include "system/language.h"
@@ -127,7 +126,7 @@ void Refresh(HWND dialog, Shown& shown) {
 
 // ---- messages ---------------------------------------------------------------------------------------------
 
-void OnInit(HWND dialog, LPARAM shown) {
+void OnInit(HWND dialog, WPARAM, LPARAM shown) {
   SetWindowLongPtrW(dialog, DWLP_USER, shown);
   for (const Alarm& alarm : kAlarms) InitAlarm(dialog, alarm);
   SetWindowTextW(dialog, LoadResString(IDS_POWER_METER).c_str());
@@ -135,13 +134,16 @@ void OnInit(HWND dialog, LPARAM shown) {
   SendMessageW(dialog, WM_TIMER, kRefreshTimer, 0);
 }
 
-void OnTimer(HWND dialog) {
+void OnTimer(HWND dialog, WPARAM, LPARAM) {
   KillTimer(dialog, kRefreshTimer);
   Refresh(dialog, *reinterpret_cast<Shown*>(GetWindowLongPtrW(dialog, DWLP_USER)));
   SetTimer(dialog, kRefreshTimer, kRefreshMs, nullptr);
 }
 
-void OnScroll(HWND dialog, WORD code, WORD position, HWND trackbar) {
+void OnScroll(HWND dialog, WPARAM wParam, LPARAM lParam) {
+  const WORD code = LOWORD(wParam);
+  const WORD position = HIWORD(wParam);
+  const HWND trackbar = reinterpret_cast<HWND>(lParam);
   const Alarm& alarm = kAlarms[trackbar == GetDlgItem(dialog, kAlarms[0].level) ? 0 : 1];
   if (code == TB_ENDTRACK)
     SetItemText(dialog, alarm.value, Percent(GetSliderPosition(dialog, alarm.level)));
@@ -149,9 +151,9 @@ void OnScroll(HWND dialog, WORD code, WORD position, HWND trackbar) {
     SetItemText(dialog, alarm.value, Percent(position));
 }
 
-void Close(HWND dialog, INT_PTR result) {
+void OnClose(HWND dialog, WPARAM, LPARAM) {
   KillTimer(dialog, kRefreshTimer);
-  EndDialog(dialog, result);
+  EndDialog(dialog, kClosed);
 }
 
 void OnOk(HWND dialog) {
@@ -163,55 +165,32 @@ void OnOk(HWND dialog) {
   EndDialog(dialog, kConfirmed);
 }
 
-void OnCommand(HWND dialog, WORD id) {
+void OnCommand(HWND dialog, WPARAM wParam, LPARAM) {
+  const WORD id = LOWORD(wParam);
   if (id == IDOK) return OnOk(dialog);
   if (id == IDCANCEL) return static_cast<void>(SendMessageW(dialog, WM_CLOSE, 0, 0));
   for (const Alarm& alarm : kAlarms)
     if (alarm.check == id) EnableItem(dialog, alarm.level, IsItemChecked(dialog, alarm.check));
 }
 
-// Returns whether the message was handled.
-bool Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (!HasAppState()) return false;  // the session has ended
-  switch (message) {
-    case WM_INITDIALOG:
-      OnInit(dialog, lParam);
-      return true;
-    case WM_TIMER:
-      OnTimer(dialog);
-      return true;
-    case WM_HSCROLL:
-      OnScroll(dialog, LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam));
-      return true;
-    case WM_COMMAND:
-      OnCommand(dialog, LOWORD(wParam));
-      return true;
-    case WM_CLOSE:
-      Close(dialog, kClosed);
-      return true;
-    default:
-      return false;
-  }
-}
+constexpr DialogRow kDialogRows[] = {
+    {WM_INITDIALOG, OnInit}, {WM_TIMER, OnTimer}, {WM_HSCROLL, OnScroll},
+    {WM_COMMAND, OnCommand}, {WM_CLOSE, OnClose},
+};
 
 INT_PTR CALLBACK PowerMeterProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  try {
-    return Handle(dialog, message, wParam, lParam) ? TRUE : FALSE;
-  } catch (...) {
-    Trace(TEXT("power meter: message %X ended by an exception"), message);
-    return FALSE;
-  }
+  return HandleDialogMessage(TEXT("power meter"), kDialogRows, dialog, message, wParam, lParam);
 }
 
 }  // namespace
 
 void OpenPowerMeter() {
-  const std::shared_ptr<AppState> state = KeepAppState();
-  if (state->PowerMeterOpen) return;
-  state->PowerMeterOpen = true;
+  AppState& app = App();
+  if (app.PowerMeterOpen) return;
+  app.PowerMeterOpen = true;
   Shown shown;
   RunDialog(TEXT("BATTERYBOX"), PowerMeterProcedure, reinterpret_cast<LPARAM>(&shown));
-  state->PowerMeterOpen = false;
+  app.PowerMeterOpen = false;
 }
 
 }  // namespace veltra
