@@ -143,11 +143,11 @@ TEST_F(MainWindow, OldWindowsAndOtherDevicesAreOnlyTraced) {
   Start();
   const size_t before = tablet.Mark();
   tablet.NotifyPort(false, u"COM2");
-  EXPECT_EQ(Did({"debug"}), (Texts{"debug OnDeviceChange 00008004\\r\\n", "debug Removal of type 3\\r\\n"}));
+  EXPECT_EQ(Did({"debug"}), (Texts{"debug OnDeviceChange 00008004", "debug Removal of type 3"}));
   tablet.NotifyPort(true, u"COM2");
-  EXPECT_EQ(Did({"debug"}), (Texts{"debug OnDeviceChange 00008000\\r\\n", "debug Arrival of type 3\\r\\n"}));
+  EXPECT_EQ(Did({"debug"}), (Texts{"debug OnDeviceChange 00008000", "debug Arrival of type 3"}));
   EXPECT_EQ(tablet.Ask(WM_DEVICECHANGE, 7), 1);
-  EXPECT_EQ(Did({"debug"}), Texts{"debug OnDeviceChange 00000007\\r\\n"});
+  EXPECT_EQ(Did({"debug"}), Texts{"debug OnDeviceChange 00000007"});
   EXPECT_TRUE(pal::Select<pal::SerialClosed>(tablet.Since(before)).empty());
   EXPECT_EQ(tablet.Ask(WM_DEVICECHANGE, 0x8000, 0), 1);  // no description at all
 }

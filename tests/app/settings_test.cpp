@@ -91,16 +91,13 @@ TEST_F(Settings, LanguagesAreCompletedForTheThreadAndStoredAsTheyWere) {
                                                {19, 0x0413}, {0x0409, 0x0409}, {0x10013, 0x0413}};
   for (const auto& [stored, applied] : languages) {
     SetUserValue(u"CurrentLangID", stored);
-    mark = tablet.Mark();
-    tablet.Start(u"-?");
-    tablet.Advance(1s);
-    const auto set = New<pal::LanguageSet>();
+    const size_t before = tablet.Mark();
+    Start();
+    const auto set = pal::Select<pal::LanguageSet>(tablet.Since(before));
     ASSERT_EQ(set.size(), 1U) << stored;
     EXPECT_EQ(set[0].language, applied);
     EXPECT_EQ(UserValue(u"CurrentLangID"), static_cast<uint32_t>(stored & 0xFFFF));
-    ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
-    machine.AnswerMessageBox(IDOK);
-    tablet.Advance(1s);
+    ASSERT_TRUE(tablet.Quit());
   }
 }
 

@@ -34,7 +34,8 @@ class ButtonActions : public ToolTest {
       Release(n % 2 == 0 ? Button::kTop : Button::kBottom);
       Texts did = Did();
       std::erase_if(did, [](const std::string& text) {
-        return text == "awake" || text.starts_with("notify") || text.starts_with("timer");
+        return text == "awake" || text.starts_with("notify") || text.starts_with("tray") ||
+               text.starts_with("timer");
       });
       EXPECT_EQ(Joined(did), std::string(n < 2 ? "" : "beep; ") + "sound stopped" + rows[n].did)
           << rows[n].type << " " << rows[n].value << " " << rows[n].text;
@@ -73,13 +74,15 @@ TEST_F(ButtonActions, DoWhatTheProfileSays) {
   for (size_t n = 0; n < std::size(rows); n += 4) Try(std::span(rows).subspan(n, 4));
   const std::vector<pal::Effect> effects = tablet.Since(0);
   for (const auto& sound : pal::Select<pal::SoundPlayed>(effects))
-    if (!sound.file.empty()) EXPECT_EQ(sound.flags, 0x20001U);
+    if (!sound.file.empty()) {
+      EXPECT_EQ(sound.flags, 0x20001U);
+    }
   const auto run = pal::Select<pal::ProgramExecuted>(effects);
   ASSERT_EQ(run.size(), 2U);
   EXPECT_EQ(run[0].directory, u"");
   EXPECT_EQ(run[1].directory, u"C:\\Tools\\Speech");
   EXPECT_EQ(run[1].file, u"C:\\Tools\\Speech\\talk.exe");
-  EXPECT_EQ(run[1].verb.append(run[1].parameters), u"");
+  EXPECT_EQ(run[1].verb + run[1].parameters, u"");
   EXPECT_EQ(run[1].show, SW_SHOWNORMAL);
 }
 
