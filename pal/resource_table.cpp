@@ -28,8 +28,9 @@ ResourceName ReadName(ByteReader& reader) {
   return {reader.Text(), 0};
 }
 
-// Each resource has a header of its own; the file begins with one of nothing, so that nobody takes it for a
-// file of 16-bit Windows.
+// The file begins with the header of no resource, so that nobody takes it for one of 16-bit Windows.
+constexpr DWORD kEmptyHeader = 32;
+
 ResourceKey ReadHeader(ByteReader& reader, DWORD& dataSize) {
   const size_t begin = reader.Position();
   dataSize = reader.Dword();
@@ -43,7 +44,7 @@ ResourceKey ReadHeader(ByteReader& reader, DWORD& dataSize) {
   key.language = reader.Word();
   reader.Dword();  // version of the resource
   reader.Dword();  // for whoever wrote it
-  if (reader.Position() - begin != headerSize) Die("no resource file, or a damaged one");
+  if (reader.Position() - begin != headerSize) Die("a resource has another header than its file says");
   return key;
 }
 
@@ -52,9 +53,10 @@ ResourceKey ReadHeader(ByteReader& reader, DWORD& dataSize) {
 void ResourceTable::Load(std::span<const uint8_t> file) {
   entries_.clear();
   ByteReader reader(file);
-  DWORD size = 0;
-  if (ReadHeader(reader, size) != ResourceKey() || size != 0) Die("no resource file, or a damaged one");
+  if (reader.Dword() != 0 || reader.Dword() != kEmptyHeader) Die("no resource file");
+  reader.Bytes(kEmptyHeader - reader.Position());
   while (!reader.AtEnd()) {
+    DWORD size = 0;
     ResourceKey key = ReadHeader(reader, size);
     const auto data = reader.Bytes(size);
     reader.AlignTo4();

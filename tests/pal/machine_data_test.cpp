@@ -253,10 +253,10 @@ TEST(MachineResources, ADamagedFileIsTheEnd) {
   };
   const Row rows[] = {
       {"", "a resource ends too early"},
-      {"STRINGTABLE { 1 \"a script, which nobody compiled\" }", "no resource file, or a damaged one"},
+      {"STRINGTABLE { 1 \"a script, which nobody compiled\" }", "no resource file"},
       {whole.substr(0, 50), "a resource ends too early"},                // in a header
       {whole.substr(0, whole.size() - 8), "a resource ends too early"},  // in the data
-      {otherHeader, "no resource file, or a damaged one"},
+      {otherHeader, "a resource has another header"},
   };
   const std::filesystem::path file = std::filesystem::temp_directory_path() / "pal-damaged.res";
   for (const Row& row : rows) {
