@@ -30,6 +30,7 @@ veltra_room(system BELOW base SOURCES
   system/folders.cpp
   system/injected_input.cpp
   system/language.cpp
+  system/library_binding.cpp
   system/maker_applications.cpp
   system/power_off.cpp
   system/sounds.cpp
