@@ -1,6 +1,7 @@
 // Menus: built from a template, changed, and asked what they have become.
 #include <algorithm>
 
+#include "pal/data_state.h"
 #include "pal/state.h"
 
 using namespace pal;
@@ -28,7 +29,7 @@ Menus::Place FindItem(const Call& call, HMENU menu, UINT item, UINT flags) {
 HMENU WINAPI LoadMenuIndirectW(LPCVOID menuTemplate) {
   const Call call("LoadMenuIndirectW");
   if (call.Fails()) return nullptr;
-  return call->menus.Load(menuTemplate);
+  return call->menus.Load(call->data->resources.At(menuTemplate));
 }
 
 BOOL WINAPI DestroyMenu(HMENU menu) {

@@ -16,8 +16,9 @@ std::string_view Argument(Words words, size_t index) {
 // -----------------------------------------------------------------------------------------------
 
 Problem RunWorlds(Console& console, Words words) {
-  if (std::ranges::find(words.subspan(1), console.TheWorld().Name()) != words.end()) return {};
-  return "this story is not played in the world " + std::string(console.TheWorld().Name());
+  if (words.size() < 2) return ExpectedArguments("NAME...");
+  if (std::ranges::find(words.subspan(1), console.TheWorld().Name()) == words.end()) console.End();
+  return {};
 }
 
 Problem RunWait(Console& console, Words words) {
@@ -342,14 +343,16 @@ constexpr ConsoleCommand kCommands[] = {
     {"ask-firmware", "", "an application asks whether the firmware is new enough", true, RunAskFirmware},
     {"ask-report", "[SELECTION]", "an application asks for the device report: 0 all, 1 the battery", true,
      RunAskReport},
-    {"expect", "[no] [exactly] TEXT", "a line that holds TEXT, or is TEXT, must have come", false, RunExpect},
+    {"expect", "[no] [exactly] TEXT|next LINE|nothing",
+     "a line that holds TEXT, or is TEXT, must have come; what came next; nothing more that a person notices",
+     false, RunExpect},
     {"at", "TIME expect TEXT", "and at that time; +TIME counts from the last command", false, RunAt},
     {"check", "[no] WHAT ...",
      "registry NAME NUMBER, log TEXT, file NAME TEXT, box|dialog [TEXT], control NAME STATE, exit CODE, "
      "line, "
      "flash",
      false, RunCheck},
-    {"worlds", "NAME...", "where this story is played: tablet, windows", false, RunWorlds},
+    {"worlds", "NAME...", "where the story is played from here on: tablet, windows", false, RunWorlds},
     {"mark", "", "expectations look from here on", false, RunMark},
     {"show", "log", "print the tool's log file", false, RunShow},
     {"bytes", "on|off", "show the bytes of every frame", false, RunBytes},

@@ -18,7 +18,11 @@ BOOL WINAPI InitCommonControlsEx(const INITCOMMONCONTROLSEX* controls);
 // ---- trackbars ----------------------------------------------------------------------------------------------
 
 #define TRACKBAR_CLASSW TEXT("msctls_trackbar32")
-#define TBS_VERT 0x0002u
+#define TBS_HORZ 0x0000
+#define TBS_AUTOTICKS 0x0001
+#define TBS_VERT 0x0002
+#define TBS_BOTH 0x0008
+#define TBS_NOTICKS 0x0010
 #define TBM_GETPOS (WM_USER)
 #define TBM_GETRANGEMIN (WM_USER + 1)
 #define TBM_GETRANGEMAX (WM_USER + 2)

@@ -37,7 +37,7 @@ TEST_F(ConsoleTest, WrongLinesChangeNothing) {
       "board start-error|port|port explode|send-data|send-data 0 x from Nobody|request|led|"
       "led bright|suspend|close|quit|at 1s|at soon expect x|expect|check|check weather|show|"
       "bytes|timeline some|registry a b|press|press OK|slide 1 fast|key|tray|tray power|"
-      "tray power double-click Options|tray tool menu|only|only moon wait 1s|worlds windows|"
+      "tray power double-click Options|tray tool menu|only|only moon wait 1s|worlds|"
       "check control|check control OK shown|");
   for (std::string line; std::getline(lines, line, '|');) EXPECT_TRUE(console.RunLine(line)) << line;
   EXPECT_EQ(world.Tablet().Mark(), 0U);

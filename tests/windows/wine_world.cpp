@@ -166,6 +166,14 @@ std::string WineWorld::Run(const Words& words) {
   return answer;
 }
 
+// What a program does to Windows itself cannot be seen from beside it.
+bool WineWorld::Sees(std::string_view line) const {
+  constexpr std::string_view kUnseen[] = {"awake", "stays awake", "may sleep", "session ", "beep",   "sound ",
+                                          "run ",  "macro ",      "timer ",    "registry ", "file ",  "debug ",
+                                          "menu ", "chosen ",     "box ",      "answer ",   "dialog ", "foreground "};
+  return std::ranges::none_of(kUnseen, [&](std::string_view word) { return line.starts_with(word); });
+}
+
 // ---- the tool
 // ------------------------------------------------------------------------------------------
 

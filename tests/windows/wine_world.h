@@ -37,6 +37,8 @@ class WineWorld : public simulator::World {
   void Settle() override;
   [[nodiscard]] Duration Tolerance() const override { return std::chrono::seconds(10); }
 
+  [[nodiscard]] bool Sees(std::string_view line) const override;
+
   void Start(std::string_view arguments) override;
   [[nodiscard]] std::optional<int> ExitCode() override;
   [[nodiscard]] bool HasMainWindow() override;
