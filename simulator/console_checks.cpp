@@ -65,9 +65,16 @@ constexpr CheckRow kChecks[] = {
 };
 
 // Where time is real, so many things happen on their own that only the order counts.
+// Quotes do not count.
+std::string Pattern(Words words) {
+  std::string pattern = JoinWords(words);
+  std::erase(pattern, '"');
+  return pattern;
+}
+
 Problem ExpectNext(Console& console, Words words) {
   const bool isExact = console.TheWorld().Tolerance() == Duration(0);
-  const std::string line = JoinWords(words);
+  const std::string line = Pattern(words);
   if (!isExact && (words.empty() || !console.TheWorld().Sees(line))) return {};
   if (!isExact) return Eventually(console, [&] { return console.TheTimeline().Expect(line, true, {}); });
   return console.TheTimeline().ExpectNext(words.empty() ? std::nullopt : std::optional(line));
@@ -79,7 +86,7 @@ Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
   const bool whole = !words.empty() && words[0] == "exactly";
   if (whole) words = words.subspan(1);
   if (words.empty()) return ExpectedArguments("[no] [exactly] TEXT");
-  const std::string pattern = JoinWords(words);
+  const std::string pattern = Pattern(words);
   if (none) {
     CatchUp(console);
     return console.TheTimeline().ExpectNone(pattern, whole);

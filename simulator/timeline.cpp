@@ -21,7 +21,7 @@ const std::string& SourceOf(const TimelineEntry& entry) {
   return IsOfLine(entry) ? line : entry.who;
 }
 
-// Quotes do not count: the words of a command have lost theirs.
+// The pattern comes without quotes.
 bool Matches(const TimelineEntry& entry, std::string_view pattern, bool whole) {
   std::string line = entry.Line();
   std::erase(line, '"');

@@ -29,7 +29,8 @@ class Timeline {
   // Prints nothing at all.
   void Silence() { silent_ = true; }
 
-  // Entries of different sources, the line or one `who`, have no exact order: one may stand up to that long behind its place.
+  // Entries of different sources, the line or one `who`, have no exact order: one may stand up to that long
+  // behind its place.
   void AllowDisorder(Duration most) { disorder_ = most; }
 
   // Expectations look at what came after the last entry that one was met by. `pattern` is a part of a line,

@@ -12,8 +12,8 @@
 set -u
 
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/veltra-wine.XXXXXX")
-export HOME=$scratch                                  # Wine makes links into it and writes below it
 export WINEPREFIX=${VELTRA_WINE_PREFIX:-$scratch/prefix}
+export HOME=$WINEPREFIX-home                          # Wine makes links into it and writes below it
 export WINEARCH=win64
 export LC_ALL=C.UTF-8                                 # Windows in English
 export WINEDEBUG=${WINEDEBUG:--all}
@@ -23,6 +23,7 @@ export VELTRA_DEVICE_LOG=${VELTRA_DEVICE_LOG:-'C:\devices\calls.log'}  # what th
 screen=${VELTRA_SCREEN:-1024x768}
 display=
 command=
+mkdir -p "$HOME"
 
 clean_up() {
   wineserver -k 2>/dev/null && wineserver -w
