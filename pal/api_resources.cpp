@@ -56,13 +56,6 @@ const ResourceTable::Entry* FindVersion(const Call& call, LPCWSTR fileName) {
 
 }  // namespace
 
-HRSRC WINAPI FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type) {
-  const Call call("FindResourceW");
-  if (call.Fails()) return nullptr;
-  CheckModule(module);
-  return Find(call, type, name, MAKELANGID(LANG_NEUTRAL, SUBLANG_NEUTRAL));
-}
-
 HRSRC WINAPI FindResourceExW(HMODULE module, LPCWSTR type, LPCWSTR name, WORD language) {
   const Call call("FindResourceExW");
   if (call.Fails()) return nullptr;

@@ -6,7 +6,6 @@
 #define MAKELANGID(primary, sub) \
   (static_cast<WORD>((static_cast<WORD>(sub) << 10) | static_cast<WORD>(primary)))
 #define PRIMARYLANGID(language) (static_cast<WORD>(static_cast<WORD>(language) & 0x3FF))
-#define SUBLANGID(language) (static_cast<WORD>(static_cast<WORD>(language) >> 10))
 #define MAKELCID(language, sort)                                            \
   (static_cast<DWORD>((static_cast<DWORD>(static_cast<WORD>(sort)) << 16) | \
                       static_cast<DWORD>(static_cast<WORD>(language))))
@@ -43,7 +42,6 @@ int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH text, int text
 int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH text, int textLength, LPWSTR result,
                                int resultSize);
 
-LCID WINAPI GetThreadLocale();
 BOOL WINAPI SetThreadLocale(LCID locale);
 LANGID WINAPI SetThreadUILanguage(LANGID language);
 LANGID WINAPI GetUserDefaultLangID();

@@ -4,7 +4,6 @@
 #include "windef.h"
 
 #define VS_VERSION_INFO 1
-#define VS_FFI_SIGNATURE 0xFEEF04BDu
 
 struct VS_FIXEDFILEINFO {
   DWORD dwSignature;

@@ -85,7 +85,7 @@ TEST(Resources, WhatIsMissingIsToldApart) {
   EXPECT_EQ(GetLastError(), DWORD{ERROR_RESOURCE_LANG_NOT_FOUND});
   EXPECT_EQ(FindResourceExW(nullptr, RT_STRING, MAKEINTRESOURCEW(999), kBritish), nullptr);
   EXPECT_EQ(GetLastError(), DWORD{ERROR_RESOURCE_NAME_NOT_FOUND});
-  EXPECT_EQ(FindResourceW(nullptr, block, TEXT("NOTYPE")), nullptr);
+  EXPECT_EQ(FindResourceExW(nullptr, TEXT("NOTYPE"), block, kNeutral), nullptr);
   EXPECT_EQ(GetLastError(), DWORD{ERROR_RESOURCE_TYPE_NOT_FOUND});
 }
 
@@ -109,7 +109,7 @@ TEST(Resources, NamesAndNumbers) {
   EXPECT_EQ(Content(RT_RCDATA, MAKEINTRESOURCEW(CONTRACT_DATA)), bytes);
   EXPECT_EQ(Content(TEXT("#10"), TEXT("#171")), bytes);
   EXPECT_EQ(Content(TEXT("OwnType"), TEXT("nameddata")), bytes);
-  EXPECT_NE(FindResourceW(nullptr, TEXT("NAMEDDATA"), TEXT("OWNTYPE")), nullptr);
+  EXPECT_NE(FindResourceExW(nullptr, TEXT("OWNTYPE"), TEXT("NAMEDDATA"), kNeutral), nullptr);
 }
 
 TEST(Resources, MenusAreTemplates) {
@@ -209,7 +209,7 @@ TEST_F(VersionInformation, TextsAndNumbers) {
   const auto* fixed = static_cast<const VS_FIXEDFILEINFO*>(Query(TEXT("\\"), length));
   ASSERT_NE(fixed, nullptr);
   ASSERT_EQ(length, sizeof(VS_FIXEDFILEINFO));
-  EXPECT_EQ(fixed->dwSignature, VS_FFI_SIGNATURE);
+  EXPECT_EQ(fixed->dwSignature, 0xFEEF04BDU);
   EXPECT_EQ(fixed->dwFileVersionMS, 0x00010002U);
   EXPECT_EQ(fixed->dwFileVersionLS, 0x00030004U);
   EXPECT_EQ(fixed->dwProductVersionMS, 0x00050006U);

@@ -11,7 +11,7 @@
 namespace contract {
 
 inline LPCDLGTEMPLATEW ControlsTemplate() {
-  const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(CONTRACT_CONTROLS), RT_DIALOG);
+  const HRSRC resource = FindResourceExW(nullptr, RT_DIALOG, MAKEINTRESOURCEW(CONTRACT_CONTROLS), 0);
   return static_cast<LPCDLGTEMPLATEW>(LockResource(LoadResource(nullptr, resource)));
 }
 
