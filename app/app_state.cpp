@@ -1,38 +1,40 @@
 #include "app/app_state.h"
 
-#include "app/folders.h"
+#include "base/called_by_windows.h"
+#include "switches/switch_outputs.h"
 
 namespace veltra {
 namespace {
 
-std::shared_ptr<AppState> current;
-std::weak_ptr<AppState> last;  // the current one, or one that ended and is still held
+template <class... Records>
+void PutInUse(Records*... records) {
+  ((recordInUse<Records> = records), ...);
+}
 
 }  // namespace
 
-AppState::AppState() : dataFolder(GetDataFolder()), log(dataFolder) {
-  SwitchInputMessage = RegisterWindowMessageW(TEXT("Veltra_SwitchInput"));
-  Languages = {{TEXT("English"), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK)},
-               {TEXT("Nederlands"), MAKELANGID(LANG_DUTCH, SUBLANG_DUTCH)}};
+AppState::AppState() {
+  link.whenLineIsGone = ForgetHeldSwitches;
 }
 
 AppState& GetAppState() {
-  if (const std::shared_ptr<AppState> held = last.lock()) return *held;
-  current = std::make_shared<AppState>();
-  last = current;
-  return *current;
+  if (!HasAppState()) {
+    const auto state = std::make_shared<AppState>();
+    PutInUse(state.get(), &state->system, &state->switches, &state->link, &state->power, &state->board,
+             &state->firmware);
+    stateInUse = state;
+  }
+  return App();
 }
 
 bool HasAppState() {
-  return current != nullptr;
+  return stateInUse != nullptr;
 }
 
 void DestroyAppState() {
-  current.reset();
-}
-
-std::shared_ptr<AppState> KeepAppState() {
-  return current;
+  PutInUse<AppState, SystemState, SwitchesState, LinkState, PowerState, BoardState, FirmwareState>(
+      nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+  stateInUse.reset();
 }
 
 }  // namespace veltra

@@ -5,20 +5,21 @@
 #include <objbase.h>
 
 #include "app/app_state.h"
-#include "app/command_line.h"
+#include "app/dialogs/firmware_dialog.h"
 #include "app/main_window.h"
 #include "app/settings_store.h"
 #include "app/startup.h"
-#include "app/tray_icons.h"
+#include "base/called_by_windows.h"
+#include "base/command_line.h"
 #include "base/debug_output.h"
 #include "base/handles.h"
-#include "firmware/firmware_dialog.h"
 #include "power/outside_tools.h"
 #include "resources/resource_ids.h"
 #include "switches/button_profile.h"
 #include "switches/joystick.h"
 #include "switches/macro_plugin.h"
 #include "switches/switch_outputs.h"
+#include "system/tray_icons.h"
 
 namespace veltra {
 namespace {
@@ -47,13 +48,13 @@ void RegisterMainWindowClass(HINSTANCE instance) {
 
 HWND CreateHiddenWindow(const WCHAR* windowClass) {
   return CreateWindowExW(WS_EX_APPWINDOW, windowClass, kMainWindowClass, WS_OVERLAPPEDWINDOW, 0, 0, 0, 0,
-                         nullptr, nullptr, GetAppState().hInstance, nullptr);
+                         nullptr, nullptr, System().hInstance, nullptr);
 }
 
 // When its class could not be registered the window borrows one of Windows: other programs do not find it
 // then, but the switches work.
 void CreateMainWindow() {
-  HWND& window = GetAppState().hMainWnd;
+  HWND& window = System().hMainWnd;
   window = CreateHiddenWindow(kMainWindowClass);
   if (window) return;
   window = CreateHiddenWindow(TEXT("STATIC"));
@@ -71,29 +72,24 @@ int RunMessageLoop() {
 
 // A negative delay would be an endless one.
 void WaitBeforeStart() {
-  const int32_t delay = GetAppState().StartupDelay;
+  const int32_t delay = App().StartupDelay;
   if (delay > 0) Sleep(static_cast<DWORD>(delay));
 }
 
 // It opens when the message loop runs.
 void PostFirstDialog(const CommandLine& options) {
   if (options.silent) return;
-  PostMessageW(GetAppState().hMainWnd, WM_COMMAND, options.openOptions ? IDC_OPTIONS : IDC_OPEN_POWER_METER,
-               0);
+  PostMessageW(MainWindow(), WM_COMMAND, options.openOptions ? IDC_OPTIONS : IDC_OPEN_POWER_METER, 0);
 }
 
-// The session may end meanwhile, while Windows delivers a message or a box is open: who brings up holds the
-// state.
 void BringUp(const CommandLine& options) {
-  const std::shared_ptr<AppState> state = KeepAppState();
   CreateMainWindow();
   LoadSettings();
-  AddTrayIcons(state->hMainWnd);
+  AddTrayIcons(MainWindow());
   LoadProfile(CurrentProfilePath());
   LoadMacroLibrary();
   WaitBeforeStart();
   RunStartupSequence(false);
-  if (!HasAppState()) return;
   PostFirstDialog(options);
   CreateFirmwareDialog();
 }
@@ -101,7 +97,7 @@ void BringUp(const CommandLine& options) {
 int RunTool(HINSTANCE instance) {
   CoInitialize(nullptr);
   Trace(TEXT("Veltra Device tool started"));
-  GetAppState().hInstance = instance;
+  GetAppState().system.hInstance = instance;
   StartVirtualJoystick();
   RegisterMainWindowClass(instance);
   InitCommonControls();
@@ -116,7 +112,10 @@ int RunTool(HINSTANCE instance) {
   }
 
   CheckPowerFlags();
-  BringUp(options);
+  CalledByWindows(TEXT("entry"), 0, 0, [&] {
+    BringUp(options);
+    return 0;
+  });
   const int exitCode = RunMessageLoop();
 
   if (HasAppState()) {  // else the session has ended, and the shut-down has run

@@ -6,32 +6,33 @@
 #include <optional>
 
 #include "app/app_state.h"
-#include "app/folders.h"
-#include "app/language.h"
+#include "app/device_operations.h"
+#include "app/dialogs/firmware_dialog.h"
+#include "app/dialogs/options_dialog.h"
+#include "app/dialogs/power_meter.h"
+#include "app/pic_receiver.h"
 #include "app/power_events.h"
+#include "app/settings_store.h"
 #include "app/startup.h"
-#include "app/tray_icons.h"
 #include "app/tray_menu.h"
-#include "app/windows_version.h"
-#include "base/debug_output.h"
+#include "base/called_by_windows.h"
 #include "board/codec.h"
-#include "firmware/firmware_dialog.h"
 #include "link/identity_updates.h"
 #include "link/infrared.h"
 #include "link/pic_comm.h"
-#include "link/pic_receiver.h"
 #include "link/send_queue.h"
 #include "link/serial_input.h"
 #include "power/battery_alarms.h"
 #include "power/battery_details.h"
-#include "power/device_operations.h"
 #include "power/flight_mode_notice.h"
-#include "power/power_meter.h"
 #include "report/device_report.h"
 #include "resources/resource_ids.h"
 #include "switches/macro_plugin.h"
-#include "switches/options_dialog.h"
 #include "switches/switch_events.h"
+#include "system/folders.h"
+#include "system/language.h"
+#include "system/tray_icons.h"
+#include "system/windows_version.h"
 
 namespace veltra {
 namespace {
@@ -83,7 +84,7 @@ Result OnDestroy(const WindowMessage&) {
 // A controller without its firmware should not be left alone; the reason that is shown meanwhile was given
 // before.
 Result OnQueryEndSession(const WindowMessage&) {
-  if (GetAppState().bootloader.IsRunning()) return FALSE;
+  if (Firmware().bootloader.IsRunning()) return FALSE;
   return {};
 }
 
@@ -154,7 +155,7 @@ void ShowBatteryDetails(HWND window) {
 }
 
 void ChooseLanguage(size_t index) {
-  const auto& languages = GetAppState().Languages;
+  const auto& languages = System().Languages;
   if (index >= languages.size()) return;
   SetLanguage(languages[index].id);
   UnloadMacroLibrary();
@@ -242,7 +243,7 @@ Result OnPicLineLostMessage(const WindowMessage&) {
 
 Result OnQueryPicFirmware(const WindowMessage&) {
   constexpr int kOldestWanted = 95;
-  return std::atoi(GetAppState().identity.firmwareVersionText.c_str()) >= kOldestWanted ? 1 : 0;
+  return std::atoi(Link().identity.firmwareVersionText.c_str()) >= kOldestWanted ? 1 : 0;
 }
 
 Result OnFirmwareFileRequest(const WindowMessage&) {
@@ -265,12 +266,11 @@ constexpr WPARAM kQueryCapacity = 13;
 constexpr WPARAM kQuerySpeakerVolume = 20;
 
 Result OnDeviceToolRequest(const WindowMessage& m) {
-  AppState& state = GetAppState();
-  if (m.wParam == kQueryPowerSource) return static_cast<LRESULT>(state.battery.GetPowerSource());
-  if (m.wParam == kQueryCapacity) return state.battery.capacity;
+  if (m.wParam == kQueryPowerSource) return static_cast<LRESULT>(Power().battery.GetPowerSource());
+  if (m.wParam == kQueryCapacity) return Power().battery.capacity;
   if (m.wParam == kQuerySpeakerVolume) {
     Trace(TEXT("Kavo3 tool: GetSpeakerVolume invoked"));
-    return 0x10000 + (state.audio.SpeakerVol & 0xFFFF);
+    return 0x10000 + (Board().audio.SpeakerVol & 0xFFFF);
   }
   Trace(TEXT("Kavo3 tool: device operation %d %d invoked"), static_cast<int32_t>(m.wParam),
         static_cast<int32_t>(m.lParam));
@@ -285,7 +285,7 @@ Result OnDeviceReportRequest(const WindowMessage& m) {
 }
 
 Result OnCodecStatusQuery(const WindowMessage&) {
-  return GetAppState().audio.codecReady ? 1 : 2;
+  return Board().audio.codecReady ? 1 : 2;
 }
 
 // ---- the table --------------------------------------------------------------------------------------------
@@ -320,22 +320,21 @@ constexpr MessageRow kMessageRows[] = {
 };
 
 Result Handle(const WindowMessage& m) {
-  const std::shared_ptr<AppState> state = KeepAppState();  // a session may end inside a handler that waits
-  if (state && TaskbarCreatedMessage != 0 && m.message == TaskbarCreatedMessage) return OnTaskbarCreated(m);
+  const bool hasState = HasAppState();
+  if (hasState && TaskbarCreatedMessage != 0 && m.message == TaskbarCreatedMessage)
+    return OnTaskbarCreated(m);
   for (const MessageRow& row : kMessageRows)
-    if (row.message == m.message && (state || !row.needsState)) return row.handle(m);
+    if (row.message == m.message && (hasState || !row.needsState)) return row.handle(m);
   return {};
 }
 
 }  // namespace
 
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  try {
-    if (const Result result = Handle({window, message, wParam, lParam})) return *result;
-  } catch (...) {
-    Trace(TEXT("message %X ended by an exception"), message);
-  }
-  return DefWindowProcW(window, message, wParam, lParam);
+  const Result result = CalledByWindows(TEXT("main window"), message, Result(), [&] {
+    return Handle({window, message, wParam, lParam});
+  });
+  return result ? *result : DefWindowProcW(window, message, wParam, lParam);
 }
 
 }  // namespace veltra

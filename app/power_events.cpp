@@ -13,26 +13,24 @@ namespace veltra {
 namespace {
 
 void PowerDownBoard() {
-  const AppState& state = GetAppState();
-  if (state.DisableUSBBack) SetPortA(kExpanderUsbBackOff);
-  if (state.DisableUSBBottom) SetPortB(kExpanderUsbBottomOff);
+  if (Power().DisableUSBBack) SetPortA(kExpanderUsbBackOff);
+  if (Power().DisableUSBBottom) SetPortB(kExpanderUsbBottomOff);
   CodecPowerDown();
 }
 
 void OnSuspend() {
-  AppState& state = GetAppState();
-  state.log.WriteDetail(TEXT("Suspend"), TEXT("Device going to suspend"));
+  Log().WriteDetail(TEXT("Suspend"), TEXT("Device going to suspend"));
   StopBatteryTimer();
   ReleaseHeldSwitches();
-  if (!std::exchange(state.Suspended, true)) PowerDownBoard();
+  if (!std::exchange(System().Suspended, true)) PowerDownBoard();
 }
 
 void OnResume() {
-  AppState& state = GetAppState();
-  state.log.WriteDetail(TEXT("Resume"), TEXT("Device resuming"));
-  if (!std::exchange(state.Suspended, false)) return;
-  if (state.WakeupDelay > 0)
-    SetTimer(state.hMainWnd, kResumeTimer, static_cast<UINT>(state.WakeupDelay), nullptr);
+  const int32_t delay = App().WakeupDelay;
+  Log().WriteDetail(TEXT("Resume"), TEXT("Device resuming"));
+  if (!std::exchange(System().Suspended, false)) return;
+  if (delay > 0)
+    SetTimer(MainWindow(), kResumeTimer, static_cast<UINT>(delay), nullptr);
   else
     RunStartupSequence(true);
 }
@@ -45,9 +43,8 @@ void OnPowerEvent(WPARAM event) {
 }
 
 void OnResumeTimer() {
-  const AppState& state = GetAppState();
-  KillTimer(state.hMainWnd, kResumeTimer);
-  if (!state.Suspended) RunStartupSequence(true);
+  KillTimer(MainWindow(), kResumeTimer);
+  if (!System().Suspended) RunStartupSequence(true);
 }
 
 }  // namespace veltra

@@ -5,8 +5,8 @@
 #include <variant>
 
 #include "app/app_state.h"
-#include "app/language.h"
 #include "base/handles.h"
+#include "system/language.h"
 
 namespace veltra {
 namespace {
@@ -18,45 +18,45 @@ using Field = std::variant<bool*, int32_t*, LANGID*>;
 struct Setting {
   const WCHAR* name;
   bool saved;
-  Field (*field)(AppState&);
-  void (*afterRead)(AppState&) = nullptr;  // runs whether the value exists or not
+  Field (*field)();
+  void (*afterRead)() = nullptr;  // runs whether the value exists or not
 };
 
 // Stored Sw1CmdVal and Sw2CmdVal are read later and override these.
-void ApplySwitchClicks(AppState& state) {
-  if (!state.SwClicks) return;
-  state.Sw1CmdVal = kSwitchLeftClick;
-  state.Sw2CmdVal = kSwitchRightClick;
+void ApplySwitchClicks() {
+  if (!Switches().SwClicks) return;
+  Switches().Sw1CmdVal = kSwitchLeftClick;
+  Switches().Sw2CmdVal = kSwitchRightClick;
 }
 
 // In the order of reading and of writing.
 constexpr Setting kUserSettings[] = {
-    {TEXT("BattLow"), true, [](AppState& s) -> Field { return &s.battery.BattLow; }},
-    {TEXT("BattCrit"), true, [](AppState& s) -> Field { return &s.battery.BattCrit; }},
-    {TEXT("BattLowPercentage"), true, [](AppState& s) -> Field { return &s.battery.BattLowPercentage; }},
-    {TEXT("BattCritPercentage"), true, [](AppState& s) -> Field { return &s.battery.BattCritPercentage; }},
-    {TEXT("SpeakerVol"), true, [](AppState& s) -> Field { return &s.audio.SpeakerVol; }},
-    {TEXT("MicrophoneVol"), true, [](AppState& s) -> Field { return &s.audio.MicrophoneVol; }},
-    {TEXT("Sw1Start"), true, [](AppState& s) -> Field { return &s.Sw1Start; }},
-    {TEXT("SwClicks"), false, [](AppState& s) -> Field { return &s.SwClicks; }, ApplySwitchClicks},
-    {TEXT("DisableUSBBack"), true, [](AppState& s) -> Field { return &s.DisableUSBBack; }},
-    {TEXT("DisableUSBBottom"), true, [](AppState& s) -> Field { return &s.DisableUSBBottom; }},
-    {TEXT("EnableFlightMode"), true, [](AppState& s) -> Field { return &s.EnableFlightMode; }},
-    {TEXT("EnableWLAN"), true, [](AppState& s) -> Field { return &s.EnableWLAN; }},
-    {TEXT("EnableBluetooth"), true, [](AppState& s) -> Field { return &s.EnableBluetooth; }},
-    {TEXT("EnableMobilePhone"), true, [](AppState& s) -> Field { return &s.EnableMobilePhone; }},
-    {TEXT("Sw1CmdVal"), true, [](AppState& s) -> Field { return &s.Sw1CmdVal; }},
-    {TEXT("Sw2CmdVal"), true, [](AppState& s) -> Field { return &s.Sw2CmdVal; }},
-    {TEXT("TB4RevSw"), false, [](AppState& s) -> Field { return &s.TB4RevSw; }},
-    {TEXT("LexoraRevSw"), false, [](AppState& s) -> Field { return &s.LexoraRevSw; }},
-    {TEXT("WakeupDelay"), true, [](AppState& s) -> Field { return &s.WakeupDelay; }},
-    {TEXT("StartupDelay"), true, [](AppState& s) -> Field { return &s.StartupDelay; }},
-    {TEXT("AllowEscape"), true, [](AppState& s) -> Field { return &s.AllowEscape; }},
-    {TEXT("CurrentLangID"), true, [](AppState& s) -> Field { return &s.CurrentLangID; }},
+    {TEXT("BattLow"), true, []() -> Field { return &Power().battery.BattLow; }},
+    {TEXT("BattCrit"), true, []() -> Field { return &Power().battery.BattCrit; }},
+    {TEXT("BattLowPercentage"), true, []() -> Field { return &Power().battery.BattLowPercentage; }},
+    {TEXT("BattCritPercentage"), true, []() -> Field { return &Power().battery.BattCritPercentage; }},
+    {TEXT("SpeakerVol"), true, []() -> Field { return &Board().audio.SpeakerVol; }},
+    {TEXT("MicrophoneVol"), true, []() -> Field { return &Board().audio.MicrophoneVol; }},
+    {TEXT("Sw1Start"), true, []() -> Field { return &Switches().Sw1Start; }},
+    {TEXT("SwClicks"), false, []() -> Field { return &Switches().SwClicks; }, ApplySwitchClicks},
+    {TEXT("DisableUSBBack"), true, []() -> Field { return &Power().DisableUSBBack; }},
+    {TEXT("DisableUSBBottom"), true, []() -> Field { return &Power().DisableUSBBottom; }},
+    {TEXT("EnableFlightMode"), true, []() -> Field { return &Power().EnableFlightMode; }},
+    {TEXT("EnableWLAN"), true, []() -> Field { return &Power().EnableWLAN; }},
+    {TEXT("EnableBluetooth"), true, []() -> Field { return &Power().EnableBluetooth; }},
+    {TEXT("EnableMobilePhone"), true, []() -> Field { return &Power().EnableMobilePhone; }},
+    {TEXT("Sw1CmdVal"), true, []() -> Field { return &Switches().Sw1CmdVal; }},
+    {TEXT("Sw2CmdVal"), true, []() -> Field { return &Switches().Sw2CmdVal; }},
+    {TEXT("TB4RevSw"), false, []() -> Field { return &Switches().TB4RevSw; }},
+    {TEXT("LexoraRevSw"), false, []() -> Field { return &Switches().LexoraRevSw; }},
+    {TEXT("WakeupDelay"), true, []() -> Field { return &App().WakeupDelay; }},
+    {TEXT("StartupDelay"), true, []() -> Field { return &App().StartupDelay; }},
+    {TEXT("AllowEscape"), true, []() -> Field { return &Switches().AllowEscape; }},
+    {TEXT("CurrentLangID"), true, []() -> Field { return &System().CurrentLangID; }},
 };
 
 constexpr Setting kMachineSettings[] = {
-    {TEXT("PicPortNumber"), false, [](AppState& s) -> Field { return &s.PicPortNumber; }},
+    {TEXT("PicPortNumber"), false, []() -> Field { return &Link().PicPortNumber; }},
 };
 
 std::optional<DWORD> ReadNumber(HKEY key, const WCHAR* name) {
@@ -82,11 +82,10 @@ void ReadSettings(HKEY root, std::span<const Setting> settings) {
   if (HKEY opened = nullptr; RegOpenKeyExW(root, kKeyPath, 0, KEY_READ, &opened) == ERROR_SUCCESS)
     key.Reset(opened);
   if (!key) return;
-  AppState& state = GetAppState();
   for (const Setting& setting : settings) {
     if (const std::optional<DWORD> number = ReadNumber(key.Get(), setting.name))
-      Store(setting.field(state), *number);
-    if (setting.afterRead) setting.afterRead(state);
+      Store(setting.field(), *number);
+    if (setting.afterRead) setting.afterRead();
   }
 }
 
@@ -95,7 +94,7 @@ void ReadSettings(HKEY root, std::span<const Setting> settings) {
 void LoadSettings() {
   ReadSettings(HKEY_CURRENT_USER, kUserSettings);
   ReadSettings(HKEY_LOCAL_MACHINE, kMachineSettings);
-  ApplyUiLanguage(GetAppState().CurrentLangID);
+  ApplyUiLanguage(System().CurrentLangID);
   SaveSettings();
 }
 
@@ -104,13 +103,18 @@ LONG SaveSettings() {
   const LONG error = RegCreateKeyExW(HKEY_CURRENT_USER, kKeyPath, 0, nullptr, REG_OPTION_NON_VOLATILE,
                                      KEY_ALL_ACCESS, nullptr, &key, nullptr);
   if (error != ERROR_SUCCESS) return error;
-  AppState& state = GetAppState();
   for (const Setting& setting : kUserSettings) {
     if (!setting.saved) continue;
-    const DWORD number = NumberOf(setting.field(state));
+    const DWORD number = NumberOf(setting.field());
     RegSetValueExW(key, setting.name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof(number));
   }
   return RegCloseKey(key);
+}
+
+void SetLanguage(LANGID language) {
+  System().CurrentLangID = language;
+  ApplyUiLanguage(language);
+  SaveSettings();
 }
 
 }  // namespace veltra

@@ -12,4 +12,7 @@ void LoadSettings();
 // Writes the saved values; returns the registry's error code, 0 on success.
 LONG SaveSettings();
 
+// Stores the language, applies it to the thread and saves the settings.
+void SetLanguage(LANGID language);
+
 }  // namespace veltra

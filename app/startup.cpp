@@ -4,14 +4,16 @@
 
 #include <objbase.h>
 
+#include <utility>
+
 #include "app/app_state.h"
+#include "app/device_operations.h"
 #include "board/codec.h"
 #include "board/expander.h"
 #include "link/pic_comm.h"
 #include "link/send_queue.h"
 #include "power/battery_alarms.h"
 #include "power/battery_details.h"
-#include "power/device_operations.h"
 #include "power/flight_mode_notice.h"
 #include "switches/macro_plugin.h"
 #include "switches/switch_outputs.h"
@@ -29,10 +31,9 @@ void ShowBoardError(const WCHAR* format, int32_t code, const WCHAR* caption) {
 }
 
 void StartBoardLibrary() {
-  AppState& state = GetAppState();
-  state.board = LoadBoardLibrary();
-  if (!state.board.KEApiLibInitialize) return;
-  if (const int32_t code = state.board.KEApiLibInitialize())
+  Board().library = LoadBoardLibrary();
+  if (!Board().library.KEApiLibInitialize) return;
+  if (const int32_t code = Board().library.KEApiLibInitialize())
     ShowBoardError(TEXT("Error during KEApiLibInitialize: %d"), code, TEXT("I2CInit"));
 }
 
@@ -52,17 +53,15 @@ void SwitchDisplayOn() {
 }
 
 void SwitchRadiosOn() {
-  const AppState& state = GetAppState();
-  const bool mayRadiate = !state.EnableFlightMode;
-  if (mayRadiate && state.EnableWLAN) SetPortA(kExpanderWlan);
-  if (mayRadiate && state.EnableBluetooth) DeviceOperation(0, kBluetoothOn);
-  DeviceOperation(0, mayRadiate && state.EnableMobilePhone ? kMobilePhoneOn : kMobilePhoneOff);
+  const bool mayRadiate = !Power().EnableFlightMode;
+  if (mayRadiate && Power().EnableWLAN) SetPortA(kExpanderWlan);
+  if (mayRadiate && Power().EnableBluetooth) DeviceOperation(0, kBluetoothOn);
+  DeviceOperation(0, mayRadiate && Power().EnableMobilePhone ? kMobilePhoneOn : kMobilePhoneOff);
 }
 
 void Start() {
   StartBoardLibrary();
-  if (!HasAppState()) return;  // the session has ended behind its box
-  GetAppState().log.WriteDetail(TEXT("Startup"), TEXT("Application starting"));
+  Log().WriteDetail(TEXT("Startup"), TEXT("Application starting"));
   StartPicComm();
   for (const char* query : kStartupQueries) SendText(query);
   QueryBatteryDetails();
@@ -71,13 +70,12 @@ void Start() {
 }
 
 void PowerUsbOn() {
-  const AppState& state = GetAppState();
-  if (state.DisableUSBBack) ClearPortA(kExpanderUsbBackOff);
-  if (state.DisableUSBBottom) ClearPortB(kExpanderUsbBottomOff);
+  if (Power().DisableUSBBack) ClearPortA(kExpanderUsbBackOff);
+  if (Power().DisableUSBBottom) ClearPortB(kExpanderUsbBottomOff);
 }
 
 void Resume() {
-  GetAppState().log.WriteDetail(TEXT("Resume"), TEXT("Device resuming from suspend"));
+  Log().WriteDetail(TEXT("Resume"), TEXT("Device resuming from suspend"));
   ReopenLostLine();
   SendText("Ready");
   SwitchDisplayOn();
@@ -94,14 +92,12 @@ void PowerUpBoard() {
 }  // namespace
 
 void RunStartupSequence(bool resume) {
-  if (!HasAppState()) return;
   if (resume)
     Resume();
   else
     Start();
-  if (!HasAppState()) return;
   PowerUpBoard();
-  if (HasAppState()) StartBatteryTimer();
+  StartBatteryTimer();
 }
 
 // The port is not stopped here but left to the end of the process: its monitor thread may hang in a driver,
@@ -110,7 +106,7 @@ void RunShutdownSequence() {
   ReleaseHeldSwitches();
   UnloadMacroLibrary();
   CodecPowerDown();
-  const BoardLibrary board = std::move(GetAppState().board);
+  const BoardLibrary board = std::exchange(Board().library, {});
   DestroyAppState();
   StopBoardLibrary(board);
   CoUninitialize();

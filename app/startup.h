@@ -7,7 +7,7 @@ namespace veltra {
 // start and true after standby. A failed step is reported by its owner and the sequence goes on.
 void RunStartupSequence(bool resume);
 
-// Ends the state and releases the board library. After it HasAppState() is false.
+// Ends the state and then leaves the board library.
 void RunShutdownSequence();
 
 }  // namespace veltra

@@ -1,9 +1,9 @@
 #include "app/tray_menu.h"
 
 #include "app/app_state.h"
-#include "app/language.h"
 #include "base/handles.h"
 #include "resources/resource_ids.h"
+#include "system/language.h"
 
 namespace veltra {
 namespace {
@@ -15,10 +15,9 @@ WideText Capitalized(WideText name) {
 
 // In front of the placeholder, which goes then.
 void FillLanguages(HMENU popup) {
-  const AppState& state = GetAppState();
   UINT command = IDC_FIRST_LANGUAGE;
-  for (const LanguageEntry& language : state.Languages) {
-    const UINT checked = language.id == state.CurrentLangID ? MF_CHECKED : MF_UNCHECKED;
+  for (const LanguageEntry& language : System().Languages) {
+    const UINT checked = language.id == System().CurrentLangID ? MF_CHECKED : MF_UNCHECKED;
     InsertMenuW(popup, IDC_LANGUAGE_PLACEHOLDER, MF_BYCOMMAND | MF_STRING | checked, command++,
                 Capitalized(language.name).c_str());
   }

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "app/app_state.h"
+#include "board/board_state.h"
 #include "board/i2c.h"
 
 namespace veltra {
@@ -15,7 +15,7 @@ constexpr uint8_t kSpeakersOff = 0x00;
 using SpeakerCommand = std::array<uint8_t, 6>;
 
 SpeakerCommand GainAndEnable() {
-  const AudioSettings& audio = GetAppState().audio;
+  const AudioSettings& audio = Board().audio;
   return {0x05, 0x22, 0x00, audio.speakerGainStep, 0x01, audio.speakerEnable};
 }
 
@@ -46,7 +46,7 @@ bool SpeakerAmpWrite(bool full) {
 }
 
 bool SetSpeakerAmp(bool on) {
-  GetAppState().audio.speakerEnable = on ? kSpeakersOn : kSpeakersOff;
+  Board().audio.speakerEnable = on ? kSpeakersOn : kSpeakersOff;
   return SpeakerAmpWrite(false);
 }
 
@@ -58,7 +58,7 @@ void HeadphoneAmpInit(bool full, bool muted) {
 }
 
 bool SetHeadphoneMute(bool muted) {
-  const uint8_t gain = GetAppState().audio.headphoneGain;
+  const uint8_t gain = Board().audio.headphoneGain;
   return WriteHeadphone(kHeadphoneGainRegister, static_cast<uint8_t>(muted ? gain | kMuteBit : gain));
 }
 

@@ -1,7 +1,7 @@
 #include "board/board_library.h"
 
-#include "app/folders.h"
 #include "base/debug_output.h"
+#include "system/folders.h"
 
 namespace veltra {
 

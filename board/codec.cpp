@@ -1,15 +1,16 @@
 #include "board/codec.h"
 
-#include "app/app_state.h"
-#include "app/sounds.h"
 #include "base/debug_output.h"
 #include "board/amplifiers.h"
+#include "board/board_state.h"
 #include "board/codec_download.h"
 #include "board/expander.h"
 #include "board/i2c.h"
 #include "board/volume.h"
 #include "resources/resource_ids.h"
-#include "switches/maker_applications.h"
+#include "system/maker_applications.h"
+#include "system/sounds.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -93,14 +94,14 @@ void Apply(const Step& step) {
       Select(step.selector, step.index);
       break;
     case Step::Kind::kMicrophoneOn:
-      GetAppState().audio.microphoneOn = true;
+      Board().audio.microphoneOn = true;
       break;
   }
 }
 
 void Apply(const Profile& profile) {
   if (profile.enterText) Trace(profile.enterText);
-  if (profile.watchesCalls) SetTimer(GetAppState().hMainWnd, kCallProfileTimer, kCallProfileMs, nullptr);
+  if (profile.watchesCalls) SetTimer(MainWindow(), kCallProfileTimer, kCallProfileMs, nullptr);
   if (profile.setsB3)
     SetPortB(kExpanderB3);
   else
@@ -116,7 +117,7 @@ void Apply(const Profile& profile) {
 // All paths off. `forgetsMicrophone`: the microphone counts as off from here on.
 void ResetAudioPaths(bool forgetsMicrophone) {
   for (const CodecPair& pair : {kP5, kP7, kP6, kP8, kP9, kP4}) SwitchPair(pair, false);
-  if (forgetsMicrophone) GetAppState().audio.microphoneOn = false;
+  if (forgetsMicrophone) Board().audio.microphoneOn = false;
   for (const CodecPair& pair : {kP2, kP3, kP1}) SwitchPair(pair, false);
   for (const CodecParameter& parameter : kResetParameters) WriteParameter(parameter);
 }
@@ -128,7 +129,7 @@ void CodecDownload() {
 }  // namespace
 
 bool CodecPowerUp() {
-  AudioSettings& audio = GetAppState().audio;
+  AudioSettings& audio = Board().audio;
   PlayResourceSound(IDW_START, true);
   SetPortA(kExpanderCodecA7);
   SetPortA(kExpanderCodecA6);
@@ -164,11 +165,10 @@ bool CodecPowerDown() {
 }
 
 void SetAudioProfile(int32_t number) {
-  AppState& state = GetAppState();
   Trace(TEXT("setprofile entered"));
-  state.audio.currentProfile = number;
+  Board().audio.currentProfile = number;
   ResetAudioPaths(true);
-  KillTimer(state.hMainWnd, kCallProfileTimer);
+  KillTimer(MainWindow(), kCallProfileTimer);
   for (const Profile& profile : kProfiles)
     if (profile.number == number) Apply(profile);
 }
@@ -178,13 +178,13 @@ void OnCallProfileTimer() {
     SetThreadExecutionState(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED);
     return;
   }
-  KillTimer(GetAppState().hMainWnd, kCallProfileTimer);
+  KillTimer(MainWindow(), kCallProfileTimer);
   SetAudioProfile(kNormalProfile);
 }
 
 void SetMicrophonePath(bool on) {
   SwitchPair(kP2, on);
-  GetAppState().audio.microphoneOn = on;
+  Board().audio.microphoneOn = on;
 }
 
 bool CodecWrite(uint16_t address, Bytes data) {

@@ -1,6 +1,6 @@
 #include "board/expander.h"
 
-#include "app/app_state.h"
+#include "board/board_state.h"
 #include "board/i2c.h"
 
 namespace veltra {
@@ -23,16 +23,16 @@ bool Change(uint8_t& image, int32_t reg, uint8_t set, uint8_t clear) {
 }  // namespace
 
 bool SetPortA(uint8_t bits) {
-  return Change(GetAppState().ExpanderPortA, kOutputA, bits, 0);
+  return Change(Board().ExpanderPortA, kOutputA, bits, 0);
 }
 bool ClearPortA(uint8_t bits) {
-  return Change(GetAppState().ExpanderPortA, kOutputA, 0, bits);
+  return Change(Board().ExpanderPortA, kOutputA, 0, bits);
 }
 bool SetPortB(uint8_t bits) {
-  return Change(GetAppState().ExpanderPortB, kOutputB, bits, 0);
+  return Change(Board().ExpanderPortB, kOutputB, bits, 0);
 }
 bool ClearPortB(uint8_t bits) {
-  return Change(GetAppState().ExpanderPortB, kOutputB, 0, bits);
+  return Change(Board().ExpanderPortB, kOutputB, 0, bits);
 }
 
 void MakeAllPinsOutputs() {

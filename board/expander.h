@@ -1,4 +1,4 @@
-// The board's I/O expander. Its outputs are changed in the image that AppState holds and then written as
+// The board's I/O expander. Its outputs are changed in the image that the record holds and then written as
 // whole bytes; the expander is never read back.
 #pragma once
 

@@ -4,9 +4,10 @@
 
 #include <vector>
 
-#include "app/app_state.h"
-#include "app/tray_icons.h"
+#include "board/board_state.h"
 #include "board/expander.h"
+#include "system/system_state.h"
+#include "system/tray_icons.h"
 
 namespace veltra {
 namespace {
@@ -26,8 +27,7 @@ DWORD PauseBefore(int attempt) {
 }
 
 void ReportFailure(uint8_t address, int32_t reg, size_t count, int32_t result) {
-  AppState& state = GetAppState();
-  state.log.WriteError(
+  Log().WriteError(
       TEXT("Err I2C write"),
       FormatText(TEXT("Slaveaddr=%X,ucOffset=%X,iNumberBytes=%d,retval=%d"), address, reg, count, result));
   ShowTrayBalloon(FormatText(TEXT("Error during I2C write: %d-%X"), result, address));
@@ -36,9 +36,8 @@ void ReportFailure(uint8_t address, int32_t reg, size_t count, int32_t result) {
 }  // namespace
 
 bool I2cWrite(uint8_t address, Bytes data, int32_t reg, int retries) {
-  const AppState& state = GetAppState();
-  if (!state.board.KEApiI2cXfer) return false;
-  if (address != kExpanderAddress && !(state.ExpanderPortA & kExpanderCodecGate)) return false;
+  if (!Board().library.KEApiI2cXfer) return false;
+  if (address != kExpanderAddress && !(Board().ExpanderPortA & kExpanderCodecGate)) return false;
   std::vector<uint8_t> bytes;
   if (reg >= 0) bytes.push_back(static_cast<uint8_t>(reg));
   bytes.insert(bytes.end(), data.begin(), data.end());
@@ -46,7 +45,7 @@ bool I2cWrite(uint8_t address, Bytes data, int32_t reg, int retries) {
   int32_t result = 0;
   for (int attempt = 1; attempt <= retries + 1; ++attempt) {
     if (attempt > 1) Sleep(PauseBefore(attempt));
-    result = Transfer(state.board, address, bytes);
+    result = Transfer(Board().library, address, bytes);
     if (result == 0) return true;
   }
   ReportFailure(address, reg, data.size(), result);

@@ -1,5 +1,7 @@
 #include "board/platform_info.h"
 
+#include "board/board_state.h"
+
 namespace veltra {
 namespace {
 
@@ -10,7 +12,8 @@ bool Ask(int32_t(WINAPI* function)(Record*), Record& record) {
 
 }  // namespace
 
-std::optional<PlatformInfo> ReadPlatformInfo(const BoardLibrary& library) {
+std::optional<PlatformInfo> ReadPlatformInfo() {
+  const BoardLibrary& library = Board().library;
   PlatformInfo info = {};
   const bool hasBoard = Ask(library.KEApiGetBoardInfo, info.board);
   const bool hasCpu = Ask(library.KEApiGetCpuInfo, info.cpu);

@@ -15,7 +15,7 @@ struct PlatformInfo {
 };
 
 // Empty when the library is missing or one of its three answers is.
-std::optional<PlatformInfo> ReadPlatformInfo(const BoardLibrary& library);
+std::optional<PlatformInfo> ReadPlatformInfo();
 
 // The text of a field, which has a terminator only when it does not fill the field.
 template <size_t Size>

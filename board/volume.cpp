@@ -4,14 +4,14 @@
 
 #include <algorithm>
 
-#include "app/app_state.h"
-#include "app/sounds.h"
 #include "base/debug_output.h"
 #include "board/amplifiers.h"
 #include "board/audio_endpoint.h"
+#include "board/board_state.h"
 #include "board/codec.h"
 #include "board/gain_tables.h"
 #include "resources/resource_ids.h"
+#include "system/sounds.h"
 
 namespace veltra {
 namespace {
@@ -47,7 +47,7 @@ void RouteMicrophone(uint16_t switchAddress, const CodecSelector& source, const 
 }  // namespace
 
 bool SetSpeakerVolume(int32_t volume) {
-  AudioSettings& audio = GetAppState().audio;
+  AudioSettings& audio = Board().audio;
   const int32_t effective = Resolve(audio.SpeakerVol, volume, kDefaultSpeakerVolume);
   SetEndpointPatiently(EndpointPercent(effective));
   audio.speakerGainStep = SpeakerGainStep(effective);
@@ -55,7 +55,7 @@ bool SetSpeakerVolume(int32_t volume) {
 }
 
 void SetMicrophoneVolume(int32_t level) {
-  AudioSettings& audio = GetAppState().audio;
+  AudioSettings& audio = Board().audio;
   const int32_t effective = Resolve(audio.MicrophoneVol, level, kDefaultMicrophoneLevel);
   SwitchPair(kP2, false);
   RouteMicrophone(kMicrophoneSwitchA, kMicrophoneSourceA, kMicrophoneTargetA);
@@ -70,7 +70,7 @@ void SetMicrophoneVolume(int32_t level) {
 }
 
 void StepSpeakerVolume(int32_t direction) {
-  const int32_t volume = GetAppState().audio.SpeakerVol;
+  const int32_t volume = Board().audio.SpeakerVol;
   if (direction != 0 && direction != 1) return;
   SetSpeakerVolume(direction == 0 ? std::min(volume + kVolumeStep, kLoudest)
                                   : std::max(volume - kVolumeStep, kQuietest));

@@ -1,85 +1,113 @@
-# The tool, room by room. Pure cores call nothing of Windows: they are what is fuzzed and benchmarked.
+# The tool, room by room, ground first. A room links what stands below it and nothing else, so that a call upwards finds
+# no function. Pure cores call nothing of Windows: they are what is fuzzed and benchmarked.
 add_library(veltra_cores STATIC
+  base/command_line.cpp
   base/profile_section.cpp
   base/text.cpp
-  app/command_line.cpp
+  base/xml_writer.cpp
   board/codec_download.cpp
   firmware/boot_sequence.cpp
   firmware/flash_image.cpp
   firmware/hex_file.cpp
   link/frame.cpp
-  report/xml_writer.cpp
 )
 
-# The port and its monitor thread: ThreadSanitizer looks at these alone.
-add_library(veltra_port STATIC base/ansi_text.cpp link/serial_input.cpp)
-target_link_libraries(veltra_port PUBLIC veltra_cores)
+function(veltra_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;BELOW" ${ARGN})
+  add_library(veltra_${name} STATIC ${ROOM_SOURCES})
+  list(TRANSFORM ROOM_BELOW PREPEND veltra_)
+  target_link_libraries(veltra_${name} PUBLIC ${ROOM_BELOW})
+endfunction()
 
-add_library(veltra_tool STATIC
+veltra_room(base BELOW cores SOURCES
+  base/ansi_text.cpp
   base/debug_output.cpp
-  app/app_state.cpp
-  app/copied_data.cpp
-  app/diagnostic_log.cpp
-  app/dialog_items.cpp
-  app/folders.cpp
-  app/language.cpp
-  app/main_window.cpp
-  app/power_events.cpp
-  app/settings_store.cpp
-  app/sounds.cpp
-  app/startup.cpp
-  app/tray_icons.cpp
-  app/tray_menu.cpp
-  app/windows_version.cpp
+)
+
+veltra_room(system BELOW base SOURCES
+  system/copied_data.cpp
+  system/diagnostic_log.cpp
+  system/folders.cpp
+  system/injected_input.cpp
+  system/language.cpp
+  system/maker_applications.cpp
+  system/power_off.cpp
+  system/sounds.cpp
+  system/start_program.cpp
+  system/tray_icons.cpp
+  system/windows_version.cpp
+)
+
+# The port and its monitor thread stand by themselves: ThreadSanitizer looks at these alone.
+veltra_room(port BELOW base SOURCES link/serial_input.cpp)
+veltra_room(link BELOW port system SOURCES
+  link/identity_store.cpp
+  link/identity_updates.cpp
+  link/infrared.cpp
+  link/pic_comm.cpp
+  link/send_queue.cpp
+)
+
+veltra_room(board BELOW system SOURCES
   board/amplifiers.cpp
   board/audio_endpoint.cpp
   board/board_library.cpp
   board/codec.cpp
   board/expander.cpp
   board/i2c.cpp
-  board/volume.cpp
   board/platform_info.cpp
-  firmware/bootloader.cpp
-  firmware/firmware_dialog.cpp
-  firmware/read_hex_file.cpp
-  firmware/update_guard.cpp
-  link/identity_store.cpp
-  link/identity_updates.cpp
-  link/infrared.cpp
-  link/pic_comm.cpp
-  link/pic_messages.cpp
-  link/pic_receiver.cpp
-  link/send_queue.cpp
+  board/volume.cpp
+)
+
+veltra_room(power BELOW link SOURCES
   power/battery_alarms.cpp
   power/battery_details.cpp
   power/battery_status.cpp
-  power/device_operations.cpp
   power/flight_mode_notice.cpp
   power/outside_tools.cpp
-  power/power_meter.cpp
-  power/power_off.cpp
-  report/device_report.cpp
+)
+
+veltra_room(firmware BELOW link SOURCES
+  firmware/bootloader.cpp
+  firmware/read_hex_file.cpp
+  firmware/update_guard.cpp
+)
+
+veltra_room(switches BELOW board link SOURCES
   switches/actions.cpp
   switches/button_profile.cpp
   switches/function_tables.cpp
-  switches/injected_input.cpp
   switches/joystick.cpp
   switches/joystick_library.cpp
   switches/macro_library.cpp
   switches/macro_plugin.cpp
-  switches/maker_applications.cpp
   switches/mouse_filter.cpp
   switches/mouse_filter_library.cpp
   switches/profile_encoding.cpp
-  switches/start_program.cpp
-  switches/options_dialog.cpp
-  switches/options_lists.cpp
-  switches/options_rows.cpp
   switches/switch_events.cpp
   switches/switch_indicator.cpp
   switches/switch_outputs.cpp
 )
-target_link_libraries(veltra_tool PUBLIC veltra_port)
+
+veltra_room(report BELOW board power SOURCES report/device_report.cpp)
+
+veltra_room(tool BELOW report switches firmware power SOURCES
+  app/app_state.cpp
+  app/device_operations.cpp
+  app/main_window.cpp
+  app/pic_messages.cpp
+  app/pic_receiver.cpp
+  app/power_events.cpp
+  app/settings_store.cpp
+  app/startup.cpp
+  app/tray_menu.cpp
+  app/dialogs/dialog_items.cpp
+  app/dialogs/firmware_dialog.cpp
+  app/dialogs/options_dialog.cpp
+  app/dialogs/options_lists.cpp
+  app/dialogs/options_rows.cpp
+  app/dialogs/power_meter.cpp
+)
 
 if(WIN32)
   # The entry is in the executable itself: nothing refers to it, so that a library would not bring it.
@@ -88,12 +116,13 @@ if(WIN32)
   file(GLOB_RECURSE resource_files ${CMAKE_SOURCE_DIR}/resources/*.rc ${CMAKE_SOURCE_DIR}/resources/*.h
     ${CMAKE_SOURCE_DIR}/resources/*.ico ${CMAKE_SOURCE_DIR}/resources/*.wav ${CMAKE_SOURCE_DIR}/resources/*.manifest)
   set_source_files_properties(resources/veltratool.rc PROPERTIES OBJECT_DEPENDS "${resource_files}")
-  target_link_libraries(veltratool PRIVATE veltra_tool version comctl32 shell32 comdlg32 winmm ole32 advapi32 user32 gdi32)
+  target_link_libraries(veltra_base PUBLIC version comctl32 shell32 comdlg32 winmm ole32 advapi32 user32 gdi32)
+  target_link_libraries(veltratool PRIVATE veltra_tool)
   target_link_options(veltratool PRIVATE -municode -s)
   target_compile_options(veltratool PRIVATE $<$<COMPILE_LANGUAGE:RC>:-c65001>)
 else()
   target_sources(veltra_tool PRIVATE app/entry.cpp)
-  target_link_libraries(veltra_port PUBLIC pal)
+  target_link_libraries(veltra_base PUBLIC pal)
 endif()
 
 # For the technician in front of a tablet: the program asks the running tool, its texts are tested natively.

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
-#include "app/app_state.h"
-#include "base/debug_output.h"
+#include "base/called_by_windows.h"
+#include "firmware/firmware_state.h"
 #include "firmware/read_hex_file.h"
 #include "link/send_queue.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -17,25 +18,22 @@ bool IsOfBootloader(const PicRequest& request) {
 
 // What an earlier update left unanswered would keep everything behind it from being sent.
 void DropUnanswered() {
-  PicQueue& queue = GetAppState().picQueue;
-  std::erase_if(queue, IsOfBootloader);
-  if (!queue.empty() && !queue.front().transmitted) TransmitHead();
+  DropRequests(IsOfBootloader);
+  TransmitNewHead();
 }
 
-void CALLBACK OnStepTimer(HWND, UINT, UINT_PTR, DWORD) {
-  try {
-    if (const auto state = KeepAppState()) state->bootloader.OnTimeout();
-  } catch (...) {
-    Trace(TEXT("step timer ended by an exception"));
-  }
+void CALLBACK OnStepTimer(HWND, UINT message, UINT_PTR, DWORD) {
+  CalledByWindows(TEXT("step timer"), message, 0, [] {
+    Firmware().bootloader.OnTimeout();
+    return 0;
+  });
 }
 
 // A request of somebody else at the head is never answered by a bootloader.
 void LogWhatIsInTheWay() {
-  const PicQueue& queue = GetAppState().picQueue;
-  if (queue.empty() || IsOfBootloader(queue.front())) return;
-  GetAppState().log.WriteError(kFirmwareLogTag,
-                               TEXT("behind the unanswered request ") + Widen(queue.front().Text()));
+  const PicRequest* head = HeadRequest();
+  if (!head || IsOfBootloader(*head)) return;
+  Log().WriteError(kFirmwareLogTag, TEXT("behind the unanswered request ") + Widen(head->Text()));
 }
 
 }  // namespace
@@ -71,8 +69,8 @@ void Bootloader::Do(const SendRequest& request) {
 // The link transmits only a new head by itself. One that waits behind a request of somebody else has not gone
 // out.
 void Bootloader::Do(const RepeatRequest&) {
-  const PicQueue& queue = GetAppState().picQueue;
-  if (!queue.empty() && queue.front().transmitted) TransmitHead();
+  const PicRequest* head = HeadRequest();
+  if (head && head->transmitted) TransmitHead();
 }
 
 void Bootloader::Do(const ArmStepTimer&) {
@@ -87,12 +85,12 @@ void Bootloader::Do(const CancelStepTimer&) {
 }
 
 void Bootloader::Do(const PostProgress& progress) {
-  PostMessageW(GetAppState().hFirmwareDlg, WM_FIRMWARE_PROGRESS, static_cast<WPARAM>(progress.progress),
+  PostMessageW(Firmware().hFirmwareDlg, WM_FIRMWARE_PROGRESS, static_cast<WPARAM>(progress.progress),
                progress.detail);
 }
 
 void Bootloader::Do(const LogFailure& log) {
-  GetAppState().log.WriteError(kFirmwareLogTag, Widen(Describe(log.failure)));
+  Log().WriteError(kFirmwareLogTag, Widen(Describe(log.failure)));
   LogWhatIsInTheWay();
 }
 

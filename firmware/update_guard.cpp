@@ -2,20 +2,20 @@
 
 #include <windows.h>
 
-#include "app/app_state.h"
-#include "app/language.h"
 #include "resources/resource_ids.h"
+#include "system/language.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
 
 void HoldSession() {
   SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED);
-  ShutdownBlockReasonCreate(GetAppState().hMainWnd, LoadResString(IDS_FIRMWARE_UPDATE_RUNS).c_str());
+  ShutdownBlockReasonCreate(MainWindow(), LoadResString(IDS_FIRMWARE_UPDATE_RUNS).c_str());
 }
 
 void LetSessionGo() {
-  ShutdownBlockReasonDestroy(GetAppState().hMainWnd);
+  ShutdownBlockReasonDestroy(MainWindow());
   SetThreadExecutionState(ES_CONTINUOUS);
 }
 

@@ -1,7 +1,7 @@
 // Any command line; every refused option is a piece of it.
 #include <cstdlib>
 
-#include "app/command_line.h"
+#include "base/command_line.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const veltra::WideText line = veltra::Widen(veltra::TextOf({data, size}));

@@ -1,18 +1,22 @@
 #include "link/identity_store.h"
 
-#include "app/app_state.h"
+#include "link/link_state.h"
+#include "system/system_state.h"
 
 namespace veltra {
 
+const DeviceIdentity& Identity() {
+  return Link().identity;
+}
+
 bool StoreIdentity(const IdentityField& field, std::string_view value) {
-  AppState& state = GetAppState();
   if (value.size() > field.longest) {
-    state.log.WriteDetail(TEXT("Value refused"),
-                          FormatText(TEXT("more than %d characters: %s"), field.longest, Widen(value)));
+    Log().WriteDetail(TEXT("Value refused"),
+                      FormatText(TEXT("more than %d characters: %s"), field.longest, Widen(value)));
     return false;
   }
-  state.identity.*field.text = Widen(value);
-  if (field.text == kFirmwareVersion.text) state.identity.firmwareVersionText = value;
+  Link().identity.*field.text = Widen(value);
+  if (field.text == kFirmwareVersion.text) Link().identity.firmwareVersionText = value;
   return true;
 }
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "app/app_state.h"
 #include "link/identity_store.h"
 #include "link/send_queue.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -28,9 +28,9 @@ static_assert(std::size(kUpdates) == kLastIdentityUpdate - kFirstIdentityUpdate 
 void UpdateIdentity(uint32_t tag, Bytes value) {
   const IdentityUpdate& update = kUpdates[tag - kFirstIdentityUpdate];
   if (value.size() > kLongestIdentityUpdate) {
-    GetAppState().log.WriteError(TEXT("copydata"),
-                                 FormatText(TEXT("%s refused: %d bytes, at most %d"), Widen(update.prefix),
-                                            value.size(), kLongestIdentityUpdate));
+    Log().WriteError(TEXT("copydata"),
+                     FormatText(TEXT("%s refused: %d bytes, at most %d"), Widen(update.prefix), value.size(),
+                                kLongestIdentityUpdate));
     return;
   }
   const std::string_view all = TextOf(value);

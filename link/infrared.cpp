@@ -1,9 +1,10 @@
 #include "link/infrared.h"
 
-#include "app/app_state.h"
 #include "base/debug_output.h"
 #include "base/handles.h"
+#include "link/link_state.h"
 #include "link/send_queue.h"
+#include "system/system_state.h"
 
 namespace veltra {
 
@@ -22,17 +23,18 @@ void ForwardInfraredCancel(HWND asker, Bytes request) {
 
 void StoreInfraredRecording(Bytes code) {
   constexpr size_t kShownBytes = 20;
-  AppState& state = GetAppState();
-  state.irCode.assign(code.begin(), code.end());
+  LinkState& link = Link();
+  link.irCode.assign(code.begin(), code.end());
+  const WideText path = DataFolder() + TEXT("ir.txt");
   const WideText shown = Widen(TextOf(code.first(std::min(code.size(), kShownBytes))));
-  MessageBoxW(state.hMainWnd, FormatText(TEXT("IRRecord received (%s)"), shown).c_str(), TEXT("IRRecord"),
+  MessageBoxW(MainWindow(), FormatText(TEXT("IRRecord received (%s)"), shown).c_str(), TEXT("IRRecord"),
               MB_OK);
 
-  const UniqueFile file(CreateFileW((state.dataFolder + TEXT("ir.txt")).c_str(), GENERIC_WRITE, 0, nullptr,
-                                    CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+  const UniqueFile file(
+      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return;
   DWORD written = 0;
-  WriteFile(file.Get(), state.irCode.data(), static_cast<DWORD>(state.irCode.size()), &written, nullptr);
+  WriteFile(file.Get(), link.irCode.data(), static_cast<DWORD>(link.irCode.size()), &written, nullptr);
 }
 
 }  // namespace veltra

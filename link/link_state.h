@@ -5,12 +5,16 @@
 
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string_view>
 #include <vector>
 
+#include "base/record.h"
 #include "base/text.h"
+#include "link/device_identity.h"
 #include "link/frame.h"
 #include "link/message_type.h"
+#include "link/serial_input.h"
 
 namespace veltra {
 
@@ -30,5 +34,19 @@ struct LinkReceiver {
   uint32_t badChecksumCount = 0;  // since it last reached 3; good frames do not reset it
   std::vector<uint8_t> spare;     // memory for the next message
 };
+
+struct LinkState {
+  int32_t PicPortNumber = 2;
+  std::shared_ptr<VeltraFramework::CSerialInput> picPort;  // null while the port is closed
+  void (*whenLineIsGone)() = nullptr;  // what was held down by the other end must be let go
+  LinkReceiver receiver;
+  PicQueue picQueue;
+  std::vector<uint8_t> irCode;  // the last infrared recording
+  DeviceIdentity identity;
+};
+
+inline LinkState& Link() {
+  return RecordOf<LinkState>();
+}
 
 }  // namespace veltra

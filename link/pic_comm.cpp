@@ -1,9 +1,9 @@
 #include "link/pic_comm.h"
 
-#include "app/app_state.h"
+#include "link/link_state.h"
 #include "link/send_queue.h"
 #include "link/serial_input.h"
-#include "switches/switch_outputs.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -11,64 +11,64 @@ namespace {
 constexpr const WCHAR* kDeviceChangeTag = TEXT("Err device change");
 
 bool IsLineLost() {
-  const AppState& state = GetAppState();
-  return state.picPort && !state.picPort->IsMonitoring();
+  return Link().picPort && !Link().picPort->IsMonitoring();
 }
 
 void StartPortRetryTimer() {
-  SetTimer(GetAppState().hMainWnd, PORT_RETRY_TIMER, kPortRetryMs, nullptr);
+  SetTimer(MainWindow(), PORT_RETRY_TIMER, kPortRetryMs, nullptr);
 }
 void StopPortRetryTimer() {
-  KillTimer(GetAppState().hMainWnd, PORT_RETRY_TIMER);
+  KillTimer(MainWindow(), PORT_RETRY_TIMER);
 }
 
 }  // namespace
 
 bool StartPicComm() {
   StopPicComm();
-  AppState& state = GetAppState();
-  auto port = std::make_shared<VeltraFramework::CSerialInput>(state.PicPortNumber, WideText());
+  auto port = std::make_shared<VeltraFramework::CSerialInput>(Link().PicPortNumber, WideText());
   if (!port->IsOpen()) {
-    state.log.Write(TEXT("StartPicComm"), TEXT("failed to open port"));
+    Log().Write(TEXT("StartPicComm"), TEXT("failed to open port"));
     return false;
   }
-  state.picPort = std::move(port);
-  state.picPort->StartMon(state.hMainWnd, nullptr);
+  Link().picPort = std::move(port);
+  Link().picPort->StartMon(MainWindow(), nullptr);
   return true;
 }
 
 void StopPicComm() {
-  AppState& state = GetAppState();
-  const auto port = std::move(state.picPort);
-  state.picPort = nullptr;
-  ForgetHeldSwitches();
+  const auto port = std::move(Link().picPort);
+  Link().picPort = nullptr;
+  Link().whenLineIsGone();
   ClearPicQueue();
   if (!port) return;
   port->StopMon();
   port->Close();
 }
 
+bool IsPicPortOpen() {
+  return Link().picPort != nullptr;
+}
+
 void OnPicPortChange(const WideText& portName, bool arrived) {
-  AppState& state = GetAppState();
-  state.log.WriteError(
+  Log().WriteError(
       kDeviceChangeTag,
       FormatText(TEXT("%s: %s"), arrived ? TEXT("Port arrived") : TEXT("Port removed"), portName));
-  if (portName != FormatText(TEXT("COM%d"), state.PicPortNumber)) return;
+  if (portName != FormatText(TEXT("COM%d"), Link().PicPortNumber)) return;
   StopPicComm();
   if (arrived) {
     StopPortRetryTimer();
     StartPicComm();
-    state.log.WriteError(kDeviceChangeTag, TEXT("Pic port reconnected"));
+    Log().WriteError(kDeviceChangeTag, TEXT("Pic port reconnected"));
   } else {
-    state.log.WriteError(kDeviceChangeTag, TEXT("Pic port dropped"));
+    Log().WriteError(kDeviceChangeTag, TEXT("Pic port dropped"));
     StartPortRetryTimer();
   }
 }
 
 void OnPicLineLost() {
   if (!IsLineLost()) return;  // a message of an earlier opening
-  GetAppState().log.WriteError(kDeviceChangeTag, TEXT("Pic port lost without notice"));
-  ForgetHeldSwitches();
+  Log().WriteError(kDeviceChangeTag, TEXT("Pic port lost without notice"));
+  Link().whenLineIsGone();
   StartPortRetryTimer();
 }
 

@@ -13,9 +13,11 @@ constexpr UINT kPortRetryMs = 30000;
 // Opens COM<PicPortNumber> and starts its monitor. False, with a log line, when the port cannot be opened.
 bool StartPicComm();
 
-// Lets go of what the switches hold down, drops the requests that wait (their replies cannot come any more) and closes
-// the port.
+// Lets go of what the switches hold down, drops the requests that wait (their replies cannot come any more)
+// and closes the port.
 void StopPicComm();
+
+[[nodiscard]] bool IsPicPortOpen();
 
 // A COM port arrived or was removed; `portName` in upper case. Other ports than the controller's get a log
 // line only.

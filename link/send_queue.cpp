@@ -1,7 +1,7 @@
 #include "link/send_queue.h"
 
-#include "app/app_state.h"
 #include "link/frame.h"
+#include "link/link_state.h"
 
 namespace veltra {
 namespace {
@@ -11,7 +11,7 @@ constexpr DWORD kFirstBytePauseMs = 5;  // between the first byte of a frame and
 }  // namespace
 
 void SendFrame(Bytes message) {
-  const auto& port = GetAppState().picPort;
+  const auto& port = Link().picPort;
   if (!port) return;
   const std::vector<uint8_t> frame = EncodeFrame(message);
   port->Write(frame.data(), 1);
@@ -20,15 +20,14 @@ void SendFrame(Bytes message) {
 }
 
 void EnqueueRequest(HWND replyTarget, Bytes content, MessageType type) {
-  AppState& state = GetAppState();
-  if (!state.picPort) return;
+  if (!Link().picPort) return;
   PicRequest request;
   request.replyTarget = replyTarget;
   request.bytes.reserve(content.size() + 1);
   request.bytes.push_back(static_cast<uint8_t>(type));
   request.bytes.insert(request.bytes.end(), content.begin(), content.end());
-  state.picQueue.push_back(std::move(request));
-  if (state.picQueue.size() == 1) TransmitHead();
+  Link().picQueue.push_back(std::move(request));
+  if (Link().picQueue.size() == 1) TransmitHead();
 }
 
 void SendText(std::string_view text) {
@@ -36,14 +35,36 @@ void SendText(std::string_view text) {
 }
 
 void TransmitHead() {
-  PicQueue& queue = GetAppState().picQueue;
+  PicQueue& queue = Link().picQueue;
   if (queue.empty() || queue.front().bytes.size() > kLongestRequest) return;
   queue.front().transmitted = true;
   SendFrame(queue.front().bytes);
 }
 
+void TransmitNewHead() {
+  const PicRequest* head = HeadRequest();
+  if (head && !head->transmitted) TransmitHead();
+}
+
+std::optional<PicRequest> TakeAnsweredRequest() {
+  PicQueue& queue = Link().picQueue;
+  if (queue.empty() || !queue.front().transmitted) return std::nullopt;
+  PicRequest request = std::move(queue.front());
+  queue.pop_front();
+  return request;
+}
+
+const PicRequest* HeadRequest() {
+  const PicQueue& queue = Link().picQueue;
+  return queue.empty() ? nullptr : &queue.front();
+}
+
+void DropRequests(bool (*isOfKind)(const PicRequest& request)) {
+  std::erase_if(Link().picQueue, isOfKind);
+}
+
 void ClearPicQueue() {
-  GetAppState().picQueue.clear();
+  Link().picQueue.clear();
 }
 
 }  // namespace veltra

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string_view>
 
 #include "base/text.h"
@@ -27,6 +28,19 @@ void SendText(std::string_view text);
 // Transmits the head, again when it was transmitted before. Nothing when the queue is empty or the head is
 // too long.
 void TransmitHead();
+
+// Transmits the head when it is new; what was transmitted waits for its answer.
+void TransmitNewHead();
+
+// The request that an answer belongs to, taken out of the queue. A head that was never transmitted is not the
+// one that was answered, and stays.
+std::optional<PicRequest> TakeAnsweredRequest();
+
+// Null when the queue is empty.
+const PicRequest* HeadRequest();
+
+// Drops the requests of one kind.
+void DropRequests(bool (*isOfKind)(const PicRequest& request));
 
 // Drops every request without transmitting anything.
 void ClearPicQueue();

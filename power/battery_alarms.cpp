@@ -1,12 +1,13 @@
 #include "power/battery_alarms.h"
 
-#include "app/app_state.h"
-#include "app/language.h"
-#include "app/sounds.h"
-#include "app/tray_icons.h"
 #include "power/alarm_decision.h"
-#include "power/power_off.h"
+#include "power/power_state.h"
 #include "resources/resource_ids.h"
+#include "system/language.h"
+#include "system/power_off.h"
+#include "system/sounds.h"
+#include "system/system_state.h"
+#include "system/tray_icons.h"
 
 namespace veltra {
 namespace {
@@ -18,15 +19,14 @@ constexpr int32_t kBatteryPictures[] = {IDI_BATTERY_HIGH, IDI_BATTERY_MEDIUM, ID
                                         IDI_BATTERY_EMPTY};
 
 AlarmDecision Decide() {
-  AppState& state = GetAppState();
-  BatteryStatus& battery = state.battery;
+  BatteryStatus& battery = Power().battery;
   return DecideAlarm({.onBattery = battery.GetPowerSource() == PowerSource::kBattery,
                       .capacity = battery.capacity,
                       .lowEnabled = battery.BattLow,
                       .criticalEnabled = battery.BattCrit,
                       .lowLevel = battery.BattLowPercentage,
                       .criticalLevel = battery.BattCritPercentage,
-                      .lowAlarmLevel = state.lowAlarmLevel});
+                      .lowAlarmLevel = Power().lowAlarmLevel});
 }
 
 void WarnLow() {
@@ -38,18 +38,17 @@ void WarnAndPowerOff() {
   PlayResourceSound(IDW_CRITICAL_ALARM, false);
   ShowTrayBalloon(LoadResString(IDS_CRITICAL_BALLOON));
   Sleep(kCriticalWarningMs);
-  if (PowerOffSystem()) SendMessageW(GetAppState().hMainWnd, WM_CLOSE, 0, 0);
+  if (PowerOffSystem()) SendMessageW(MainWindow(), WM_CLOSE, 0, 0);
 }
 
 }  // namespace
 
 void StartBatteryTimer() {
-  const AppState& state = GetAppState();
-  if (!state.Suspended) SetTimer(state.hMainWnd, kBatteryTimer, kBatteryCheckMs, nullptr);
+  if (!IsSuspended()) SetTimer(MainWindow(), kBatteryTimer, kBatteryCheckMs, nullptr);
 }
 
 void StopBatteryTimer() {
-  const HWND window = GetAppState().hMainWnd;
+  const HWND window = MainWindow();
   KillTimer(window, kBatteryTimer);
   MSG message = {};
   PeekMessageW(&message, window, WM_TIMER, WM_TIMER, PM_REMOVE);
@@ -58,18 +57,17 @@ void StopBatteryTimer() {
 void CheckBatteryAlarms() {
   StopBatteryTimer();
   const AlarmDecision decision = Decide();
-  GetAppState().lowAlarmLevel = decision.lowAlarmLevel;
+  Power().lowAlarmLevel = decision.lowAlarmLevel;
   if (decision.alarm == BatteryAlarm::kLow) WarnLow();
   if (decision.alarm == BatteryAlarm::kCritical) WarnAndPowerOff();
-  RetryTrayIcons(GetAppState().hMainWnd);
+  RetryTrayIcons(MainWindow());
   UpdateTrayBatteryIcon();
   StartBatteryTimer();
 }
 
 void UpdateTrayBatteryIcon() {
-  AppState& state = GetAppState();
-  const int32_t capacity = state.battery.capacity;
-  const PowerSource source = state.battery.GetPowerSource();
+  const int32_t capacity = Power().battery.capacity;
+  const PowerSource source = Power().battery.GetPowerSource();
   WideText tooltip = LoadResString(IDS_AC_POWER);
   int32_t iconId = IDI_MAINS;
   if (source == PowerSource::kBattery || source == PowerSource::kAcCharging)
@@ -79,7 +77,7 @@ void UpdateTrayBatteryIcon() {
     tooltip += TEXT(" (") + LoadResString(IDS_CHARGING) + TEXT(")");
     iconId = IDI_CHARGING;
   }
-  UpdateTrayIcon(state.hMainWnd, tooltip, iconId, false);
+  UpdateTrayIcon(MainWindow(), tooltip, iconId, false);
 }
 
 }  // namespace veltra

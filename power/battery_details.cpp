@@ -1,7 +1,7 @@
 #include "power/battery_details.h"
 
-#include "app/app_state.h"
 #include "link/send_queue.h"
+#include "power/power_state.h"
 
 namespace veltra {
 
@@ -9,10 +9,13 @@ void QueryBatteryDetails() {
   for (const BatteryDetail& detail : kBatteryDetails) SendText(detail.query);
 }
 
+WideText BatteryDetailText(int index) {
+  return Power().battery.GetDetail(index);
+}
+
 WideText BatteryDetailsText() {
-  const BatteryStatus& battery = GetAppState().battery;
   WideText text;
-  for (const BatteryDetail& detail : kBatteryDetails) text += detail.label + battery.GetDetail(detail.index);
+  for (const BatteryDetail& detail : kBatteryDetails) text += detail.label + BatteryDetailText(detail.index);
   return text;
 }
 

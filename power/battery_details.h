@@ -35,6 +35,9 @@ constexpr BatteryDetail kBatteryDetails[] = {
 // Asks the controller for all of them, in index order.
 void QueryBatteryDetails();
 
+// One of them as the controller answered it; empty when it has not.
+WideText BatteryDetailText(int index);
+
 // Every label with its text; a detail without an answer is empty.
 WideText BatteryDetailsText();
 

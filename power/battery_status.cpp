@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/app_state.h"
+#include "system/system_state.h"
 
 namespace veltra {
 
@@ -15,7 +15,7 @@ BatteryBand BandOf(int32_t capacity) {
 void BatteryStatus::SetCapacity(int32_t percent) {
   if (percent == capacity) return;
   capacity = percent;
-  GetAppState().log.WriteDetail(TEXT("Battery: Capacity"), FormatText(TEXT("%d"), percent));
+  Log().WriteDetail(TEXT("Battery: Capacity"), FormatText(TEXT("%d"), percent));
 }
 
 PowerSource BatteryStatus::GetPowerSource() {

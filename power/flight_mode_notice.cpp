@@ -1,20 +1,20 @@
 #include "power/flight_mode_notice.h"
 
-#include "app/app_state.h"
-#include "app/language.h"
-#include "app/tray_icons.h"
+#include "power/power_state.h"
 #include "resources/resource_ids.h"
+#include "system/language.h"
+#include "system/system_state.h"
+#include "system/tray_icons.h"
 
 namespace veltra {
 
 void StartFlightModeTimer() {
-  SetTimer(GetAppState().hMainWnd, kFlightModeTimer, kFlightModeNoticeMs, nullptr);
+  SetTimer(MainWindow(), kFlightModeTimer, kFlightModeNoticeMs, nullptr);
 }
 
 void OnFlightModeTimer() {
-  const AppState& state = GetAppState();
-  KillTimer(state.hMainWnd, kFlightModeTimer);
-  if (state.EnableFlightMode) ShowTrayBalloon(LoadResString(IDS_FLIGHT_MODE_BALLOON));
+  KillTimer(MainWindow(), kFlightModeTimer);
+  if (Power().EnableFlightMode) ShowTrayBalloon(LoadResString(IDS_FLIGHT_MODE_BALLOON));
 }
 
 }  // namespace veltra

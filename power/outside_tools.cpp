@@ -4,8 +4,8 @@
 
 #include <shellapi.h>
 
-#include "app/folders.h"
 #include "base/handles.h"
+#include "system/folders.h"
 
 namespace veltra {
 namespace {

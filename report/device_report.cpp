@@ -1,10 +1,11 @@
 #include "report/device_report.h"
 
-#include "app/app_state.h"
-#include "app/copied_data.h"
 #include "base/ansi_text.h"
+#include "base/xml_writer.h"
 #include "board/platform_info.h"
-#include "report/xml_writer.h"
+#include "link/identity_store.h"
+#include "power/battery_details.h"
+#include "system/copied_data.h"
 
 namespace veltra {
 namespace {
@@ -103,11 +104,11 @@ void AddItem(XmlElement& report, const WCHAR* category, WideView key, WideText v
 
 void AddHardware(XmlElement& report) {
   for (const HardwareItem& item : kHardwareItems)
-    AddItem(report, TEXT("HW"), item.key, item.value(GetAppState().identity));
+    AddItem(report, TEXT("HW"), item.key, item.value(Identity()));
 }
 
 void AddPlatform(XmlElement& report) {
-  const std::optional<PlatformInfo> platform = ReadPlatformInfo(GetAppState().board);
+  const std::optional<PlatformInfo> platform = ReadPlatformInfo();
   if (!platform) return;
   for (const PlatformItem& item : kPlatformItems)
     AddItem(report, TEXT("Platform"), item.key, item.value(*platform));
@@ -115,7 +116,7 @@ void AddPlatform(XmlElement& report) {
 
 void AddBattery(XmlElement& report) {
   for (const BatteryItem& item : kBatteryItems)
-    AddItem(report, TEXT("Battery"), item.key, GetAppState().battery.GetDetail(item.detail));
+    AddItem(report, TEXT("Battery"), item.key, BatteryDetailText(item.detail));
 }
 
 }  // namespace

@@ -1,29 +1,48 @@
 #include "simulator/console.h"
 
+#include <algorithm>
 #include <istream>
 
 #include "simulator/controller_commands.h"
 
 namespace simulator {
 
-Console::Console(std::ostream& out) : out_(out), timeline_(out) {
-  timeline_.Follow(tablet_);
+Console::Console(World& world, std::ostream& out) : world_(world), out_(out), timeline_(out) {
+  timeline_.Follow(world_);
+}
+
+Console::~Console() {
+  timeline_.StopFollowing(world_);
+}
+
+// "only windows COMMAND"
+Problem Console::RunOnly(std::string_view line, Words words) {
+  constexpr std::string_view kWorlds[] = {"tablet", "windows"};
+  if (words.size() < 3 || std::ranges::find(kWorlds, words[1]) == std::end(kWorlds))
+    return ExpectedArguments("tablet|windows COMMAND");
+  if (words[1] != world_.Name()) return {};
+  return RunLine(line.substr(line.find(words[1]) + words[1].size()));
 }
 
 Problem Console::RunLine(std::string_view line) {
   std::vector<std::string> words;
   if (!SplitWords(line, words)) return "a quote is not closed";
   if (words.empty()) return {};
+  if (words[0] == "only") return RunOnly(line, words);
   const ConsoleCommand* command = FindConsoleCommand(words[0]);
-  const ControllerCommand* controllerCommand = command ? nullptr : FindControllerCommand(words[0]);
-  if (!command && !controllerCommand) return "unknown command, \"help\" lists them";
+  const ControllerCommand* ofController = FindControllerCommand(words[0]);
+  const std::span<const WorldCommand> table = world_.Commands();
+  const auto ofWorld = std::ranges::find(table, words[0], &WorldCommand::name);
+  if (!command && !ofController && ofWorld == table.end()) return "unknown command, \"help\" lists them";
   const bool acts = !command || command->acts;
   if (acts) {
-    lastActionAt_ = tablet_.Machine().Now();
+    lastActionAt_ = world_.Now();
     timeline_.Add({lastActionAt_, ">", std::string(line.substr(line.find_first_not_of(" \t")))});
   }
-  const Problem problem = command ? command->run(*this, words) : controllerCommand->run(tablet_.Pic(), words);
-  if (acts) tablet_.Advance(Duration(0));  // what the tool does at once belongs to the command
+  const Problem problem = command        ? command->run(*this, words)
+                          : ofController ? ofController->run(world_.Pic(), words)
+                                         : ofWorld->run(world_, words);
+  if (acts) world_.Settle();  // what the tool does at once belongs to the command
   return problem;
 }
 

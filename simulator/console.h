@@ -1,27 +1,31 @@
-// The simulated tablet at the command line: one line is one command, for a person at a prompt, a
+// The tool and everything around it at the command line: one line is one command, for a person at a prompt, a
 // demonstration or a scenario. A line that cannot be carried out changes nothing and says what is wrong with
 // it.
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <string_view>
 
-#include "simulator/tablet.h"
 #include "simulator/timeline.h"
-#include "simulator/words.h"
+#include "simulator/world.h"
 
 namespace simulator {
 
 // What was there before the latest firmware update.
 struct UpdateRecord {
-  std::u16string file;
+  std::string file;
   std::vector<uint8_t> flash;
 };
 
 class Console {
  public:
-  explicit Console(std::ostream& out);
+  Console(World& world, std::ostream& out);
+
+  ~Console();
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
 
   Problem RunLine(std::string_view line);
   // Runs lines until one fails; the problem then begins with `name` and the line's number.
@@ -31,19 +35,25 @@ class Console {
 
   // For the commands.
   void End() { ended_ = true; }
-  SimulatedTablet& Tablet() { return tablet_; }
+  World& TheWorld() { return world_; }
   Timeline& TheTimeline() { return timeline_; }
   std::ostream& Out() { return out_; }
-  // When the last command ran that did something to the tablet.
+  // When the last command ran that did something.
   [[nodiscard]] Duration LastActionAt() const { return lastActionAt_; }
+  // How many requests the controller had before the tool was started last.
+  [[nodiscard]] size_t RequestsAtStart() const { return requestsAtStart_; }
+  void NoteStart() { requestsAtStart_ = world_.Pic().Requests().size(); }
   UpdateRecord& LastUpdate() { return lastUpdate_; }
 
  private:
+  Problem RunOnly(std::string_view line, Words words);
+
+  World& world_;
   std::ostream& out_;
   Timeline timeline_;
-  SimulatedTablet tablet_;
   Duration lastActionAt_{0};
   UpdateRecord lastUpdate_;
+  size_t requestsAtStart_ = 0;
   bool ended_ = false;
 };
 
@@ -51,7 +61,7 @@ struct ConsoleCommand {
   std::string_view name;
   std::string_view arguments;  // as help shows them
   std::string_view help;
-  bool acts;  // does something to the tablet: is printed on the timeline
+  bool acts;  // does something: is printed on the timeline
   // `words` holds the command's name and its arguments. Does nothing when it returns a problem.
   Problem (*run)(Console& console, Words words);
 };
@@ -65,9 +75,18 @@ Problem RunUpdate(Console& console, Words words);
 // The controller's flash is as it was before the latest update, but for what the file says.
 Problem CheckFlash(Console& console, Words arguments, bool wanted);
 
+// The person at dialogs, message boxes and tray icons.
+std::span<const ConsoleCommand> DialogCommands();
+// A control or a menu of the front dialog is as the rest of the words say.
+Problem CheckControl(Console& console, Words arguments, bool wanted);
+// One of the dialogs' texts holds the text, in the front dialog or, with `boxes`, in any message box.
+Problem CheckShown(Console& console, Words arguments, bool wanted, bool boxes);
+
 // What scenarios demand; the first words are "expect", "at" and "check".
 Problem RunExpect(Console& console, Words words);
 Problem RunAt(Console& console, Words words);
 Problem RunCheck(Console& console, Words words);
+// Tries again while it finds a problem, as long as the world is patient.
+Problem Eventually(Console& console, const std::function<Problem()>& attempt);
 
 }  // namespace simulator

@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "pal/person.h"
 #include "simulator/console.h"
 #include "simulator/controller_commands.h"
 
@@ -10,56 +9,47 @@ namespace {
 Problem CheckRegistry(Console& console, Words arguments, bool wanted) {
   const std::optional<int64_t> value = arguments.size() == 2 ? ParseNumber(arguments[1]) : std::nullopt;
   if (!value) return ExpectedArguments("registry NAME NUMBER");
-  const auto stored = console.Tablet().Machine().RegistryDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey,
-                                                               Utf16(arguments[0]));
-  if ((stored == static_cast<uint32_t>(*value)) == wanted) return {};
-  return "it is " + (stored ? std::to_string(static_cast<int32_t>(*stored)) : "absent");
+  std::optional<int32_t> stored;
+  for (const Setting& setting : console.TheWorld().Settings())
+    if (setting.name == arguments[0]) stored = setting.number;
+  if ((stored == static_cast<int32_t>(*value)) == wanted) return {};
+  return "it is " + (stored ? std::to_string(*stored) : "absent");
+}
+
+Problem CheckFile(Console& console, Words arguments, bool wanted) {
+  if (arguments.empty()) return ExpectedArguments("file NAME [TEXT]");
+  const auto content = console.TheWorld().ReadFile(std::string(kDataFolder) + arguments[0]);
+  const std::string text = JoinWords(arguments.subspan(1));
+  const bool found = content && content->find(text) != content->npos;
+  if (found == wanted) return {};
+  return content ? "it holds:\n" + *content : "there is no such file";
 }
 
 Problem CheckLog(Console& console, Words arguments, bool wanted) {
-  const auto log = console.Tablet().Machine().ReadFile(SimulatedTablet::kLogFile);
-  const bool found = log && log->find(JoinWords(arguments)) != log->npos;
-  if (found == wanted) return {};
-  return log ? "the log is:\n" + *log : "there is no log";
+  std::vector<std::string> file = {"DevLog.txt"};
+  file.insert(file.end(), arguments.begin(), arguments.end());
+  return CheckFile(console, file, wanted);
 }
 
 Problem CheckBox(Console& console, Words arguments, bool wanted) {
-  const std::vector<pal::OpenMessageBox> boxes = console.Tablet().Machine().OpenMessageBoxes();
-  const std::string text = JoinWords(arguments);
-  const bool found = std::ranges::any_of(boxes, [&text](const pal::OpenMessageBox& box) {
-    return Ascii(box.text).find(text) != std::string::npos ||
-           Ascii(box.caption).find(text) != std::string::npos;
-  });
-  if (found == wanted) return {};
-  std::string open = boxes.empty() ? "no message box is open" : "open:";
-  for (const pal::OpenMessageBox& box : boxes) open += " \"" + Ascii(box.text) + "\"";
-  return open;
+  return CheckShown(console, arguments, wanted, true);
 }
 
-Problem CheckDialog(Console&, Words arguments, bool wanted) {
-  const std::string text = JoinWords(arguments);
-  const std::optional<pal::DialogView> dialog = pal::person::FrontDialog();
-  const auto shows = [&text](const pal::ControlView& control) {
-    return Ascii(control.text).find(text) != std::string::npos;
-  };
-  if ((dialog && std::ranges::any_of(dialog->controls, shows)) == wanted) return {};
-  if (!dialog) return "no dialog is shown";
-  std::string shown = "it shows:";
-  for (const pal::ControlView& control : dialog->controls) shown += " \"" + Ascii(control.text) + "\"";
-  return shown;
+Problem CheckDialog(Console& console, Words arguments, bool wanted) {
+  return CheckShown(console, arguments, wanted, false);
 }
 
 Problem CheckExit(Console& console, Words arguments, bool wanted) {
   const std::optional<int64_t> code = arguments.size() == 1 ? ParseNumber(arguments[0]) : std::nullopt;
   if (!code) return ExpectedArguments("exit CODE");
-  const std::optional<int> exitCode = console.Tablet().Machine().ExitCode();
+  const std::optional<int> exitCode = console.TheWorld().ExitCode();
   if ((exitCode == static_cast<int>(*code)) == wanted) return {};
   return exitCode ? "it ended with " + std::to_string(*exitCode) : "the tool runs";
 }
 
 // The tool kept to the rules of the line: whole frames, one request at a time.
 Problem CheckLine(Console& console, Words, bool wanted) {
-  const std::vector<std::string>& violations = console.Tablet().Pic().Violations();
+  const std::vector<std::string>& violations = console.TheWorld().Pic().Violations();
   if (violations.empty() == wanted) return {};
   return violations.empty() ? "the tool kept to the rules" : violations.front();
 }
@@ -69,8 +59,9 @@ struct CheckRow {
   Problem (*run)(Console& console, Words arguments, bool wanted);
 };
 constexpr CheckRow kChecks[] = {
-    {"registry", CheckRegistry}, {"log", CheckLog},     {"box", CheckBox},       {"exit", CheckExit},
-    {"line", CheckLine},         {"flash", CheckFlash}, {"dialog", CheckDialog},
+    {"registry", CheckRegistry}, {"log", CheckLog},       {"file", CheckFile},
+    {"box", CheckBox},           {"dialog", CheckDialog}, {"control", CheckControl},
+    {"exit", CheckExit},         {"line", CheckLine},     {"flash", CheckFlash},
 };
 
 Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
@@ -80,8 +71,11 @@ Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
   if (whole) words = words.subspan(1);
   if (words.empty()) return ExpectedArguments("[no] [exactly] TEXT");
   const std::string pattern = JoinWords(words);
-  return none ? console.TheTimeline().ExpectNone(pattern, whole)
-              : console.TheTimeline().Expect(pattern, whole, at);
+  if (none) {
+    console.TheWorld().Settle();
+    return console.TheTimeline().ExpectNone(pattern, whole);
+  }
+  return Eventually(console, [&] { return console.TheTimeline().Expect(pattern, whole, at); });
 }
 
 }  // namespace
@@ -99,14 +93,23 @@ Problem RunAt(Console& console, Words words) {
   return ExpectIn(console, words.subspan(3), relative ? console.LastActionAt() + *time : *time);
 }
 
+Problem Eventually(Console& console, const std::function<Problem()>& attempt) {
+  World& world = console.TheWorld();
+  Problem problem = attempt();
+  if (!problem || world.Tolerance() == Duration(0)) return problem;
+  world.WaitUntil([&] { return !(problem = attempt()); }, world.Tolerance());
+  return problem;
+}
+
 Problem RunCheck(Console& console, Words words) {
   Words rest = words.subspan(1);
   const bool wanted = rest.empty() || rest[0] != "no";
   if (!wanted) rest = rest.subspan(1);
   const auto* row = rest.empty() ? std::end(kChecks)
                                  : std::ranges::find(kChecks, std::string_view(rest[0]), &CheckRow::name);
-  if (row == std::end(kChecks)) return ExpectedArguments("[no] registry|log|box|dialog|exit|line|flash ...");
-  return row->run(console, rest.subspan(1), wanted);
+  if (row == std::end(kChecks))
+    return ExpectedArguments("[no] registry|log|file|box|dialog|control|exit|line|flash ...");
+  return Eventually(console, [&] { return row->run(console, rest.subspan(1), wanted); });
 }
 
 }  // namespace simulator

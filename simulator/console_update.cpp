@@ -13,12 +13,12 @@ namespace simulator {
 namespace {
 
 // Where the files of this computer appear on the tablet.
-std::u16string TabletPath(const std::string& name) {
-  return u"C:\\Users\\Public\\Documents\\" + Utf16(name.substr(name.find_last_of('/') + 1));
+std::string TabletPath(const std::string& name) {
+  return std::string(kDocuments) + name.substr(name.find_last_of('/') + 1);
 }
 
 std::span<const uint8_t> FlashOf(Console& console) {
-  return console.Tablet().Pic().bootloader.Memory().Bytes();
+  return console.TheWorld().Pic().bootloader.Memory().Bytes();
 }
 
 // True when there is such a file here: then it is on the tablet now.
@@ -26,7 +26,7 @@ bool CopyFromHere(Console& console, const std::string& name) {
   std::ifstream file(name, std::ios::binary);
   if (!file) return false;
   const std::string text{std::istreambuf_iterator<char>(file), {}};
-  console.Tablet().Machine().WriteFile(TabletPath(name), text);
+  console.TheWorld().WriteFile(TabletPath(name), text);
   return true;
 }
 
@@ -52,23 +52,27 @@ Problem RunFirmwareFile(Console& console, Words words) {
   if (words[2] == "all") rows = ProgrammableRows();
   FirmwareBytes bytes;
   for (const uint32_t row : rows) AddFirmwareRow(bytes, row);
-  console.Tablet().Machine().WriteFile(TabletPath(words[1]), HexText(bytes));
+  console.TheWorld().WriteFile(TabletPath(words[1]), HexText(bytes));
   return {};
 }
 
 Problem RunUpdate(Console& console, Words words) {
   if (words.size() != 2) return ExpectedArguments("FILE");
-  const std::u16string path = TabletPath(words[1]);
-  if (!CopyFromHere(console, words[1]) && !console.Tablet().Machine().ReadFile(path))
+  const std::string path = TabletPath(words[1]);
+  if (!CopyFromHere(console, words[1]) && !console.TheWorld().ReadFile(path))
     return "neither here nor on the tablet: " + words[1];
   const std::span<const uint8_t> flash = FlashOf(console);
   console.LastUpdate() = {path, {flash.begin(), flash.end()}};
-  return console.Tablet().SendUpdate(path) ? Problem() : "the tool does not answer";
+  constexpr uint64_t kFirmwareUpdate = 2;
+  std::string payload;  // UTF-16 with its terminator
+  for (const char16_t unit : Utf16(path) + u'\0')
+    payload.append({static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)});
+  return console.TheWorld().SendData("", kFirmwareUpdate, payload) ? Problem() : "the tool does not answer";
 }
 
 Problem CheckFlash(Console& console, Words, bool wanted) {
   const UpdateRecord& update = console.LastUpdate();
-  const auto file = console.Tablet().Machine().ReadFile(update.file);
+  const auto file = console.TheWorld().ReadFile(update.file);
   if (update.flash.empty() || !file) return "there was no update";
   const std::vector<uint8_t> expected = FlashAfterUpdate(update.flash, BytesIn(*file));
   const auto [in, out] = std::ranges::mismatch(expected, FlashOf(console));

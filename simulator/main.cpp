@@ -9,6 +9,7 @@
 
 #include "simulator/console.h"
 #include "simulator/demonstration.h"
+#include "simulator/tablet_world.h"
 
 namespace {
 
@@ -52,9 +53,10 @@ void Prompt(simulator::Console& console) {
 }
 
 int Run(const Options& options, std::istream& script, const std::string& scriptName, std::ostream& trace) {
-  simulator::Console console(std::cout);
-  const auto writeTrace = [&console, &trace] {
-    for (const pal::Effect& effect : console.Tablet().Machine().Effects())
+  simulator::TabletWorld world;
+  simulator::Console console(world, std::cout);
+  const auto writeTrace = [&world, &trace] {
+    for (const pal::Effect& effect : world.Tablet().Machine().Effects())
       trace << pal::ToJson(effect) << "\n";
   };
   if (const simulator::Problem problem = console.RunScript(script, scriptName)) {

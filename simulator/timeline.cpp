@@ -8,46 +8,6 @@ namespace {
 
 constexpr std::string_view kFromController = "controller ->";
 constexpr std::string_view kFromTool = "tool ->";
-constexpr std::string_view kEffect = "effect";
-constexpr std::string_view kBus = "i2c";  // hundreds of transfers at every start
-
-// Effects that a person at the tablet, or beside it, would notice. The others are the tool's own
-// housekeeping.
-// clang-format off
-template <class Detail>
-constexpr bool kNoticed =
-    std::is_same_v<Detail, pal::SerialOpened> ||
-    std::is_same_v<Detail, pal::SerialClosed> ||
-    std::is_same_v<Detail, pal::MouseInput> ||
-    std::is_same_v<Detail, pal::KeyInput> ||
-    std::is_same_v<Detail, pal::ExecutionState> ||
-    std::is_same_v<Detail, pal::WindowsExit> ||
-    std::is_same_v<Detail, pal::SessionHeld> ||
-    std::is_same_v<Detail, pal::Beep> ||
-    std::is_same_v<Detail, pal::BoxShown> ||
-    std::is_same_v<Detail, pal::BoxAnswered> ||
-    std::is_same_v<Detail, pal::DialogShown> ||
-    std::is_same_v<Detail, pal::DialogHidden> ||
-    std::is_same_v<Detail, pal::FileBoxShown> ||
-    std::is_same_v<Detail, pal::FileBoxAnswered> ||
-    std::is_same_v<Detail, pal::ForeignMessageSent> ||
-    std::is_same_v<Detail, pal::DeviceCall> ||
-    std::is_same_v<Detail, pal::TrayChange> ||
-    std::is_same_v<Detail, pal::MenuShown> ||
-    std::is_same_v<Detail, pal::MenuChosen> ||
-    std::is_same_v<Detail, pal::SoundPlayed> ||
-    std::is_same_v<Detail, pal::PlaybackLevel> ||
-    std::is_same_v<Detail, pal::ProgramExecuted> ||
-    std::is_same_v<Detail, pal::ProgramStarted> ||
-    std::is_same_v<Detail, pal::ProgramEnded>;
-// clang-format on
-
-bool IsNoticed(const pal::Effect& effect) {
-  const auto* call = std::get_if<pal::DeviceCall>(&effect.detail);
-  if (call && call->device == kBus) return false;
-  return std::visit([](const auto& detail) { return kNoticed<std::decay_t<decltype(detail)>>; },
-                    effect.detail);
-}
 
 bool Matches(const TimelineEntry& entry, std::string_view pattern, bool whole) {
   const std::string line = entry.Line();
@@ -60,15 +20,18 @@ std::string TimelineEntry::Line() const {
   return who == kFromController || who == kFromTool ? who + " " + text : text;
 }
 
-void Timeline::Follow(SimulatedTablet& tablet) {
-  tablet.Pic().OnTraffic([this](const Traffic& traffic) {
+void Timeline::Follow(World& world) {
+  world.Pic().OnTraffic([this](const Traffic& traffic) {
     const bool fromTool = traffic.direction == Traffic::Direction::kFromTool;
     Add({traffic.at, std::string(fromTool ? kFromTool : kFromController), Describe(traffic)});
     if (showBytes_ && !silent_) out_ << std::string(26, ' ') << DescribeBytes(traffic.wire) << "\n";
   });
-  tablet.Machine().OnEffect([this](const pal::Effect& effect) {
-    Add({effect.at, std::string(kEffect), pal::Describe(effect)}, showAll_ || IsNoticed(effect));
-  });
+  world.OnEntry([this](TimelineEntry entry, bool noticed) { Add(std::move(entry), showAll_ || noticed); });
+}
+
+void Timeline::StopFollowing(World& world) {
+  world.Pic().OnTraffic({});
+  world.OnEntry({});
 }
 
 void Timeline::Add(TimelineEntry entry, bool print) {

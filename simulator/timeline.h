@@ -1,6 +1,6 @@
-// Everything that happens on a simulated tablet, in one order: frames of both ends of the line, the tool's
-// effects on the machine, and what a person or a script did. It is what the console prints and what
-// expectations look at.
+// Everything that happens in a story, in one order: frames of both ends of the line, what the tool does to
+// the machine, and what a person or a script did. It is what the console prints and what expectations look
+// at.
 #pragma once
 
 #include <iosfwd>
@@ -8,25 +8,17 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/tablet.h"
-#include "simulator/words.h"
+#include "simulator/world.h"
 
 namespace simulator {
-
-struct TimelineEntry {
-  Duration at{0};
-  std::string who;   // "controller ->", "tool ->", "effect", ">"
-  std::string text;  // "Sw1Make", "mouse left down"
-  // What expectations compare: with `who` for what crosses the line, alone otherwise.
-  [[nodiscard]] std::string Line() const;
-};
 
 class Timeline {
  public:
   explicit Timeline(std::ostream& out) : out_(out) {}
 
-  // Follows the tablet, which must not outlive this object.
-  void Follow(SimulatedTablet& tablet);
+  // Follows the world until told otherwise, and before this object is gone.
+  void Follow(World& world);
+  static void StopFollowing(World& world);
   void Add(TimelineEntry entry, bool print = true);
 
   // Shows the bytes of frames below them.

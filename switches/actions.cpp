@@ -7,13 +7,13 @@
 #include <algorithm>
 #include <iterator>
 
-#include "app/app_state.h"
-#include "app/folders.h"
 #include "board/volume.h"
-#include "switches/injected_input.h"
 #include "switches/macro_plugin.h"
-#include "switches/maker_applications.h"
-#include "switches/start_program.h"
+#include "switches/switch_state.h"
+#include "system/folders.h"
+#include "system/injected_input.h"
+#include "system/maker_applications.h"
+#include "system/start_program.h"
 
 namespace veltra {
 namespace {
@@ -89,7 +89,7 @@ constexpr ActionRow kActionRows[] = {
 
 void ExecuteButtonAction(size_t index) {
   // A copy: while an application handles its message, the options dialog may load the profile again.
-  const ButtonAction action = GetAppState().buttonActions.at(index);
+  const ButtonAction action = Switches().buttonActions.at(index);
   PlaySoundW(nullptr, nullptr, 0);
   const auto* row = std::ranges::find(kActionRows, static_cast<ActionType>(action.BtCmd), &ActionRow::type);
   if (row != std::end(kActionRows)) row->perform(action);

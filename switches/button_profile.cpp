@@ -4,8 +4,9 @@
 
 #include <algorithm>
 
-#include "app/app_state.h"
 #include "switches/profile_encoding.h"
+#include "switches/switch_state.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -60,19 +61,19 @@ void WriteAction(const ButtonAction& action, const WideText& section, const Wide
 
 WideText ProfilePath(const WideText& name) {
   if (name.find(':') != name.npos) return name;
-  return GetAppState().dataFolder + name + TEXT(".bpf");
+  return DataFolder() + name + TEXT(".bpf");
 }
 
 }  // namespace
 
 void LoadProfile(const WideText& path) {
-  ButtonActions& actions = GetAppState().buttonActions;
+  ButtonActions& actions = Switches().buttonActions;
   if (!Exists(path)) return SetDefaults(actions);
   for (size_t index = 0; index < actions.size(); ++index) actions[index] = ReadAction(SectionOf(index), path);
 }
 
 void SaveProfile(const WideText& name) {
-  const ButtonActions& actions = GetAppState().buttonActions;
+  const ButtonActions& actions = Switches().buttonActions;
   const WideText path = ProfilePath(name);
   const auto fits = [](const ButtonAction& action) { return FitsCodePage(action.BtCmdText); };
   if (!std::ranges::all_of(actions, fits) && !MakeProfileUtf16(path)) return;
@@ -80,7 +81,7 @@ void SaveProfile(const WideText& name) {
 }
 
 WideText CurrentProfilePath() {
-  return GetAppState().dataFolder + TEXT("curprofile.bpf");
+  return DataFolder() + TEXT("curprofile.bpf");
 }
 
 }  // namespace veltra

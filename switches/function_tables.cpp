@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "app/folders.h"
-#include "app/language.h"
 #include "base/profile_section.h"
+#include "system/folders.h"
+#include "system/language.h"
 
 namespace veltra {
 namespace {

@@ -1,6 +1,6 @@
 #include "switches/joystick.h"
 
-#include "app/app_state.h"
+#include "switches/switch_state.h"
 
 namespace veltra {
 namespace {
@@ -12,38 +12,34 @@ constexpr int kFree = 1;
 }  // namespace
 
 void StartVirtualJoystick() {
-  AppState& state = GetAppState();
-  state.joystick = LoadJoystickLibrary();
-  const JoystickLibrary& library = state.joystick;
+  Switches().joystick = LoadJoystickLibrary();
+  const JoystickLibrary& library = Switches().joystick;
   if (!library.IsComplete()) return;
   WORD libraryVersion = 0;
   WORD driverVersion = 0;
   if (!library.vJoyEnabled() || !library.DriverMatch(&libraryVersion, &driverVersion)) return;
-  const int status = library.GetVJDStatus(state.VJoyDeviceId);
+  const int status = library.GetVJDStatus(Switches().VJoyDeviceId);
   if (status != kOwnedByThisProgram && status != kFree) return;
-  if (!library.AcquireVJD(state.VJoyDeviceId)) return;
-  library.ResetVJD(state.VJoyDeviceId);
-  state.VJoyAcquired = true;
+  if (!library.AcquireVJD(Switches().VJoyDeviceId)) return;
+  library.ResetVJD(Switches().VJoyDeviceId);
+  Switches().VJoyAcquired = true;
 }
 
 void AcquireVirtualJoystick() {
-  const AppState& state = GetAppState();
-  const JoystickLibrary& library = state.joystick;
-  if (library.GetVJDStatus(state.VJoyDeviceId) != kFree) return;
-  if (library.AcquireVJD(state.VJoyDeviceId)) library.ResetVJD(state.VJoyDeviceId);
+  const JoystickLibrary& library = Switches().joystick;
+  if (library.GetVJDStatus(Switches().VJoyDeviceId) != kFree) return;
+  if (library.AcquireVJD(Switches().VJoyDeviceId)) library.ResetVJD(Switches().VJoyDeviceId);
 }
 
 void SetJoystickButton(bool down, UCHAR button) {
-  const AppState& state = GetAppState();
-  if (!state.VJoyAcquired) return;
+  if (!Switches().VJoyAcquired) return;
   AcquireVirtualJoystick();
-  state.joystick.SetBtn(down ? TRUE : FALSE, state.VJoyDeviceId, button);
+  Switches().joystick.SetBtn(down ? TRUE : FALSE, Switches().VJoyDeviceId, button);
 }
 
 void StopVirtualJoystick() {
-  AppState& state = GetAppState();
-  if (state.VJoyAcquired) state.joystick.RelinquishVJD(state.VJoyDeviceId);
-  state.VJoyAcquired = false;
+  if (Switches().VJoyAcquired) Switches().joystick.RelinquishVJD(Switches().VJoyDeviceId);
+  Switches().VJoyAcquired = false;
 }
 
 }  // namespace veltra

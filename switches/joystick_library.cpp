@@ -1,6 +1,6 @@
 #include "switches/joystick_library.h"
 
-#include "app/folders.h"
+#include "system/folders.h"
 
 namespace veltra {
 

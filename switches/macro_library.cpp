@@ -1,6 +1,6 @@
 #include "switches/macro_library.h"
 
-#include "app/folders.h"
+#include "system/folders.h"
 
 namespace veltra {
 

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <array>
 
-#include "app/app_state.h"
-#include "app/folders.h"
-#include "app/language.h"
 #include "base/ansi_text.h"
+#include "switches/switch_state.h"
+#include "system/folders.h"
+#include "system/language.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -33,29 +34,28 @@ struct Buffer {
 void LoadMacroLibrary() {
   MacroLibrary library = LoadMacroLibraryFile(TEXT("macm_") + GetCurrentLanguageName() + TEXT(".dll"));
   if (!library.module) library = LoadMacroLibraryFile(kEnglishLibrary);
-  std::shared_ptr<const MacroLibrary>& macros = GetAppState().macros;
+  std::shared_ptr<const MacroLibrary>& macros = Switches().macros;
   macros = library.module ? std::make_shared<const MacroLibrary>(std::move(library)) : nullptr;
 }
 
 void UnloadMacroLibrary() {
-  GetAppState().macros.reset();
+  Switches().macros.reset();
 }
 
 // Both hold the library until they are done: a message that the plug-in lets through may unload it meanwhile.
 
 void RunMacro(WideView macro) {
-  const std::shared_ptr<const MacroLibrary> macros = GetAppState().macros;
+  const std::shared_ptr<const MacroLibrary> macros = Switches().macros;
   if (!macros || !macros->RunMacro) return;
   if (const std::optional<std::string> ansi = ConvertToAnsi(macro)) macros->RunMacro(ansi->c_str(), 0);
 }
 
 std::optional<WideText> ComposeMacro(HWND owner, WideView macro) {
-  const AppState& state = GetAppState();
-  const std::shared_ptr<const MacroLibrary> macros = state.macros;
+  const std::shared_ptr<const MacroLibrary> macros = Switches().macros;
   if (!macros || !macros->ComposeMacro) return std::nullopt;
   Buffer<kModelSize> model(GetDeviceModelName());
   Buffer<kMacroSize> text(macro);
-  Buffer<kCustomFileSize> customFile(state.dataFolder + kCustomMacros);
+  Buffer<kCustomFileSize> customFile(DataFolder() + kCustomMacros);
   const char* composed =
       macros->ComposeMacro(owner, model.bytes.data(), text.bytes.data(), customFile.bytes.data());
   if (!composed) return std::nullopt;

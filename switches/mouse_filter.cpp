@@ -1,10 +1,10 @@
 #include "switches/mouse_filter.h"
 
-#include "app/app_state.h"
+#include "switches/switch_state.h"
 
 namespace veltra {
 void MouseFilter(int32_t mode) {
-  MouseFilterLibrary& library = GetAppState().mouseFilter;
+  MouseFilterLibrary& library = Switches().mouseFilter;
   if (!library.MouseFilter) library = LoadMouseFilterLibrary();
   if (library.MouseFilter) library.MouseFilter(mode);
 }

@@ -2,14 +2,15 @@
 
 #include <utility>
 
-#include "app/app_state.h"
 #include "switches/actions.h"
 #include "switches/button_action.h"
-#include "switches/injected_input.h"
-#include "switches/maker_applications.h"
 #include "switches/mouse_filter.h"
 #include "switches/switch_indicator.h"
 #include "switches/switch_outputs.h"
+#include "switches/switch_state.h"
+#include "system/injected_input.h"
+#include "system/maker_applications.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -43,31 +44,31 @@ struct SideButton {
   WCHAR released;
   WPARAM source;  // in the registered message
   UINT_PTR timer;
-  bool AppState::*held;
+  bool SwitchesState::*held;
   bool needsAllowEscape;
   void (*shortPress)();
   void (*longPress)();
 };
 
 constexpr SideButton kSideButtons[] = {
-    {'E', 'e', 3, kMiddleButtonTimer, &AppState::escHeld, true, MiddleShortPress, MiddleLongPress},
-    {'Y', 'y', 4, kTopButtonTimer, &AppState::fn1Held, false, ShortAction<kTopShort>, LongAction<kTopLong>},
-    {'Z', 'z', 5, kBottomButtonTimer, &AppState::fn2Held, false, ShortAction<kBottomShort>,
+    {'E', 'e', 3, kMiddleButtonTimer, &SwitchesState::escHeld, true, MiddleShortPress, MiddleLongPress},
+    {'Y', 'y', 4, kTopButtonTimer, &SwitchesState::fn1Held, false, ShortAction<kTopShort>,
+     LongAction<kTopLong>},
+    {'Z', 'z', 5, kBottomButtonTimer, &SwitchesState::fn2Held, false, ShortAction<kBottomShort>,
      LongAction<kBottomLong>},
 };
 
 void OnSideButton(const SideButton& button, bool pressed) {
-  AppState& state = GetAppState();
-  if (button.needsAllowEscape && !state.AllowEscape) return;
-  if (state.SwitchInputMessage != 0)
-    SendNotifyMessageW(HWND_BROADCAST, state.SwitchInputMessage, button.source, pressed ? 1 : 0);
+  if (button.needsAllowEscape && !Switches().AllowEscape) return;
+  if (Switches().SwitchInputMessage != 0)
+    SendNotifyMessageW(HWND_BROADCAST, Switches().SwitchInputMessage, button.source, pressed ? 1 : 0);
   if (pressed) {
-    SetTimer(state.hMainWnd, button.timer, kLongPressMs, nullptr);
-    state.*button.held = true;
+    SetTimer(MainWindow(), button.timer, kLongPressMs, nullptr);
+    Switches().*button.held = true;
     return;
   }
-  KillTimer(state.hMainWnd, button.timer);
-  const bool wasHeld = std::exchange(state.*button.held, false);
+  KillTimer(MainWindow(), button.timer);
+  const bool wasHeld = std::exchange(Switches().*button.held, false);
   if (wasHeld) button.shortPress();
 }
 
@@ -88,7 +89,7 @@ constexpr SwitchLetter kSwitchLetters[] = {
 };
 
 void NoteHeld(const SwitchLetter& event) {
-  int& mask = GetAppState().switchIndicator.pressedMask;
+  int& mask = Switches().switchIndicator.pressedMask;
   const int bit = 1 << event.index;
   mask = event.pressed ? mask | bit : mask & ~bit;
 }
@@ -96,16 +97,15 @@ void NoteHeld(const SwitchLetter& event) {
 // Whether somebody else takes the event: the maker's communication or keyboard application, or the options
 // dialog.
 bool HandToOthers(const SwitchLetter& event) {
-  const AppState& state = GetAppState();
   if (const HWND talkBuilder = FindWindowW(kTalkBuilderClass, nullptr)) {
     SendMessageW(talkBuilder, kSwitchLetterMessage, 0, event.letter);
     return true;
   }
   if (const HWND lexora = FindWindowW(kLexoraClass, nullptr)) {
-    SendMessageW(lexora, kSwitchLetterMessage, 0, state.LexoraRevSw ? event.swapped : event.letter);
+    SendMessageW(lexora, kSwitchLetterMessage, 0, Switches().LexoraRevSw ? event.swapped : event.letter);
     return true;
   }
-  const HWND options = state.switchIndicator.dialogWindow;
+  const HWND options = Switches().switchIndicator.dialogWindow;
   if (!options) return false;
   RepaintSwitchIndicator(options);
   return true;
@@ -136,11 +136,10 @@ void HandleSwitchEvent(WCHAR letter) {
 }
 
 void OnLongPressTimer(UINT_PTR timer) {
-  AppState& state = GetAppState();
   for (const SideButton& button : kSideButtons) {
     if (timer != button.timer) continue;
-    KillTimer(state.hMainWnd, button.timer);
-    state.*button.held = false;
+    KillTimer(MainWindow(), button.timer);
+    Switches().*button.held = false;
     button.longPress();
   }
 }

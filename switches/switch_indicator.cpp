@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "app/app_state.h"
 #include "base/handles.h"
 #include "resources/resource_ids.h"
+#include "switches/switch_state.h"
 
 namespace veltra {
 namespace {
@@ -55,8 +55,7 @@ void DrawCircles(HDC context, const RECT& area) {
   const LONG top = area.top + kMargin;
   for (int circle = 0; circle < kCircles; ++circle) {
     const LONG x = left + circle * (diameter + kGap);
-    DrawCircle(context, {x, top, x + diameter, top + diameter},
-               ColourOf(GetAppState().switchIndicator, circle));
+    DrawCircle(context, {x, top, x + diameter, top + diameter}, ColourOf(Switches().switchIndicator, circle));
   }
 }
 
@@ -78,14 +77,14 @@ void RepaintSwitchIndicator(HWND dialog) {
 }
 
 void OnIndicatorDoubleClick(HWND dialog) {
-  int& count = GetAppState().switchIndicator.serviceCount;
+  int& count = Switches().switchIndicator.serviceCount;
   count = std::min(count + 1, kSteps);
   MessageBeep(MB_OK);
   InvalidateRect(dialog, nullptr, TRUE);
 }
 
 bool MayStartFirmwareUpdate() {
-  return GetAsyncKeyState(VK_SHIFT) < 0 || GetAppState().switchIndicator.serviceCount == kSteps;
+  return GetAsyncKeyState(VK_SHIFT) < 0 || Switches().switchIndicator.serviceCount == kSteps;
 }
 
 }  // namespace veltra

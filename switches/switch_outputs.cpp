@@ -2,27 +2,27 @@
 
 #include <utility>
 
-#include "app/app_state.h"
-#include "switches/injected_input.h"
+#include "link/pic_comm.h"
 #include "switches/joystick.h"
-#include "switches/maker_applications.h"
+#include "switches/switch_state.h"
+#include "system/injected_input.h"
+#include "system/maker_applications.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
 
 int32_t SettingOf(SwitchIndex index) {
-  const AppState& state = GetAppState();
-  return index == kSwitch1 ? state.Sw1CmdVal : state.Sw2CmdVal;
+  return index == kSwitch1 ? Switches().Sw1CmdVal : Switches().Sw2CmdVal;
 }
 
 // To the communication application when it runs, else to everyone.
 void NotifySwitch(SwitchIndex index, bool pressed) {
-  const AppState& state = GetAppState();
-  if (state.SwitchInputMessage == 0) return;
+  if (Switches().SwitchInputMessage == 0) return;
   const HWND application = FindWindowW(kTalkBuilder4Class, nullptr);
-  const bool swapped = application && state.TB4RevSw;
+  const bool swapped = application && Switches().TB4RevSw;
   const WPARAM source = (index == kSwitch1) != swapped ? 1 : 2;
-  SendNotifyMessageW(application ? application : HWND_BROADCAST, state.SwitchInputMessage, source,
+  SendNotifyMessageW(application ? application : HWND_BROADCAST, Switches().SwitchInputMessage, source,
                      pressed ? 1 : 0);
 }
 
@@ -47,14 +47,13 @@ void Output(int32_t value, bool pressed) {
 
 // A press may wait in the message queue when the port is closed or the tablet is about to sleep.
 bool CanReleaseCome() {
-  const AppState& state = GetAppState();
-  return state.picPort && !state.Suspended;
+  return IsPicPortOpen() && !IsSuspended();
 }
 
 }  // namespace
 
 void PressSwitch(SwitchIndex index) {
-  HeldOutput& held = GetAppState().heldOutputs[index];
+  HeldOutput& held = Switches().heldOutputs[index];
   const int32_t value = SettingOf(index);
   if (held.value && *held.value != value) ReleaseHeldSwitch(index);
   held = {};
@@ -65,7 +64,7 @@ void PressSwitch(SwitchIndex index) {
 }
 
 void ReleaseSwitch(SwitchIndex index) {
-  const HeldOutput held = std::exchange(GetAppState().heldOutputs[index], {});
+  const HeldOutput held = std::exchange(Switches().heldOutputs[index], {});
   const int32_t value = SettingOf(index);
   if (held.value) Output(*held.value, false);
   if (value == kSwitchNormal) return NotifySwitch(index, false);
@@ -73,7 +72,7 @@ void ReleaseSwitch(SwitchIndex index) {
 }
 
 void ReleaseHeldSwitch(SwitchIndex index) {
-  HeldOutput& held = GetAppState().heldOutputs[index];
+  HeldOutput& held = Switches().heldOutputs[index];
   if (!held.value) return;
   Output(*held.value, false);
   held = {.value = std::nullopt, .releasedEarly = true};
@@ -86,7 +85,7 @@ void ReleaseHeldSwitches() {
 
 void ForgetHeldSwitches() {
   ReleaseHeldSwitches();
-  GetAppState().switchIndicator.pressedMask = 0;
+  Switches().switchIndicator.pressedMask = 0;
 }
 
 }  // namespace veltra

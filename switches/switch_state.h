@@ -1,4 +1,4 @@
-// What the switches hold down at the moment: records.
+// The switches and the side buttons: records.
 #pragma once
 
 #include <windows.h>
@@ -6,7 +6,14 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
+
+#include "base/record.h"
+#include "switches/button_action.h"
+#include "switches/joystick_library.h"
+#include "switches/macro_library.h"
+#include "switches/mouse_filter_library.h"
 
 namespace veltra {
 
@@ -34,5 +41,34 @@ struct SwitchIndicator {
   HWND dialogWindow = nullptr;  // the open options dialog
   int serviceCount = 0;         // double clicks of the service gesture so far, at most 2
 };
+
+struct SwitchesState {
+  // Settings.
+  int32_t Sw1Start = 0;  // ms until switch 1 starts the tablet, 0 never
+  bool SwClicks = false;
+  int32_t Sw1CmdVal = kSwitchNormal;
+  int32_t Sw2CmdVal = kSwitchNormal;
+  bool AllowEscape = true;
+  bool TB4RevSw = false;
+  bool LexoraRevSw = false;
+
+  UINT SwitchInputMessage = RegisterWindowMessageW(TEXT("Veltra_SwitchInput"));  // 0 when that failed
+  HeldOutputs heldOutputs;
+  SwitchIndicator switchIndicator;
+  bool escHeld = false;  // a long press of the middle, top or bottom side button is pending
+  bool fn1Held = false;
+  bool fn2Held = false;
+
+  ButtonActions buttonActions;                 // what a press of each side button does
+  std::shared_ptr<const MacroLibrary> macros;  // null without a plug-in; who is at work in it holds it too
+  UINT VJoyDeviceId = 1;
+  bool VJoyAcquired = false;
+  JoystickLibrary joystick;
+  MouseFilterLibrary mouseFilter;
+};
+
+inline SwitchesState& Switches() {
+  return RecordOf<SwitchesState>();
+}
 
 }  // namespace veltra

@@ -1,4 +1,4 @@
-#include "app/diagnostic_log.h"
+#include "system/diagnostic_log.h"
 
 #include "tests/tool_test.h"
 

@@ -230,6 +230,25 @@ TEST_F(Startup, ASessionMayEndWhileABoxOfTheStartIsOpen) {
   }
 }
 
+// Windows delivers the end while the tool waits for another program: what it was about to do to the board is
+// too late.
+TEST_F(Startup, NothingReachesTheBoardWhenTheSessionEndedMeanwhile) {
+  SetUserValue(u"DisableUSBBack", 1);
+  Start();
+  tablet.SendPowerEvent(PBT_APMSUSPEND);
+  const HWND desktop = GetDesktopWindow();
+  machine.SetHung(desktop, true);
+  tablet.SendPowerEvent(PBT_APMRESUMEAUTOMATIC);
+  tablet.Advance(2s);  // the display is to go on: the tool waits
+  EXPECT_EQ(tablet.Ask(WM_ENDSESSION, TRUE), 0);
+  EXPECT_EQ(BoardStops(tablet.Since(0)), 1U);
+  New<pal::DeviceCall>();
+  machine.SetHung(desktop, false);
+  tablet.Advance(2s);
+  EXPECT_EQ(machine.ExitCode(), 0);
+  EXPECT_TRUE(New<pal::DeviceCall>().empty());
+}
+
 TEST_F(Startup, AnUpdateBeforeItsDialogIsThereIsRefused) {
   simulator::TheBoard().initializeError = 7;
   tablet.Start();

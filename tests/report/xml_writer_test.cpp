@@ -1,4 +1,4 @@
-#include "report/xml_writer.h"
+#include "base/xml_writer.h"
 
 #include <gtest/gtest.h>
 

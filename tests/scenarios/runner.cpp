@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "simulator/console.h"
+#include "simulator/tablet_world.h"
 
 namespace {
 
@@ -21,7 +22,8 @@ class Scenario : public testing::Test {
     std::ifstream script(file_);
     ASSERT_TRUE(script) << file_;
     std::ostringstream timeline;
-    simulator::Console console(timeline);
+    simulator::TabletWorld tablet;
+    simulator::Console console(tablet, timeline);
     const simulator::Problem problem = console.RunScript(script, file_.filename().string());
     EXPECT_FALSE(problem) << *problem << "\n\nThe story so far:\n" << timeline.str();
   }

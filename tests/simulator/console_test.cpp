@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "simulator/tablet_world.h"
+
 namespace simulator {
 namespace {
 
@@ -15,7 +17,8 @@ class ConsoleTest : public testing::Test {
     return console.RunScript(lines, "script").value_or("");
   }
   std::ostringstream out;
-  Console console{out};
+  TabletWorld world;
+  Console console{world, out};
 };
 
 TEST_F(ConsoleTest, SaysWhichLineIsWrongAndWhy) {
@@ -62,11 +65,24 @@ TEST_F(ConsoleTest, WrongLinesChangeNothing) {
                            "show",
                            "bytes",
                            "timeline some",
-                           "registry a b"}) {
+                           "registry a b",
+                           "press",
+                           "press OK",
+                           "slide 1 fast",
+                           "key",
+                           "tray",
+                           "tray power",
+                           "tray power double-click Options",
+                           "tray tool menu",
+                           "only",
+                           "only moon wait 1s",
+                           "worlds windows",
+                           "check control",
+                           "check control OK shown"}) {
     EXPECT_TRUE(console.RunLine(line)) << line;
   }
-  EXPECT_EQ(console.Tablet().Mark(), 0U);
-  EXPECT_EQ(console.Tablet().Machine().Now(), Duration(0));
+  EXPECT_EQ(world.Tablet().Mark(), 0U);
+  EXPECT_EQ(world.Tablet().Machine().Now(), Duration(0));
 }
 
 TEST_F(ConsoleTest, ExpectationsFollowTheOrderOfTheTimeline) {
@@ -80,6 +96,21 @@ TEST_F(ConsoleTest, ExpectationsFollowTheOrderOfTheTimeline) {
   EXPECT_EQ(Run("sw2 press\nmark\nexpect no Sw2Make\n"), "");
 }
 
+TEST_F(ConsoleTest, ControlsAreFoundByTextLabelOrNumber) {
+  ASSERT_EQ(Run("set StartupDelay 0\nstart -s\nsettle\ntray tool menu Options\n"), "");
+  EXPECT_EQ(Run("press Speakers Off\nchoose 1105 Leftclick\ncheck control \"Switch 1\" text Leftclick\n"
+                "check control \"Switch 1\" has Space=32\ncheck control \"Version PIC\" text 112\n"
+                "check control 1053 hidden\ncheck no control \"Flight mode\" checked\n"),
+            "");
+  for (const char* line :
+       {"press Speakers Maybe", "press Nowhere", "choose \"Switch 1\" Nothing", "slide \"Switch 1\" 3",
+        "type Middle x", "check control WLAN unchecked", "check control WLAN text x",
+        "check no control OK enabled", "check control \"Switch 1\" has Nothing",
+        "check control \"Speaker volume\" at 12", "press 1002", "press 1018", "check no dialog Options",
+        "check dialog Nothing", "menu Options"})
+    EXPECT_TRUE(console.RunLine(line)) << line;
+}
+
 TEST_F(ConsoleTest, ChecksFailWhenTheyShould) {
   ASSERT_EQ(Run("set Sw1CmdVal -1\n"), "");
   EXPECT_EQ(Run("check registry Sw1CmdVal -1\ncheck no registry Sw1CmdVal 1\ncheck line\ncheck no box x\n"),
@@ -89,6 +120,10 @@ TEST_F(ConsoleTest, ChecksFailWhenTheyShould) {
   EXPECT_NE(Run("check box x\n"), "");
   EXPECT_NE(Run("check exit 0\n"), "");
   EXPECT_NE(Run("check log x\n"), "");
+  EXPECT_NE(Run("check file x\n"), "");
+  EXPECT_NE(Run("check dialog\n"), "");
+  EXPECT_NE(Run("only tablet check box\n"), "");
+  EXPECT_EQ(Run("only windows check box\ncheck no dialog\n"), "");
 }
 
 }  // namespace

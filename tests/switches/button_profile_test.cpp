@@ -22,6 +22,7 @@ class ProfileTest : public testing::Test {
   // Runs as the tool, with a state of its own.
   void AsTool(std::function<void()> action) {
     machine_.StartProgram([action = std::move(action)] {
+      GetAppState();
       action();
       DestroyAppState();
       return 0;
@@ -31,7 +32,7 @@ class ProfileTest : public testing::Test {
   }
   void SaveText(const ButtonAction& action) {
     AsTool([&] {
-      GetAppState().buttonActions.fill(action);
+      GetAppState().switches.buttonActions.fill(action);
       SaveProfile(CurrentProfilePath());
     });
   }
@@ -39,7 +40,7 @@ class ProfileTest : public testing::Test {
     ButtonAction action;
     AsTool([&] {
       LoadProfile(WideText(path));
-      action = GetAppState().buttonActions[index];
+      action = GetAppState().switches.buttonActions[index];
     });
     return action;
   }
@@ -114,9 +115,9 @@ TEST_F(ProfileTest, WhatIsMissingHasItsDefaults) {
   const auto loadOver = [this](size_t index) {
     ButtonAction action;
     AsTool([&] {
-      GetAppState().buttonActions.fill({1, 2, u"kept"});
+      GetAppState().switches.buttonActions.fill({1, 2, u"kept"});
       LoadProfile(CurrentProfilePath());
-      action = GetAppState().buttonActions[index];
+      action = GetAppState().switches.buttonActions[index];
     });
     return action;
   };
@@ -134,7 +135,7 @@ TEST_F(ProfileTest, WhatIsMissingHasItsDefaults) {
 
 TEST_F(ProfileTest, ANameIsAProfileOfTheDataFolderAndAPathIsItself) {
   AsTool([] {
-    GetAppState().buttonActions.fill({1, 65, {}});
+    GetAppState().switches.buttonActions.fill({1, 65, {}});
     SaveProfile(u"school");
     SaveProfile(u"C:\\Windows\\Temp\\other.bpf");
   });
@@ -164,7 +165,7 @@ class FunctionTables : public ProfileTest {
   std::string Table(const WCHAR* section, LANGID language = 0x0809) {
     std::string words;
     AsTool([&] {
-      GetAppState().CurrentLangID = language;
+      GetAppState().system.CurrentLangID = language;
       for (const FunctionEntry& entry : LoadFunctionTable(section)) {
         words.append(std::to_string(entry.value)).append(" ");
         words.append(entry.name.begin(), entry.name.end()).append("; ");
@@ -213,7 +214,7 @@ TEST_F(FunctionTables, DeliveredOnesAreCompleteAndAlikeInBothLanguages) {
                                kWendleTable, kLexoraTable}) {
     AsTool([section] {
       const auto english = LoadFunctionTable(section);
-      GetAppState().CurrentLangID = 0x0413;
+      GetAppState().system.CurrentLangID = 0x0413;
       const auto dutch = LoadFunctionTable(section);
       EXPECT_FALSE(english.empty());
       ASSERT_EQ(english.size(), dutch.size());

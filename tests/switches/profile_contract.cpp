@@ -16,12 +16,13 @@ class StoredProfile : public testing::Test {
     const DWORD length = GetTempPathW(MAX_PATH, folder);
     path_ = WideText(folder, length).append(TEXT("veltra contract.bpf"));
     DeleteFileW(path_.c_str());
+    GetAppState();
   }
   ~StoredProfile() override {
     DeleteFileW(path_.c_str());
     DestroyAppState();
   }
-  ButtonActions& Actions() { return GetAppState().buttonActions; }
+  ButtonActions& Actions() { return GetAppState().switches.buttonActions; }
   // What comes back of a text in the last record.
   WideText StoreText(const WideText& text) {
     Actions() = {};

@@ -1,0 +1,188 @@
+#include "app/pic_messages.h"
+
+#include <windows.h>
+
+#include <charconv>
+#include <optional>
+
+#include "app/app_state.h"
+#include "board/expander.h"
+#include "link/identity_store.h"
+#include "link/infrared.h"
+#include "link/send_queue.h"
+#include "power/battery_details.h"
+#include "switches/switch_events.h"
+#include "system/copied_data.h"
+
+namespace veltra {
+namespace {
+
+// ---- text messages (type 0x0A) ----------------------------------------------------------------------------
+
+bool IsOne(std::string_view value) {
+  return value.starts_with('1');
+}
+
+void OnBatteryState(std::string_view value) {
+  constexpr size_t kDigits = 2;
+  const std::string_view digits = value.substr(0, kDigits);
+  int32_t capacity = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), capacity, 16);
+  if (error != std::errc() || end != digits.data() + digits.size() || digits.front() == '-') return;
+  Power().battery.SetCapacity(std::min(capacity, 100));
+}
+
+void OnBatteryPresent(std::string_view value) {
+  Power().battery.batteryPresent = IsOne(value);
+}
+void OnAdapterPresent(std::string_view value) {
+  Power().battery.adapterPresent = IsOne(value);
+}
+void OnBatteryCharging(std::string_view value) {
+  Power().battery.batteryCharging = IsOne(value);
+}
+
+void StoreAndLog(const IdentityField& field, const WCHAR* tag, std::string_view value) {
+  if (StoreIdentity(field, value)) Log().WriteDetail(tag, Widen(value));
+}
+
+void OnFirmware(std::string_view value) {
+  StoreAndLog(kFirmwareVersion, TEXT("Pic version recv"), value);
+}
+void OnSerial(std::string_view value) {
+  StoreAndLog(kSerialNumber, TEXT("Serial recv"), value);
+}
+void OnPcbSerial(std::string_view value) {
+  StoreAndLog(kPcbSerial, TEXT("PCB serial recv"), value);
+}
+void OnPcbVersion(std::string_view value) {
+  StoreIdentity(kPcbVersion, value);
+}
+void OnTouchVersion(std::string_view value) {
+  StoreIdentity(kTouchVersion, value);
+}
+void OnTouchFirmware(std::string_view value) {
+  StoreIdentity(kTouchFirmware, value);
+}
+void OnTouchSerial(std::string_view value) {
+  StoreIdentity(kTouchSerial, value);
+}
+
+struct PrefixRow {
+  std::string_view prefix;
+  size_t shortest;  // of the whole text
+  void (*handle)(std::string_view value);
+};
+
+// Tried in this order, before the whole texts.
+constexpr PrefixRow kPrefixRows[] = {
+    {"BatteryState=0x", 17, OnBatteryState},
+    {"BatteryPresent=", 16, OnBatteryPresent},
+    {"AdapterPresent=", 16, OnAdapterPresent},
+    {"BatteryCharging=", 17, OnBatteryCharging},
+    {"Firmware=", 10, OnFirmware},
+    {"Serial=", 9, OnSerial},
+    {"PCBSerial=", 11, OnPcbSerial},
+    {"PCBVersion=", 12, OnPcbVersion},
+    {"TouchVersion=", 14, OnTouchVersion},
+    {"TouchFirmware=", 14, OnTouchFirmware},  // the value may be empty
+    {"TouchSerial=", 13, OnTouchSerial},
+};
+
+struct EventRow {
+  std::string_view text;
+  WCHAR letter;
+};
+
+constexpr EventRow kEventRows[] = {
+    {"EscMake", 'E'},  {"EscBreak", 'e'}, {"Sw1Make", 'D'},  {"Sw1Break", 'd'}, {"Sw2Make", 'J'},
+    {"Sw2Break", 'j'}, {"Fn1Make", 'Y'},  {"Fn1Break", 'y'}, {"Fn2Make", 'Z'},  {"Fn2Break", 'z'},
+};
+
+void OnText(std::string_view text) {
+  for (const PrefixRow& row : kPrefixRows)
+    if (text.size() >= row.shortest && StartsWithIgnoringAsciiCase(text, row.prefix))
+      return row.handle(text.substr(row.prefix.size()));
+  if (EqualIgnoringAsciiCase(text, "Resend")) return TransmitHead();
+  for (const EventRow& row : kEventRows)
+    if (EqualIgnoringAsciiCase(text, row.text)) return HandleSwitchEvent(row.letter);
+}
+
+// ---- replies (type 0x0B) ----------------------------------------------------------------------------------
+
+constexpr ULONG_PTR kReplyTag = 0;  // of the copied data that takes a reply to the window that asked
+
+// A request matches a literal that begins with the whole request.
+bool Matches(std::string_view request, std::string_view literal) {
+  return literal.starts_with(request);
+}
+
+void OnOwnReply(std::string_view request, Bytes reply) {
+  if (Matches(request, "IRRecord")) return StoreInfraredRecording(reply);
+  if (Matches(request, "GotoBootloader")) return Firmware().bootloader.OnEnterBootloader();
+  for (const BatteryDetail& detail : kBatteryDetails)
+    if (Matches(request, detail.query)) return Power().battery.SetDetail(detail.index, reply);
+  if (Matches(request, "EnableGsm=1")) {
+    SetPortB(kExpanderMobilePhone);
+    return;
+  }
+  if (request.starts_with("Suspend=") || request.starts_with("LcdOff="))
+    Log().Write(TEXT("Reply detected"), TEXT("Suspend= detected"));
+}
+
+void OnReply(Bytes reply) {
+  const std::optional<PicRequest> request = TakeAnsweredRequest();
+  if (!request) return;
+  if (!reply.empty() && request->replyTarget) SendCopiedData(request->replyTarget, kReplyTag, reply);
+  if (!reply.empty() && !request->replyTarget) OnOwnReply(request->Text(), reply);
+  TransmitNewHead();
+}
+
+// ---- the other types --------------------------------------------------------------------------------------
+
+void OnLogLine(Bytes line) {
+  Log().Write(TEXT("Pic Log"), Widen(TextOf(line)));
+}
+
+// Answers of the bootloader take their request out of the queue and transmit nothing: the update sends its
+// next command itself.
+void OnBootloaderData(Bytes data) {
+  constexpr size_t kAddressedLength = 4;  // behind the type: one byte and a 24-bit address
+  if (data.size() < kAddressedLength || !TakeAnsweredRequest()) return;
+  const uint32_t wordAddress = data[1] + (uint32_t{data[2]} << 8) + (uint32_t{data[3]} << 16);
+  Firmware().bootloader.OnResponse(2 * wordAddress, data.subspan(kAddressedLength));
+}
+
+void OnBootloaderAcknowledge(Bytes) {
+  if (TakeAnsweredRequest()) Firmware().bootloader.OnResponse(0, {});
+}
+
+void OnTextMessage(Bytes content) {
+  const std::string_view text = TextOf(content);
+  OnText(text.substr(0, text.find('\0')));
+}
+
+struct TypeRow {
+  MessageType type;
+  void (*handle)(Bytes content);
+};
+
+constexpr TypeRow kTypeRows[] = {
+    {MessageType::kReply, OnReply},
+    {MessageType::kText, OnTextMessage},
+    {MessageType::kLogLine, OnLogLine},
+    {MessageType::kReadMemory, OnBootloaderData},
+    {MessageType::kWriteRow, OnBootloaderAcknowledge},
+    {MessageType::kErasePage, OnBootloaderAcknowledge},
+    {MessageType::kFinished, OnBootloaderAcknowledge},
+};
+
+}  // namespace
+
+void HandlePicMessage(Bytes message) {
+  if (message.empty()) return;
+  for (const TypeRow& row : kTypeRows)
+    if (message.front() == static_cast<uint8_t>(row.type)) return row.handle(message.subspan(1));
+}
+
+}  // namespace veltra

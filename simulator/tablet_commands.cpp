@@ -1,0 +1,127 @@
+// What the simulated tablet alone can do: refusals of Windows, libraries that are missing or behave badly,
+// and a taskbar that comes and goes.
+#include <algorithm>
+
+#include "simulator/board.h"
+#include "simulator/controller_commands.h"
+#include "simulator/joystick.h"
+#include "simulator/tablet_world.h"
+
+namespace simulator {
+namespace {
+
+SimulatedTablet& TabletOf(World& world) {
+  return static_cast<TabletWorld&>(world).Tablet();
+}
+
+std::string_view Argument(Words words, size_t index) {
+  return index < words.size() ? std::string_view(words[index]) : std::string_view();
+}
+
+Problem RunFail(World& world, Words words) {
+  const std::optional<int64_t> times = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
+  if (!times || *times < 1 || *times > 1'000'000) return ExpectedArguments("FUNCTION TIMES");
+  TabletOf(world).Machine().Fail(words[1], static_cast<int>(*times), ERROR_ACCESS_DENIED);
+  return {};
+}
+
+Problem RunJoystick(World& world, Words words) {
+  struct Row {
+    std::string_view word;
+    Joystick state;
+  };
+  constexpr auto kNobody = Joystick::Owner::kNobody;
+  constexpr Row kStates[] = {
+      {"free", {}},
+      {"disabled", {.enabled = false}},
+      {"mismatch", {.versionsMatch = false}},
+      {"busy", {.owner = Joystick::Owner::kAnotherProgram}},
+      {"taken", {.acquireFails = true, .owner = kNobody}},
+  };
+  const std::string_view word = Argument(words, 1);
+  if (words.size() == 2 && word == "absent") {
+    TabletOf(world).TheDesk().Remove(Library::kJoystick);
+    return {};
+  }
+  const auto* row = std::ranges::find(kStates, word, &Row::word);
+  if (row == std::end(kStates) || words.size() != 2)
+    return ExpectedArguments("absent|free|disabled|mismatch|busy|taken");
+  TheJoystick() = row->state;
+  return {};
+}
+
+Problem RunMouseFilter(World& world, Words words) {
+  const std::string_view word = Argument(words, 1);
+  if (words.size() != 2 || (word != "absent" && word != "plain")) return ExpectedArguments("absent|plain");
+  if (word == "absent")
+    TabletOf(world).TheDesk().Remove(Library::kMouseFilter);
+  else
+    TabletOf(world).TheDesk().InstallPlainMouseFilter();
+  return {};
+}
+
+Problem RunBoard(World& world, Words words) {
+  const std::string_view word = Argument(words, 1);
+  if (words.size() == 2 && word == "absent") {
+    TabletOf(world).TheDesk().Remove(Library::kBoard);
+    return {};
+  }
+  const std::optional<int64_t> error = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
+  struct Row {
+    std::string_view word;
+    int32_t Board::*error;
+  };
+  constexpr Row kErrors[] = {{"start-error", &Board::initializeError},
+                             {"stop-error", &Board::uninitializeError},
+                             {"info-error", &Board::boardInfoError}};
+  const auto* row = std::ranges::find(kErrors, word, &Row::word);
+  if (!error || row == std::end(kErrors))
+    return ExpectedArguments("absent|start-error CODE|stop-error CODE|info-error CODE");
+  TheBoard().*(row->error) = static_cast<int32_t>(*error);
+  return {};
+}
+
+Problem RunMacroPlugin(World& world, Words words) {
+  struct Row {
+    std::string_view language;
+    Library library;
+  };
+  constexpr Row kPlugins[] = {{"english", Library::kEnglishMacros}, {"dutch", Library::kDutchMacros}};
+  const auto* row = std::ranges::find(kPlugins, Argument(words, 1), &Row::language);
+  if (row == std::end(kPlugins) || words.size() != 3 || words[2] != "absent")
+    return ExpectedArguments("english|dutch absent");
+  TabletOf(world).TheDesk().Remove(row->library);
+  return {};
+}
+
+Problem RunShell(World& world, Words words) {
+  struct Row {
+    std::string_view word;
+    void (pal::Machine::*act)();
+  };
+  constexpr Row kActs[] = {{"stop", &pal::Machine::StopShell},
+                           {"start", &pal::Machine::StartShell},
+                           {"restart", &pal::Machine::RestartShell}};
+  const auto* row = std::ranges::find(kActs, Argument(words, 1), &Row::word);
+  if (row == std::end(kActs) || words.size() != 2) return ExpectedArguments("stop|start|restart");
+  (TabletOf(world).Machine().*row->act)();
+  return {};
+}
+
+constexpr WorldCommand kCommands[] = {
+    {"fail", "FUNCTION TIMES", "Windows refuses the next calls of that function, as ExitWindowsEx", RunFail},
+    {"joystick", "absent|free|disabled|...", "the virtual joystick; also mismatch, busy, taken", RunJoystick},
+    {"mouse-filter", "absent|plain", "the mouse filter's library: none, or its 64-bit form", RunMouseFilter},
+    {"board", "absent|start-error CODE|...", "the board's library; also stop-error CODE, info-error CODE",
+     RunBoard},
+    {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", RunMacroPlugin},
+    {"shell", "stop|start|restart", "the taskbar goes, comes, or comes anew", RunShell},
+};
+
+}  // namespace
+
+std::span<const WorldCommand> TabletWorld::Commands() const {
+  return kCommands;
+}
+
+}  // namespace simulator

@@ -1,0 +1,54 @@
+// What the tool is to Windows: its module and window, its language, its place in the notification area, its
+// folder and its log: the room's record.
+#pragma once
+
+#include <windows.h>
+
+#include <vector>
+
+#include "base/record.h"
+#include "base/text.h"
+#include "system/diagnostic_log.h"
+#include "system/folders.h"
+#include "system/tray_state.h"
+
+namespace veltra {
+
+struct LanguageEntry {
+  WideText name;  // in its own language; also part of file names
+  LANGID id = 0;
+};
+
+struct SystemState {
+  HINSTANCE hInstance = nullptr;
+  HWND hMainWnd = nullptr;
+  TrayState tray;
+  bool Suspended = false;  // from the suspend notification until the resume has been handled
+
+  LANGID CurrentLangID = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK);
+  std::vector<LanguageEntry> Languages = {{TEXT("English"), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK)},
+                                          {TEXT("Nederlands"), MAKELANGID(LANG_DUTCH, SUBLANG_DUTCH)}};
+
+  WideText dataFolder = GetDataFolder();  // with a trailing backslash
+  DiagnosticLog log = DiagnosticLog(dataFolder);
+};
+
+inline SystemState& System() {
+  return RecordOf<SystemState>();
+}
+
+// What the other rooms take of it.
+inline HWND MainWindow() {
+  return System().hMainWnd;
+}
+inline DiagnosticLog& Log() {
+  return System().log;
+}
+inline const WideText& DataFolder() {
+  return System().dataFolder;
+}
+inline bool IsSuspended() {
+  return System().Suspended;
+}
+
+}  // namespace veltra
