@@ -16,6 +16,7 @@
 #include "app/startup.h"
 #include "app/tray_menu.h"
 #include "base/called_by_windows.h"
+#include "base/unique_keys.h"
 #include "board/codec.h"
 #include "link/identity_updates.h"
 #include "link/infrared.h"
@@ -31,18 +32,14 @@
 #include "switches/switch_events.h"
 #include "system/folders.h"
 #include "system/language.h"
+#include "system/numbers.h"
 #include "system/tray_icons.h"
 #include "system/windows_version.h"
 
 namespace veltra {
 namespace {
 
-// Private messages of other programs.
-constexpr UINT WM_QUERY_PIC_FIRMWARE = WM_APP + 0xDF;
-constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
-constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
-constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
-constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
+static_assert(kFirstUserMessage == WM_USER && kFirstApplicationMessage == WM_APP);
 
 struct WindowMessage {
   HWND window;
@@ -97,31 +94,49 @@ Result OnEndSession(const WindowMessage& m) {
 
 // ---- copied data ------------------------------------------------------------------------------------------
 
-constexpr ULONG_PTR kInfraredRequest = 0;
-constexpr ULONG_PTR kInfraredRequestToo = 1;
-constexpr ULONG_PTR kFirmwareUpdate = 2;
-constexpr ULONG_PTR kInfraredCancel = 3;
+struct CopiedData {
+  HWND sender;
+  uint32_t tag;
+  Bytes payload;
+};
+
+struct CopiedDataRow {
+  uint32_t first;  // tags of the row
+  uint32_t last;
+  Result (*handle)(const CopiedData&);
+};
+
+constexpr CopiedDataRow kCopiedDataRows[] = {
+    {kInfraredRequest, kInfraredRequestToo,
+     [](const CopiedData& data) -> Result {
+       ForwardInfraredRequest(data.sender, data.payload);
+       return 1;
+     }},
+    {kFirmwareUpdate, kFirmwareUpdate,
+     [](const CopiedData& data) -> Result {
+       StartFirmwareUpdate(data.payload);
+       return {};
+     }},
+    {kInfraredCancel, kInfraredCancel,
+     [](const CopiedData& data) -> Result {
+       ForwardInfraredCancel(data.sender, data.payload);
+       return 1;
+     }},
+    {kFirstIdentityUpdate, kLastIdentityUpdate,
+     [](const CopiedData& data) -> Result {
+       UpdateIdentity(data.tag, data.payload);
+       return {};
+     }},
+};
 
 Result OnCopyData(const WindowMessage& m) {
   const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(m.lParam);
   if (!data) return {};
   Bytes payload;
   if (data->lpData) payload = {static_cast<const uint8_t*>(data->lpData), data->cbData};
-  const HWND sender = reinterpret_cast<HWND>(m.wParam);
-  const ULONG_PTR tag = data->dwData;
-  if (tag >= kFirstIdentityUpdate && tag <= kLastIdentityUpdate) {
-    UpdateIdentity(static_cast<uint32_t>(tag), payload);
-    return {};
-  }
-  if (tag == kInfraredRequest || tag == kInfraredRequestToo) {
-    ForwardInfraredRequest(sender, payload);
-    return 1;
-  }
-  if (tag == kInfraredCancel) {
-    ForwardInfraredCancel(sender, payload);
-    return 1;
-  }
-  if (tag == kFirmwareUpdate) StartFirmwareUpdate(payload);
+  for (const CopiedDataRow& row : kCopiedDataRows)
+    if (data->dwData >= row.first && data->dwData <= row.last)
+      return row.handle({reinterpret_cast<HWND>(m.wParam), static_cast<uint32_t>(data->dwData), payload});
   return {};
 }
 
@@ -162,21 +177,31 @@ void ChooseLanguage(size_t index) {
   LoadMacroLibrary();
 }
 
+struct CommandRow {
+  WORD first;  // commands of the row
+  WORD last;
+  void (*handle)(HWND window, size_t index);
+};
+
+constexpr CommandRow kCommandRows[] = {
+    {IDC_CLOSE, IDC_CLOSE, [](HWND window, size_t) { ConfirmClose(window); }},
+    {IDC_OPEN_POWER_METER, IDC_OPEN_POWER_METER, [](HWND, size_t) { OpenPowerMeter(); }},
+    {IDC_OPTIONS, IDC_OPTIONS, [](HWND, size_t) { OpenOptionsDialog(); }},
+    {IDC_BATTERY_INFO, IDC_BATTERY_INFO, [](HWND window, size_t) { ShowBatteryDetails(window); }},
+    {IDC_FIRST_LANGUAGE, IDC_LAST_LANGUAGE, [](HWND, size_t index) { ChooseLanguage(index); }},
+};
+
 Result OnCommand(const WindowMessage& m) {
   const WORD command = LOWORD(m.wParam);
-  if (command == IDC_CLOSE) ConfirmClose(m.window);
-  if (command == IDC_OPEN_POWER_METER) OpenPowerMeter();
-  if (command == IDC_OPTIONS) OpenOptionsDialog();
-  if (command == IDC_BATTERY_INFO) ShowBatteryDetails(m.window);
-  if (command >= IDC_FIRST_LANGUAGE && command <= IDC_LAST_LANGUAGE)
-    ChooseLanguage(command - IDC_FIRST_LANGUAGE);
+  for (const CommandRow& row : kCommandRows)
+    if (command >= row.first && command <= row.last) row.handle(m.window, command - row.first);
   return 0;
 }
 
 // ---- timers -----------------------------------------------------------------------------------------------
 
 struct TimerRow {
-  UINT_PTR timer;
+  uint32_t timer;
   void (*handle)(UINT_PTR timer);
 };
 
@@ -190,6 +215,7 @@ constexpr TimerRow kTimerRows[] = {
     {kCallProfileTimer, [](UINT_PTR) { OnCallProfileTimer(); }},
     {PORT_RETRY_TIMER, [](UINT_PTR) { OnPortRetryTimer(); }},
 };
+static_assert(AreUnique(kTimerRows, &TimerRow::timer));
 
 Result OnTimer(const WindowMessage& m) {
   for (const TimerRow& row : kTimerRows)
@@ -259,23 +285,42 @@ Result OnStatusLedRequest(const WindowMessage& m) {
 
 // ---- requests of the maker's applications -----------------------------------------------------------------
 
-constexpr WPARAM kFirstOperationRequest = 1;  // operation 0
-constexpr WPARAM kLastOperationRequest = 19;
-constexpr WPARAM kQueryPowerSource = 12;
-constexpr WPARAM kQueryCapacity = 13;
-constexpr WPARAM kQuerySpeakerVolume = 20;
-
-Result OnDeviceToolRequest(const WindowMessage& m) {
-  if (m.wParam == kQueryPowerSource) return static_cast<LRESULT>(Power().battery.GetPowerSource());
-  if (m.wParam == kQueryCapacity) return Power().battery.capacity;
-  if (m.wParam == kQuerySpeakerVolume) {
-    Trace(TEXT("Kavo3 tool: GetSpeakerVolume invoked"));
-    return 0x10000 + (Board().audio.SpeakerVol & 0xFFFF);
-  }
+void TraceRequest(const WindowMessage& m) {
   Trace(TEXT("Kavo3 tool: device operation %d %d invoked"), static_cast<int32_t>(m.wParam),
         static_cast<int32_t>(m.lParam));
-  if (m.wParam >= kFirstOperationRequest && m.wParam <= kLastOperationRequest)
-    DeviceOperation(static_cast<int32_t>(m.lParam), static_cast<int32_t>(m.wParam - kFirstOperationRequest));
+}
+
+Result RunOperation(const WindowMessage& m) {
+  TraceRequest(m);
+  DeviceOperation(static_cast<int32_t>(m.lParam), static_cast<int32_t>(m.wParam - kFirstOperationRequest));
+  return {};
+}
+
+Result TellSpeakerVolume(const WindowMessage&) {
+  Trace(TEXT("Kavo3 tool: GetSpeakerVolume invoked"));
+  return 0x10000 + (Board().audio.SpeakerVol & 0xFFFF);
+}
+
+struct RequestRow {
+  uint32_t first;  // requests of the row
+  uint32_t last;
+  Result (*handle)(const WindowMessage&);
+};
+
+constexpr RequestRow kRequestRows[] = {
+    {kFirstOperationRequest, kPowerSourceRequest - 1, RunOperation},
+    {kPowerSourceRequest, kPowerSourceRequest,
+     [](const WindowMessage&) -> Result { return static_cast<LRESULT>(Power().battery.GetPowerSource()); }},
+    {kCapacityRequest, kCapacityRequest,
+     [](const WindowMessage&) -> Result { return Power().battery.capacity; }},
+    {kCapacityRequest + 1, kLastOperationRequest, RunOperation},
+    {kSpeakerVolumeRequest, kSpeakerVolumeRequest, TellSpeakerVolume},
+};
+
+Result OnDeviceToolRequest(const WindowMessage& m) {
+  for (const RequestRow& row : kRequestRows)
+    if (m.wParam >= row.first && m.wParam <= row.last) return row.handle(m);
+  TraceRequest(m);
   return {};
 }
 
@@ -318,6 +363,7 @@ constexpr MessageRow kMessageRows[] = {
     {kStatusLedRequest, true, OnStatusLedRequest},
     {kCodecStatusQuery, true, OnCodecStatusQuery},
 };
+static_assert(AreUnique(kMessageRows, &MessageRow::message));
 
 Result Handle(const WindowMessage& m) {
   const bool hasState = HasAppState();

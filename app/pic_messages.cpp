@@ -13,6 +13,7 @@
 #include "power/battery_details.h"
 #include "switches/switch_events.h"
 #include "system/copied_data.h"
+#include "system/numbers.h"
 
 namespace veltra {
 namespace {
@@ -89,43 +90,34 @@ constexpr PrefixRow kPrefixRows[] = {
     {"TouchSerial=", 13, OnTouchSerial},
 };
 
-struct EventRow {
-  std::string_view text;
-  WCHAR letter;
-};
-
-constexpr EventRow kEventRows[] = {
-    {"EscMake", 'E'},  {"EscBreak", 'e'}, {"Sw1Make", 'D'},  {"Sw1Break", 'd'}, {"Sw2Make", 'J'},
-    {"Sw2Break", 'j'}, {"Fn1Make", 'Y'},  {"Fn1Break", 'y'}, {"Fn2Make", 'Z'},  {"Fn2Break", 'z'},
-};
-
 void OnText(std::string_view text) {
   for (const PrefixRow& row : kPrefixRows)
     if (text.size() >= row.shortest && StartsWithIgnoringAsciiCase(text, row.prefix))
       return row.handle(text.substr(row.prefix.size()));
   if (EqualIgnoringAsciiCase(text, "Resend")) return TransmitHead();
-  for (const EventRow& row : kEventRows)
-    if (EqualIgnoringAsciiCase(text, row.text)) return HandleSwitchEvent(row.letter);
+  for (const SwitchEvent& event : kSwitchEvents)
+    if (EqualIgnoringAsciiCase(text, event.text)) return HandleSwitchEvent(event);
 }
 
 // ---- replies (type 0x0B) ----------------------------------------------------------------------------------
 
-constexpr ULONG_PTR kReplyTag = 0;  // of the copied data that takes a reply to the window that asked
+struct ReplyRow {
+  std::string_view request;
+  void (*handle)(Bytes reply);
+};
 
-// A request matches a literal that begins with the whole request.
-bool Matches(std::string_view request, std::string_view literal) {
-  return literal.starts_with(request);
-}
+constexpr ReplyRow kReplyRows[] = {
+    {"IRRecord", StoreInfraredRecording},
+    {"GotoBootloader", [](Bytes) { Firmware().bootloader.OnEnterBootloader(); }},
+    {"EnableGsm=1", [](Bytes) { SetPortB(kExpanderMobilePhone); }},
+};
 
+// A request matches a row that begins with the whole request.
 void OnOwnReply(std::string_view request, Bytes reply) {
-  if (Matches(request, "IRRecord")) return StoreInfraredRecording(reply);
-  if (Matches(request, "GotoBootloader")) return Firmware().bootloader.OnEnterBootloader();
+  for (const ReplyRow& row : kReplyRows)
+    if (row.request.starts_with(request)) return row.handle(reply);
   for (const BatteryDetail& detail : kBatteryDetails)
-    if (Matches(request, detail.query)) return Power().battery.SetDetail(detail.index, reply);
-  if (Matches(request, "EnableGsm=1")) {
-    SetPortB(kExpanderMobilePhone);
-    return;
-  }
+    if (detail.query.starts_with(request)) return Power().battery.SetDetail(detail.index, reply);
   if (request.starts_with("Suspend=") || request.starts_with("LcdOff="))
     Log().Write(TEXT("Reply detected"), TEXT("Suspend= detected"));
 }

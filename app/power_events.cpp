@@ -8,6 +8,7 @@
 #include "board/expander.h"
 #include "power/battery_alarms.h"
 #include "switches/switch_outputs.h"
+#include "system/numbers.h"
 
 namespace veltra {
 namespace {

@@ -5,8 +5,6 @@
 
 namespace veltra {
 
-constexpr UINT_PTR kResumeTimer = 3;  // main window
-
 // One event of WM_POWERBROADCAST; events other than suspend and automatic resume do nothing.
 void OnPowerEvent(WPARAM event);
 

@@ -9,6 +9,7 @@
 #include "board/volume.h"
 #include "resources/resource_ids.h"
 #include "system/maker_applications.h"
+#include "system/numbers.h"
 #include "system/sounds.h"
 #include "system/system_state.h"
 

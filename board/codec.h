@@ -8,7 +8,6 @@
 
 namespace veltra {
 
-constexpr UINT_PTR kCallProfileTimer = 9;  // main window
 constexpr UINT kCallProfileMs = 5000;
 
 // Both always return true: a failed transfer is reported by I2cWrite and the sequence goes on.

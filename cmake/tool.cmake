@@ -30,6 +30,7 @@ veltra_room(system BELOW base SOURCES
   system/folders.cpp
   system/injected_input.cpp
   system/language.cpp
+  system/library_binding.cpp
   system/maker_applications.cpp
   system/power_off.cpp
   system/sounds.cpp
@@ -111,15 +112,11 @@ veltra_room(tool BELOW report switches firmware power SOURCES
 
 if(WIN32)
   # The entry is in the executable itself: nothing refers to it, so that a library would not bring it.
-  add_executable(veltratool WIN32 app/entry.cpp resources/veltratool.rc)
-  # The resource compiler tells Ninja nothing of the files that it embeds.
-  file(GLOB_RECURSE resource_files ${CMAKE_SOURCE_DIR}/resources/*.rc ${CMAKE_SOURCE_DIR}/resources/*.h
-    ${CMAKE_SOURCE_DIR}/resources/*.ico ${CMAKE_SOURCE_DIR}/resources/*.wav ${CMAKE_SOURCE_DIR}/resources/*.manifest)
-  set_source_files_properties(resources/veltratool.rc PROPERTIES OBJECT_DEPENDS "${resource_files}")
+  add_executable(veltratool WIN32 app/entry.cpp)
+  veltra_resources(veltratool resources/veltratool.rc)
   target_link_libraries(veltra_base PUBLIC version comctl32 shell32 comdlg32 winmm ole32 advapi32 user32 gdi32)
   target_link_libraries(veltratool PRIVATE veltra_tool)
   target_link_options(veltratool PRIVATE -municode -s)
-  target_compile_options(veltratool PRIVATE $<$<COMPILE_LANGUAGE:RC>:-c65001>)
 else()
   target_sources(veltra_tool PRIVATE app/entry.cpp)
   target_link_libraries(veltra_base PUBLIC pal)

@@ -6,6 +6,7 @@
 #include "firmware/firmware_state.h"
 #include "firmware/read_hex_file.h"
 #include "link/send_queue.h"
+#include "system/numbers.h"
 #include "system/system_state.h"
 
 namespace veltra {

@@ -14,9 +14,6 @@ namespace veltra {
 
 constexpr const WCHAR* kFirmwareLogTag = TEXT("Firmware update");
 
-// Posted to the Firmware dialog: wParam a BootProgress, lParam its detail.
-constexpr UINT WM_FIRMWARE_PROGRESS = WM_APP + 0xDE;
-
 class Bootloader {
  public:
   // Reads the file and asks the controller to enter its bootloader. Returns the number of answers to expect

@@ -4,6 +4,7 @@
 
 #include "link/identity_store.h"
 #include "link/send_queue.h"
+#include "system/numbers.h"
 #include "system/system_state.h"
 
 namespace veltra {

@@ -5,14 +5,11 @@
 
 namespace veltra {
 
-constexpr uint32_t kFirstIdentityUpdate =
-    12344;  // data tags of WM_COPYDATA, in the order of the update table
-constexpr uint32_t kLastIdentityUpdate = 12350;
 constexpr size_t kLongestIdentityUpdate = 31;  // bytes
 
 // Stores the value as if the controller had reported it and sends the controller the update. `tag` is one of
-// the range above. A value that is longer than 31 bytes, or than its field, is refused whole: nothing stored,
-// nothing sent, a line in the log.
+// kFirstIdentityUpdate to kLastIdentityUpdate. A value that is longer than 31 bytes, or than its field, is
+// refused whole: nothing stored, nothing sent, a line in the log.
 void UpdateIdentity(uint32_t tag, Bytes value);
 
 }  // namespace veltra

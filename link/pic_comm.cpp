@@ -3,6 +3,7 @@
 #include "link/link_state.h"
 #include "link/send_queue.h"
 #include "link/serial_input.h"
+#include "system/numbers.h"
 #include "system/system_state.h"
 
 namespace veltra {

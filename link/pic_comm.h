@@ -7,7 +7,6 @@
 
 namespace veltra {
 
-constexpr UINT_PTR PORT_RETRY_TIMER = 10;  // main window
 constexpr UINT kPortRetryMs = 30000;
 
 // Opens COM<PicPortNumber> and starts its monitor. False, with a log line, when the port cannot be opened.

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/ansi_text.h"
+#include "system/numbers.h"
 
 namespace VeltraFramework {
 namespace {
@@ -11,6 +12,8 @@ namespace {
 using veltra::FormatText;
 using veltra::UniqueKernelObject;
 using veltra::WideText;
+using veltra::WM_PIC_BYTE;
+using veltra::WM_PIC_LINE_LOST;
 
 constexpr uint32_t kBaudRate = 57600;
 constexpr uint8_t kByteSize = 8;

@@ -12,12 +12,7 @@
 
 #include "base/handles.h"
 #include "base/text.h"
-
-// Posted for every received byte, in the order of arrival: wParam the byte, lParam the port's number.
-constexpr UINT WM_PIC_BYTE = WM_APP + 0xCD;
-// Posted behind the last byte when the monitor thread ends by itself because the device is gone: lParam the
-// port's number.
-constexpr UINT WM_PIC_LINE_LOST = WM_APP + 0xCE;
+#include "system/numbers.h"
 
 namespace VeltraFramework {
 

@@ -1,6 +1,7 @@
 // Dialogs made from templates: modal ones with their own message loop, and modeless ones.
 #include <algorithm>
 
+#include "pal/data_state.h"
 #include "pal/dialog_template.h"
 #include "pal/window_calls.h"
 
@@ -18,6 +19,11 @@ void Centre(HWND dialog) {
   GetWindowRect(dialog, &own);
   SetWindowPos(dialog, HWND_TOP, (desktop.right - (own.right - own.left)) / 2,
                (desktop.bottom - (own.bottom - own.top)) / 2, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+}
+
+DialogTemplate ReadTemplate(LPCDLGTEMPLATEW dialog) {
+  const Call call;
+  return ReadDialogTemplate(call->data->resources.At(dialog));
 }
 
 // The window with its controls, not visible yet.
@@ -88,7 +94,7 @@ HWND WINAPI CreateDialogIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialo
     if (call.Fails()) return nullptr;
   }
   if (!dialog) return nullptr;
-  const DialogTemplate made = ReadDialogTemplate(dialog);
+  const DialogTemplate made = ReadTemplate(dialog);
   const HWND window = CreateDialogWindow(instance, made, owner, procedure);
   if (!window || !Initialise(window, parameter)) return nullptr;
   if (made.style & WS_VISIBLE) ShowWindow(window, SW_SHOW);
@@ -109,7 +115,7 @@ INT_PTR WINAPI DialogBoxIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialo
     modal->disabledOwner = owner;
     EnableWindow(owner, FALSE);
   }
-  modal->window = CreateDialogWindow(instance, ReadDialogTemplate(dialog), owner, procedure);
+  modal->window = CreateDialogWindow(instance, ReadTemplate(dialog), owner, procedure);
   if (!modal->window) {
     if (modal->disabledOwner) EnableWindow(modal->disabledOwner, TRUE);
     return kFailed;

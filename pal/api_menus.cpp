@@ -1,4 +1,5 @@
 // Menus: built from a template, changed, and asked what they have become.
+#include "pal/data_state.h"
 #include "pal/state.h"
 
 using namespace pal;
@@ -24,7 +25,7 @@ Menus::Place FindItem(const Call& call, HMENU menu, UINT item, UINT flags) {
 HMENU WINAPI LoadMenuIndirectW(LPCVOID menuTemplate) {
   const Call call("LoadMenuIndirectW");
   if (call.Fails()) return nullptr;
-  return call->menus.Load(menuTemplate);
+  return call->menus.Load(call->data->resources.At(menuTemplate));
 }
 
 BOOL WINAPI DestroyMenu(HMENU menu) {

@@ -24,9 +24,8 @@ HICON OfWindows(LPCWSTR name) {
 int FindIcon(const Call& call, HINSTANCE instance, LPCWSTR name) {
   if (instance != ProgramInstance() || !IS_INTRESOURCE(name))
     Die("an icon of another module, or with a name");
-  const auto found =
-      call->data->resources.Find(ResourceNameOf(RT_GROUP_ICON), ResourceNameOf(name), LANG_NEUTRAL);
-  if (!found.entry) return Refuse(found.error, 0);
+  if (!call->data->resources.Find(ResourceNameOf(RT_GROUP_ICON), ResourceNameOf(name), LANG_NEUTRAL))
+    return Refuse(ERROR_RESOURCE_NAME_NOT_FOUND, 0);
   return static_cast<int>(reinterpret_cast<ULONG_PTR>(name));
 }
 

@@ -1,6 +1,5 @@
 // The program's resources and its version information.
 #include <algorithm>
-#include <cstring>
 
 #include "pal/data_state.h"
 #include "pal/state.h"
@@ -11,33 +10,9 @@ using namespace pal;
 
 namespace {
 
-constexpr size_t kStringsInBlock = 16;
-
 // Only the program itself has resources.
 void CheckModule(HMODULE module) {
   if (module && module != ProgramInstance()) Die("resources of another module than the program");
-}
-
-HRSRC Find(const Call& call, LPCWSTR type, LPCWSTR name, LANGID language) {
-  const auto found = call->data->resources.Find(ResourceNameOf(type), ResourceNameOf(name), language);
-  if (!found.entry) return Refuse(found.error, HRSRC{});
-  return reinterpret_cast<HRSRC>(const_cast<ResourceTable::Entry*>(found.entry));
-}
-
-// The 16-bit units of a resource.
-std::u16string_view UnitsOf(const ResourceTable::Entry& entry) {
-  return {reinterpret_cast<const char16_t*>(entry.second.data()), entry.second.size() / sizeof(char16_t)};
-}
-
-// A string of a block of 16, each behind its length.
-std::u16string_view StringInBlock(std::u16string_view block, size_t index) {
-  for (; !block.empty(); --index) {
-    const size_t length = block.front();
-    block.remove_prefix(1);
-    if (index == 0) return block.substr(0, length);
-    block.remove_prefix(std::min(block.size(), length));
-  }
-  return {};
 }
 
 // The version information of the file, null and the last error set when there is none.
@@ -47,11 +22,10 @@ const ResourceTable::Entry* FindVersion(const Call& call, LPCWSTR fileName) {
   if (!EqualFolded(file.windows, Machine::kProgramFile))
     return Refuse<const ResourceTable::Entry*>(
         file.exists ? ERROR_RESOURCE_DATA_NOT_FOUND : ERROR_FILE_NOT_FOUND, nullptr);
-  const auto found = call->data->resources.Find(ResourceNameOf(RT_VERSION),
-                                                ResourceNameOf(MAKEINTRESOURCEW(VS_VERSION_INFO)),
-                                                MAKELANGID(LANG_NEUTRAL, SUBLANG_NEUTRAL));
-  if (!found.entry) SetLastError(found.error);
-  return found.entry;
+  const auto* found = call->data->resources.Find(
+      ResourceNameOf(RT_VERSION), ResourceNameOf(MAKEINTRESOURCEW(VS_VERSION_INFO)), LANG_NEUTRAL);
+  if (!found) SetLastError(ERROR_RESOURCE_DATA_NOT_FOUND);
+  return found;
 }
 
 }  // namespace
@@ -60,7 +34,9 @@ HRSRC WINAPI FindResourceExW(HMODULE module, LPCWSTR type, LPCWSTR name, WORD la
   const Call call("FindResourceExW");
   if (call.Fails()) return nullptr;
   CheckModule(module);
-  return Find(call, type, name, language);
+  const auto* found = call->data->resources.Find(ResourceNameOf(type), ResourceNameOf(name), language);
+  if (!found) return Refuse(ERROR_RESOURCE_NAME_NOT_FOUND, HRSRC{});
+  return reinterpret_cast<HRSRC>(const_cast<ResourceTable::Entry*>(found));
 }
 
 HGLOBAL WINAPI LoadResource(HMODULE module, HRSRC resource) {
@@ -83,26 +59,6 @@ DWORD WINAPI SizeofResource(HMODULE module, HRSRC resource) {
   const ResourceTable::Entry* entry = call->data->resources.FromHandle(resource);
   if (!entry) return Refuse<DWORD>(ERROR_INVALID_HANDLE, 0);
   return static_cast<DWORD>(entry->second.size());
-}
-
-int WINAPI LoadStringW(HINSTANCE instance, UINT id, LPWSTR buffer, int size) {
-  const Call call("LoadStringW");
-  if (call.Fails()) return 0;
-  CheckModule(instance);
-  if (!buffer || size < 0) return 0;
-  const ResourceName block = {{}, static_cast<uint16_t>((id & 0xFFFF) / kStringsInBlock + 1)};
-  const auto found =
-      call->data->resources.Find(ResourceNameOf(RT_STRING), block, MAKELANGID(LANG_NEUTRAL, SUBLANG_NEUTRAL));
-  const std::u16string_view text =
-      found.entry ? StringInBlock(UnitsOf(*found.entry), id % kStringsInBlock) : std::u16string_view();
-  if (size == 0) {  // the caller wants to look at the resource itself: the buffer takes a pointer
-    const char16_t* place = text.data();
-    std::memcpy(buffer, &place, sizeof(place));
-    return static_cast<int>(text.size());
-  }
-  const std::u16string_view fitting = text.substr(0, static_cast<size_t>(size) - 1);
-  *std::ranges::copy(fitting, buffer).out = 0;
-  return static_cast<int>(fitting.size());
 }
 
 DWORD WINAPI GetFileVersionInfoSizeW(LPCWSTR fileName, LPDWORD handle) {

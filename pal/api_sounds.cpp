@@ -45,9 +45,10 @@ std::optional<std::string> FindSound(const Call& call, LPCWSTR sound, HMODULE mo
   if (source == SND_FILENAME) return call->data->disk.Read(sound);
   if (source != SND_RESOURCE || !IS_INTRESOURCE(sound)) Die("PlaySoundW of neither a file nor a resource");
   if (module && module != ProgramInstance()) Die("PlaySoundW of another module's resource");
-  const auto found = call->data->resources.Find(ResourceNameOf(u"WAVE"), ResourceNameOf(sound), LANG_NEUTRAL);
-  if (!found.entry) return std::nullopt;
-  return std::string(found.entry->second.begin(), found.entry->second.end());
+  const auto* found =
+      call->data->resources.Find(ResourceNameOf(u"WAVE"), ResourceNameOf(sound), LANG_NEUTRAL);
+  if (!found) return std::nullopt;
+  return std::string(found->second.begin(), found->second.end());
 }
 
 }  // namespace

@@ -1,15 +1,12 @@
 #include "pal/dialog_template.h"
 
-#include <cstring>
-
-#include "pal/die.h"
+#include "pal/byte_reader.h"
 
 namespace pal {
 namespace {
 
 constexpr DWORD kExtendedForm = 0xFFFF0001;
 constexpr DWORD kHasFont = 0x40;
-constexpr WORD kNumberFollows = 0xFFFF;
 
 // Pixels for 4 horizontal and 8 vertical dialog units: those of the usual font.
 constexpr int kBaseWidth = 6;
@@ -30,90 +27,63 @@ std::u16string ClassOfNumber(WORD number) {
   }
 }
 
-class Reader {
- public:
-  explicit Reader(const void* data) : start_(static_cast<const uint8_t*>(data)), at_(start_) {}
+int Pixels(ByteReader& reader, int base, int units) {
+  return (static_cast<SHORT>(reader.Word()) * base + units / 2) / units;
+}
 
-  WORD Word() { return Take<WORD>(); }
-  DWORD Dword() { return Take<DWORD>(); }
-  void Skip(size_t bytes) { at_ += bytes; }
-  void AlignTo4() { at_ += (4 - (at_ - start_) % 4) % 4; }
+RECT ReadRect(ByteReader& reader) {
+  const int x = Pixels(reader, kBaseWidth, 4);
+  const int y = Pixels(reader, kBaseHeight, 8);
+  const int width = Pixels(reader, kBaseWidth, 4);
+  const int height = Pixels(reader, kBaseHeight, 8);
+  return {x, y, x + width, y + height};
+}
 
-  std::u16string Text() {
-    std::u16string text;
-    while (const WORD unit = Word()) text.push_back(unit);
-    return text;
-  }
-  // A menu, or the class of the dialog itself: none.
-  void Nothing() {
-    if (Word() != 0) Die("a dialog template with a menu or a class");
-  }
-  std::u16string ClassName() { return IsNumber() ? ClassOfNumber(Word()) : Text(); }
-  // The caption of a control; a picture's number is no text.
-  std::u16string Caption() {
-    if (!IsNumber()) return Text();
-    Word();
-    return {};
-  }
-  RECT Rect() {
-    const int x = Pixels(kBaseWidth, 4);
-    const int y = Pixels(kBaseHeight, 8);
-    const int width = Pixels(kBaseWidth, 4);
-    const int height = Pixels(kBaseHeight, 8);
-    return {x, y, x + width, y + height};
-  }
+// The menu or the class of the dialog itself: none.
+void ReadNothing(ByteReader& reader) {
+  if (reader.Word() != 0) Die("a dialog template with a menu or a class");
+}
 
- private:
-  template <class Number>
-  Number Take() {
-    Number number;
-    std::memcpy(&number, at_, sizeof(number));
-    at_ += sizeof(number);
-    return number;
-  }
-  bool IsNumber() {
-    WORD first;
-    std::memcpy(&first, at_, sizeof(first));
-    if (first != kNumberFollows) return false;
-    Word();
-    return true;
-  }
-  int Pixels(int base, int units) { return (static_cast<SHORT>(Word()) * base + units / 2) / units; }
+std::u16string ReadClass(ByteReader& reader) {
+  const std::optional<WORD> number = reader.NumberForText();
+  return number ? ClassOfNumber(*number) : reader.Text();
+}
 
-  const uint8_t* start_;
-  const uint8_t* at_;
-};
+// A picture's number is no text.
+std::u16string ReadCaption(ByteReader& reader) {
+  return reader.NumberForText() ? std::u16string() : reader.Text();
+}
 
-TemplateControl ReadControl(Reader& reader) {
+TemplateControl ReadControl(ByteReader& reader) {
   TemplateControl control;
   reader.AlignTo4();
   reader.Dword();  // help
   control.exStyle = reader.Dword();
   control.style = reader.Dword();
-  control.rect = reader.Rect();
+  control.rect = ReadRect(reader);
   control.id = reader.Dword();
-  control.windowClass = reader.ClassName();
-  control.text = reader.Caption();
-  reader.Skip(reader.Word());  // data for WM_CREATE
+  control.windowClass = ReadClass(reader);
+  control.text = ReadCaption(reader);
+  reader.Bytes(reader.Word());  // data for WM_CREATE
   return control;
 }
 
 }  // namespace
 
-DialogTemplate ReadDialogTemplate(const void* data) {
-  Reader reader(data);
+DialogTemplate ReadDialogTemplate(std::span<const uint8_t> data) {
+  ByteReader reader(data);
   DialogTemplate dialog;
   if (reader.Dword() != kExtendedForm) Die("a dialog template of the old form");
   reader.Dword();  // help
   dialog.exStyle = reader.Dword();
   dialog.style = reader.Dword();
   const WORD count = reader.Word();
-  dialog.rect = reader.Rect();
-  reader.Nothing();  // menu
-  reader.Nothing();  // class
+  dialog.rect = ReadRect(reader);
+  ReadNothing(reader);  // menu
+  ReadNothing(reader);  // class
   dialog.caption = reader.Text();
   if (dialog.style & kHasFont) {
-    reader.Skip(6);  // size, weight, italics and character set
+    reader.Bytes(6);  // size, weight, italics and character set
     reader.Text();
   }
   for (WORD n = 0; n < count; ++n) dialog.controls.push_back(ReadControl(reader));

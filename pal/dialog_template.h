@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,6 @@ struct DialogTemplate {
 };
 
 // Dies of what the layer does not know: the old form, menus, classes of one's own.
-DialogTemplate ReadDialogTemplate(const void* data);
+DialogTemplate ReadDialogTemplate(std::span<const uint8_t> data);
 
 }  // namespace pal

@@ -164,8 +164,8 @@ class Machine {
   static constexpr std::u16string_view kCommonDocuments = u"C:\\Users\\Public\\Documents";
   // False: the shell has no common documents folder (SHGetFolderPathW fails).
   void SetCommonDocuments(bool present);
-  // The resource script that is compiled into the program: string tables, version, menus, icons, sounds.
-  void LoadResources(const std::filesystem::path& script);
+  // What the resource compiler made for the program: string tables, version, menus, dialogs, icons, sounds.
+  void LoadResources(const std::filesystem::path& file);
 
   // ---- loadable modules ---------------------------------------------------------------------------------
   struct Export {

@@ -118,23 +118,11 @@ void Machine::SetCommonDocuments(bool present) {
   state_->data->hasCommonDocuments = present;
 }
 
-// A file that the script names is looked for in the script's directory and in those above it.
-void Machine::LoadResources(const std::filesystem::path& script) {
-  const std::filesystem::path whole = std::filesystem::absolute(script);
-  const auto load = [&whole](const std::string& name) -> std::optional<std::string> {
-    std::filesystem::path directory = whole.parent_path();
-    for (;;) {
-      if (auto content = ReadHostFile(directory / name)) return content;
-      if (directory == directory.parent_path()) return std::nullopt;
-      directory = directory.parent_path();
-    }
-  };
-  const std::optional<std::string> text = ReadHostFile(whole);
-  if (!text) Die("cannot read the resource script " + whole.string());
-  CompiledResources compiled = CompileResourceScript(*text, load, whole.string());
-  if (!compiled.error.empty()) Die(compiled.error);
+void Machine::LoadResources(const std::filesystem::path& file) {
+  const std::optional<std::string> content = ReadHostFile(file);
+  if (!content) Die("cannot read the resource file " + file.string());
   const MachineLock lock(state_->mutex);
-  state_->data->resources.Load(std::move(compiled.resources));
+  state_->data->resources.Load({reinterpret_cast<const uint8_t*>(content->data()), content->size()});
 }
 
 // ---- modules and Windows ------------------------------------------------------------------------------------

@@ -1,32 +1,9 @@
 #include "pal/menus.h"
 
-#include <cstring>
-
-#include "pal/die.h"
+#include "pal/byte_reader.h"
 
 namespace pal {
 namespace {
-
-class TemplateReader {
- public:
-  explicit TemplateReader(const void* data) : at_(static_cast<const uint8_t*>(data)) {}
-
-  uint16_t Word() {
-    uint16_t word = 0;
-    std::memcpy(&word, at_, sizeof(word));
-    at_ += sizeof(word);
-    return word;
-  }
-  std::u16string Text() {
-    std::u16string text;
-    while (const uint16_t unit = Word()) text.push_back(static_cast<char16_t>(unit));
-    return text;
-  }
-  void Skip(size_t bytes) { at_ += bytes; }
-
- private:
-  const uint8_t* at_;
-};
 
 struct ReadItem {
   Menu::Item item;
@@ -34,7 +11,7 @@ struct ReadItem {
   bool isLast = false;  // of its menu
 };
 
-ReadItem TakeItem(TemplateReader& reader) {
+ReadItem TakeItem(ByteReader& reader) {
   constexpr UINT kStates = MF_GRAYED | MF_DISABLED | MF_CHECKED;
   const uint16_t flags = reader.Word();
   ReadItem read;
@@ -55,10 +32,10 @@ HMENU Menus::Add() {
   return handle;
 }
 
-HMENU Menus::Load(const void* menuTemplate) {
-  TemplateReader reader(menuTemplate);
+HMENU Menus::Load(std::span<const uint8_t> menuTemplate) {
+  ByteReader reader(menuTemplate);
   if (reader.Word() != 0) Die("a menu template of another version than 0");
-  reader.Skip(reader.Word());
+  reader.Bytes(reader.Word());
   const HMENU menu = Add();
   std::vector<HMENU> path = {menu};  // the menus whose items still come
   while (!path.empty()) {

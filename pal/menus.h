@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,7 +35,7 @@ struct OpenPopup {
 class Menus {
  public:
   // The menus of a template of version 0.
-  HMENU Load(const void* menuTemplate);
+  HMENU Load(std::span<const uint8_t> menuTemplate);
   // With the menus that hang on it; false when there is none.
   bool Destroy(HMENU menu);
   [[nodiscard]] Menu* Find(HMENU menu);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "pal/byte_reader.h"
 #include "pal/thread_language.h"
 #include "pal/unicode.h"
 
@@ -22,28 +23,52 @@ std::vector<LANGID> Candidates(LANGID language) {
   return candidates;
 }
 
-}  // namespace
-
-void ResourceTable::Load(std::vector<Resource> resources) {
-  entries_.clear();
-  for (Resource& resource : resources) entries_.emplace(std::move(resource.key), std::move(resource.data));
+ResourceName ReadName(ByteReader& reader) {
+  if (const std::optional<WORD> number = reader.NumberForText()) return {{}, *number};
+  return {reader.Text(), 0};
 }
 
-ResourceTable::Found ResourceTable::Find(const ResourceName& type, const ResourceName& name,
-                                         LANGID language) const {
-  if (entries_.empty()) return {nullptr, ERROR_RESOURCE_DATA_NOT_FOUND};
-  for (const LANGID candidate : Candidates(language))
-    if (const auto found = entries_.find({type, name, candidate}); found != entries_.end()) return {&*found};
-  const auto ofName = std::ranges::find_if(
-      entries_, [&](const Entry& entry) { return entry.first.type == type && entry.first.name == name; });
-  if (ofName != entries_.end()) {
-    if (PRIMARYLANGID(language) == LANG_NEUTRAL) return {&*ofName};
-    return {nullptr, ERROR_RESOURCE_LANG_NOT_FOUND};
+// The file begins with the header of no resource, so that nobody takes it for one of 16-bit Windows.
+constexpr DWORD kEmptyHeader = 32;
+
+ResourceKey ReadHeader(ByteReader& reader, DWORD& dataSize) {
+  const size_t begin = reader.Position();
+  dataSize = reader.Dword();
+  const DWORD headerSize = reader.Dword();
+  ResourceKey key;
+  key.type = ReadName(reader);
+  key.name = ReadName(reader);
+  reader.AlignTo4();
+  reader.Dword();  // version of the data
+  reader.Word();   // memory options of 16-bit Windows
+  key.language = reader.Word();
+  reader.Dword();  // version of the resource
+  reader.Dword();  // for whoever wrote it
+  if (reader.Position() - begin != headerSize) Die("a resource has another header than its file says");
+  return key;
+}
+
+}  // namespace
+
+void ResourceTable::Load(std::span<const uint8_t> file) {
+  entries_.clear();
+  ByteReader reader(file);
+  if (reader.Dword() != 0 || reader.Dword() != kEmptyHeader) Die("no resource file");
+  reader.Bytes(kEmptyHeader - reader.Position());
+  while (!reader.AtEnd()) {
+    DWORD size = 0;
+    ResourceKey key = ReadHeader(reader, size);
+    const auto data = reader.Bytes(size);
+    reader.AlignTo4();
+    entries_[std::move(key)].assign(data.begin(), data.end());
   }
-  const bool knowsType =
-      std::ranges::any_of(entries_, [&](const Entry& entry) { return entry.first.type == type; });
-  if (knowsType) return {nullptr, ERROR_RESOURCE_NAME_NOT_FOUND};
-  return {nullptr, ERROR_RESOURCE_TYPE_NOT_FOUND};
+}
+
+const ResourceTable::Entry* ResourceTable::Find(const ResourceName& type, const ResourceName& name,
+                                                LANGID language) const {
+  for (const LANGID candidate : Candidates(language))
+    if (const auto found = entries_.find({type, name, candidate}); found != entries_.end()) return &*found;
+  return nullptr;
 }
 
 const ResourceTable::Entry* ResourceTable::FromHandle(const void* handle) const {
@@ -51,13 +76,16 @@ const ResourceTable::Entry* ResourceTable::FromHandle(const void* handle) const 
   return found == entries_.end() ? nullptr : &*found;
 }
 
+std::span<const uint8_t> ResourceTable::At(const void* data) const {
+  const auto found =
+      std::ranges::find_if(entries_, [&](const Entry& entry) { return entry.second.data() == data; });
+  if (found == entries_.end()) Die("a template that is no resource of the program");
+  return found->second;
+}
+
 ResourceName ResourceNameOf(LPCWSTR name) {
   if (IS_INTRESOURCE(name)) return {{}, static_cast<uint16_t>(reinterpret_cast<ULONG_PTR>(name))};
-  const std::u16string_view text = name;
-  if (!text.starts_with(u'#')) return {FoldCase(text), 0};
-  uint32_t number = 0;
-  for (const char16_t digit : text.substr(1)) number = number * 10 + (digit - u'0');
-  return {{}, static_cast<uint16_t>(number)};
+  return {FoldCase(name), 0};
 }
 
 }  // namespace pal

@@ -3,36 +3,53 @@
 
 #include <windows.h>
 
+#include <compare>
 #include <map>
 #include <span>
+#include <string>
 #include <vector>
 
-#include "pal/resource_script.h"
-
 namespace pal {
+
+// Name or type of a resource: a number, or a text in upper case.
+struct ResourceName {
+  std::u16string text;  // empty for a number
+  WORD number = 0;
+
+  auto operator<=>(const ResourceName&) const = default;
+};
+
+struct ResourceKey {
+  ResourceName type;
+  ResourceName name;
+  LANGID language = 0;
+
+  auto operator<=>(const ResourceKey&) const = default;
+};
 
 class ResourceTable {
  public:
   using Entry = std::pair<const ResourceKey, std::vector<uint8_t>>;
 
-  // Takes the place of what was there before.
-  void Load(std::vector<Resource> resources);
+  // The bytes of a file that the resource compiler wrote (.res). They take the place of what was there
+  // before; a damaged file is the end.
+  void Load(std::span<const uint8_t> file);
 
-  struct Found {
-    const Entry* entry = nullptr;
-    DWORD error = ERROR_SUCCESS;  // type, name or language is missing
-  };
   // In the language, or else in the nearest: its primary language, no language; for LANG_NEUTRAL then the
-  // languages of the thread and of the user, English, and whatever there is.
-  [[nodiscard]] Found Find(const ResourceName& type, const ResourceName& name, LANGID language) const;
+  // languages of the thread and of the user, and English. Null when there is none.
+  [[nodiscard]] const Entry* Find(const ResourceName& type, const ResourceName& name, LANGID language) const;
   // Whether a handle stands for one of these resources.
   [[nodiscard]] const Entry* FromHandle(const void* handle) const;
+  // The whole resource whose bytes begin there. Templates come without a size; one that the program made up
+  // is not known.
+  [[nodiscard]] std::span<const uint8_t> At(const void* data) const;
 
  private:
+  // Each for itself, so that AddressSanitizer sees who reads past an end.
   std::map<ResourceKey, std::vector<uint8_t>> entries_;
 };
 
-// What FindResourceW and its like take: MAKEINTRESOURCEW, a text, or a text "#" and a number.
+// What FindResourceExW and its like take: MAKEINTRESOURCEW or a text.
 ResourceName ResourceNameOf(LPCWSTR name);
 
 }  // namespace pal

@@ -4,6 +4,7 @@
 #include "power/power_state.h"
 #include "resources/resource_ids.h"
 #include "system/language.h"
+#include "system/numbers.h"
 #include "system/power_off.h"
 #include "system/sounds.h"
 #include "system/system_state.h"

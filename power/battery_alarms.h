@@ -5,7 +5,6 @@
 
 namespace veltra {
 
-constexpr UINT_PTR kBatteryTimer = 1;  // main window
 constexpr UINT kBatteryCheckMs = 3000;
 
 void StartBatteryTimer();

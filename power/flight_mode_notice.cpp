@@ -3,6 +3,7 @@
 #include "power/power_state.h"
 #include "resources/resource_ids.h"
 #include "system/language.h"
+#include "system/numbers.h"
 #include "system/system_state.h"
 #include "system/tray_icons.h"
 

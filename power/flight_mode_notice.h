@@ -5,7 +5,6 @@
 
 namespace veltra {
 
-constexpr UINT_PTR kFlightModeTimer = 6;  // main window
 constexpr UINT kFlightModeNoticeMs = 3000;
 
 void StartFlightModeTimer();

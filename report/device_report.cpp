@@ -6,11 +6,10 @@
 #include "link/identity_store.h"
 #include "power/battery_details.h"
 #include "system/copied_data.h"
+#include "system/numbers.h"
 
 namespace veltra {
 namespace {
-
-constexpr ULONG_PTR kReportTag = 0;  // of the copied data
 
 // ---- hardware: what the controller says of itself, the board and the touch screen ---------------------------
 

@@ -7,10 +7,6 @@
 
 namespace veltra {
 
-// What a program asks for; any other number is a report without items.
-constexpr WPARAM kWholeReport = 0;
-constexpr WPARAM kBatteryReport = 1;
-
 // Made anew at every call. When the board's library does not answer, the report has no platform items; a
 // value that the controller has not sent is empty.
 WideText BuildDeviceReport(WPARAM selection);

@@ -19,7 +19,12 @@ install_packages() {
   apt-get install -y -qq --no-install-recommends "$@" >/dev/null 2>&1
 }
 
-need_native_tools() { need g++ g++ && need cmake cmake && need ninja ninja-build; }
+need_native_tools() { need g++ g++ && need cmake cmake && need ninja ninja-build && need_resource_compiler; }
+
+# The one of mingw-w64, a small package, or LLVM's where that is at hand.
+need_resource_compiler() {
+  need x86_64-w64-mingw32-windres binutils-mingw-w64-x86-64 || compgen -c llvm-rc >/dev/null
+}
 
 # Succeeds when the compiler has its headers and libraries for 32 bits, sanitizers included.
 need_32_bits() {

@@ -64,6 +64,15 @@ constexpr CheckRow kChecks[] = {
     {"exit", CheckExit},         {"line", CheckLine},     {"flash", CheckFlash},
 };
 
+// Where time is real, so many things happen on their own that only the order counts.
+Problem ExpectNext(Console& console, Words words) {
+  const bool isExact = console.TheWorld().Tolerance() == Duration(0);
+  const std::string line = JoinWords(words);
+  if (!isExact && words.empty()) return {};
+  if (!isExact) return Eventually(console, [&] { return console.TheTimeline().Expect(line, true, {}); });
+  return console.TheTimeline().ExpectNext(words.empty() ? std::nullopt : std::optional(line));
+}
+
 Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
   const bool none = !at && !words.empty() && words[0] == "no";
   if (none) words = words.subspan(1);
@@ -81,6 +90,9 @@ Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
 }  // namespace
 
 Problem RunExpect(Console& console, Words words) {
+  const std::string_view first = words.size() > 1 ? std::string_view(words[1]) : std::string_view();
+  if (first == "next" && words.size() > 2) return ExpectNext(console, words.subspan(2));
+  if (first == "nothing" && words.size() == 2) return ExpectNext(console, {});
   return ExpectIn(console, words.subspan(1), std::nullopt);
 }
 

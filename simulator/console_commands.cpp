@@ -342,7 +342,9 @@ constexpr ConsoleCommand kCommands[] = {
     {"ask-firmware", "", "an application asks whether the firmware is new enough", true, RunAskFirmware},
     {"ask-report", "[SELECTION]", "an application asks for the device report: 0 all, 1 the battery", true,
      RunAskReport},
-    {"expect", "[no] [exactly] TEXT", "a line that holds TEXT, or is TEXT, must have come", false, RunExpect},
+    {"expect", "[no] [exactly] TEXT|next LINE|nothing",
+     "a line that holds TEXT, or is TEXT, must have come; what came next; nothing more that a person notices",
+     false, RunExpect},
     {"at", "TIME expect TEXT", "and at that time; +TIME counts from the last command", false, RunAt},
     {"check", "[no] WHAT ...",
      "registry NAME NUMBER, log TEXT, file NAME TEXT, box|dialog [TEXT], control NAME STATE, exit CODE, "

@@ -24,7 +24,7 @@ SimulatedTablet::SimulatedTablet(pal::Clock clock)
       port_(machine_.AddSerialPort(kControllerPort)),
       desk_(machine_) {
   port_.OnWrite([this](std::span<const uint8_t> bytes) { controller_.Receive(bytes); });
-  machine_.LoadResources(VELTRA_RESOURCE_SCRIPT);
+  machine_.LoadResources(VELTRA_RESOURCES);
 }
 
 void SimulatedTablet::Start(std::u16string_view arguments) {

@@ -11,6 +11,7 @@
 #include "pal/machine.h"
 #include "simulator/controller.h"
 #include "simulator/desk.h"
+#include "system/numbers.h"
 
 namespace simulator {
 
@@ -23,10 +24,10 @@ class SimulatedTablet {
   static constexpr std::u16string_view kProfileFile =
       u"C:\\Users\\Public\\Documents\\Sarvik5\\curprofile.bpf";
   // Messages that the maker's applications know.
-  static constexpr UINT kQueryFirmware = WM_APP + 0xDF;
-  static constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
-  static constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
-  static constexpr UINT kStatusLedRequest = WM_APP + 0x76F;
+  static constexpr UINT kQueryFirmware = veltra::WM_QUERY_PIC_FIRMWARE;
+  static constexpr UINT kDeviceToolRequest = veltra::kDeviceToolRequest;
+  static constexpr UINT kDeviceReportRequest = veltra::kDeviceReportRequest;
+  static constexpr UINT kStatusLedRequest = veltra::kStatusLedRequest;
 
   explicit SimulatedTablet(pal::Clock clock = pal::Clock::kVirtual);
   SimulatedTablet(const SimulatedTablet&) = delete;

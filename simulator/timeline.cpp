@@ -8,9 +8,12 @@ namespace {
 
 constexpr std::string_view kFromController = "controller ->";
 constexpr std::string_view kFromTool = "tool ->";
+constexpr std::string_view kCommand = ">";
 
+// Quotes do not count: the words of a command have lost theirs.
 bool Matches(const TimelineEntry& entry, std::string_view pattern, bool whole) {
-  const std::string line = entry.Line();
+  std::string line = entry.Line();
+  std::erase(line, '"');
   return whole ? line == pattern : line.find(pattern) != line.npos;
 }
 
@@ -26,7 +29,7 @@ void Timeline::Follow(World& world) {
     Add({traffic.at, std::string(fromTool ? kFromTool : kFromController), Describe(traffic)});
     if (showBytes_ && !silent_) out_ << std::string(26, ' ') << DescribeBytes(traffic.wire) << "\n";
   });
-  world.OnEntry([this](TimelineEntry entry, bool noticed) { Add(std::move(entry), showAll_ || noticed); });
+  world.OnEntry([this](TimelineEntry entry, bool noticed) { Add(std::move(entry), noticed); });
 }
 
 void Timeline::StopFollowing(World& world) {
@@ -34,11 +37,12 @@ void Timeline::StopFollowing(World& world) {
   world.OnEntry({});
 }
 
-void Timeline::Add(TimelineEntry entry, bool print) {
-  if (print && !silent_)
+void Timeline::Add(TimelineEntry entry, bool noticed) {
+  if ((noticed || showAll_) && !silent_)
     out_ << std::setw(9) << FormatSeconds(entry.at) << "  " << std::left << std::setw(13) << entry.who
          << std::right << "  " << entry.text << "\n";
   entries_.push_back(std::move(entry));
+  noticed_.push_back(noticed);
 }
 
 Problem Timeline::Expect(std::string_view pattern, bool whole, std::optional<Duration> at) {
@@ -58,6 +62,16 @@ Problem Timeline::ExpectNone(std::string_view pattern, bool whole) const {
   for (size_t i = next_; i < entries_.size(); ++i)
     if (Matches(entries_[i], pattern, whole))
       return "\"" + entries_[i].Line() + "\" came at " + FormatSeconds(entries_[i].at) + " s";
+  return {};
+}
+
+Problem Timeline::ExpectNext(std::optional<std::string_view> line) {
+  size_t i = next_;
+  while (i < entries_.size() && (!noticed_[i] || entries_[i].who == kCommand)) ++i;
+  const bool comes = i < entries_.size();
+  if (comes != line.has_value() || (comes && !Matches(entries_[i], *line, true)))
+    return (line ? "\"" + std::string(*line) + "\" did not come next; " : std::string()) + Recent();
+  next_ = comes ? i + 1 : i;
   return {};
 }
 

@@ -19,7 +19,7 @@ class Timeline {
   // Follows the world until told otherwise, and before this object is gone.
   void Follow(World& world);
   static void StopFollowing(World& world);
-  void Add(TimelineEntry entry, bool print = true);
+  void Add(TimelineEntry entry, bool noticed = true);
 
   // Shows the bytes of frames below them.
   void ShowBytes(bool show) { showBytes_ = show; }
@@ -32,6 +32,8 @@ class Timeline {
   // or a whole line when `whole`. With a time the entry must have happened then, to the millisecond.
   Problem Expect(std::string_view pattern, bool whole, std::optional<Duration> at);
   Problem ExpectNone(std::string_view pattern, bool whole) const;
+  // The line is the next that a person would notice, commands left aside; without a line: there is none.
+  Problem ExpectNext(std::optional<std::string_view> line);
   // Expectations look from here on.
   void SkipToNow() { next_ = entries_.size(); }
 
@@ -40,7 +42,8 @@ class Timeline {
 
   std::ostream& out_;
   std::vector<TimelineEntry> entries_;
-  size_t next_ = 0;  // the first entry that expectations look at
+  std::vector<bool> noticed_;  // of each entry
+  size_t next_ = 0;            // the first entry that expectations look at
   bool showBytes_ = false;
   bool showAll_ = false;
   bool silent_ = false;

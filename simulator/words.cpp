@@ -1,5 +1,6 @@
 #include "simulator/words.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -17,7 +18,8 @@ bool SplitWords(std::string_view line, std::vector<std::string>& words) {
     if (quoted && end == line.npos) return false;
     if (end == line.npos) end = line.size();
     words.emplace_back(line.substr(begin, end - begin));
-    at = quoted ? end + 1 : end;
+    if (quoted) words.back() += line.substr(end + 1, line.find_first_of(kBlanks, end) - end - 1);
+    at = std::min(line.find_first_of(kBlanks, end), line.size());
   }
   return true;
 }

@@ -13,6 +13,7 @@
 
 #include "simulator/controller.h"
 #include "simulator/words.h"
+#include "system/numbers.h"
 
 namespace simulator {
 
@@ -25,10 +26,10 @@ inline constexpr uint32_t kPowerBroadcast = 0x0218;
 inline constexpr int64_t kSuspend = 0x04;
 inline constexpr int64_t kResumeAutomatic = 0x12;
 // Messages that the maker's applications know.
-inline constexpr uint32_t kQueryFirmware = 0x80DF;
-inline constexpr uint32_t kDeviceToolRequest = 0x876C;
-inline constexpr uint32_t kDeviceReportRequest = 0x876D;
-inline constexpr uint32_t kStatusLedRequest = 0x876F;
+inline constexpr uint32_t kQueryFirmware = veltra::WM_QUERY_PIC_FIRMWARE;
+inline constexpr uint32_t kDeviceToolRequest = veltra::kDeviceToolRequest;
+inline constexpr uint32_t kDeviceReportRequest = veltra::kDeviceReportRequest;
+inline constexpr uint32_t kStatusLedRequest = veltra::kStatusLedRequest;
 
 inline constexpr std::string_view kMainWindow = "VeltraInternal";
 inline constexpr std::string_view kDocuments = "C:\\Users\\Public\\Documents\\";

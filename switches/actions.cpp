@@ -13,6 +13,7 @@
 #include "system/folders.h"
 #include "system/injected_input.h"
 #include "system/maker_applications.h"
+#include "system/numbers.h"
 #include "system/start_program.h"
 
 namespace veltra {

@@ -1,20 +1,15 @@
 #include "switches/joystick_library.h"
 
-#include "system/folders.h"
+#include "system/library_binding.h"
 
 namespace veltra {
 
 JoystickLibrary LoadJoystickLibrary() {
   JoystickLibrary library;
-  library.module.Reset(LoadOwnLibrary(TEXT("vJoyInterface.dll")));
-  const HMODULE module = library.module.Get();
-  library.vJoyEnabled = FindExport<decltype(library.vJoyEnabled)>(module, "vJoyEnabled");
-  library.DriverMatch = FindExport<decltype(library.DriverMatch)>(module, "DriverMatch");
-  library.GetVJDStatus = FindExport<decltype(library.GetVJDStatus)>(module, "GetVJDStatus");
-  library.AcquireVJD = FindExport<decltype(library.AcquireVJD)>(module, "AcquireVJD");
-  library.RelinquishVJD = FindExport<decltype(library.RelinquishVJD)>(module, "RelinquishVJD");
-  library.ResetVJD = FindExport<decltype(library.ResetVJD)>(module, "ResetVJD");
-  library.SetBtn = FindExport<decltype(library.SetBtn)>(module, "SetBtn");
+  Bind(library.module, TEXT("vJoyInterface.dll"), Export{"vJoyEnabled", library.vJoyEnabled},
+       Export{"DriverMatch", library.DriverMatch}, Export{"GetVJDStatus", library.GetVJDStatus},
+       Export{"AcquireVJD", library.AcquireVJD}, Export{"RelinquishVJD", library.RelinquishVJD},
+       Export{"ResetVJD", library.ResetVJD}, Export{"SetBtn", library.SetBtn});
   return library;
 }
 

@@ -1,5 +1,6 @@
 #include "switches/switch_events.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "switches/actions.h"
@@ -10,10 +11,13 @@
 #include "switches/switch_state.h"
 #include "system/injected_input.h"
 #include "system/maker_applications.h"
+#include "system/numbers.h"
 #include "system/system_state.h"
 
 namespace veltra {
 namespace {
+
+constexpr UINT kLongPressMs = 1500;
 
 // ---- side buttons -----------------------------------------------------------------------------------------
 
@@ -40,8 +44,7 @@ void LongAction() {
 }
 
 struct SideButton {
-  WCHAR pressed;
-  WCHAR released;
+  SwitchButton button;
   WPARAM source;  // in the registered message
   UINT_PTR timer;
   bool SwitchesState::*held;
@@ -51,10 +54,11 @@ struct SideButton {
 };
 
 constexpr SideButton kSideButtons[] = {
-    {'E', 'e', 3, kMiddleButtonTimer, &SwitchesState::escHeld, true, MiddleShortPress, MiddleLongPress},
-    {'Y', 'y', 4, kTopButtonTimer, &SwitchesState::fn1Held, false, ShortAction<kTopShort>,
+    {SwitchButton::kMiddle, 3, kMiddleButtonTimer, &SwitchesState::escHeld, true, MiddleShortPress,
+     MiddleLongPress},
+    {SwitchButton::kTop, 4, kTopButtonTimer, &SwitchesState::fn1Held, false, ShortAction<kTopShort>,
      LongAction<kTopLong>},
-    {'Z', 'z', 5, kBottomButtonTimer, &SwitchesState::fn2Held, false, ShortAction<kBottomShort>,
+    {SwitchButton::kBottom, 5, kBottomButtonTimer, &SwitchesState::fn2Held, false, ShortAction<kBottomShort>,
      LongAction<kBottomLong>},
 };
 
@@ -74,35 +78,37 @@ void OnSideButton(const SideButton& button, bool pressed) {
 
 // ---- switches ---------------------------------------------------------------------------------------------
 
-struct SwitchLetter {
-  WCHAR letter;
-  WCHAR swapped;  // the same event of the other switch
-  SwitchIndex index;
-  bool pressed;
-};
+SwitchIndex IndexOf(SwitchButton button) {
+  return button == SwitchButton::kSwitch1 ? kSwitch1 : kSwitch2;
+}
 
-constexpr SwitchLetter kSwitchLetters[] = {
-    {'D', 'J', kSwitch1, true},
-    {'d', 'j', kSwitch1, false},
-    {'J', 'D', kSwitch2, true},
-    {'j', 'd', kSwitch2, false},
-};
+// Of the same event of the other switch.
+WCHAR SwappedLetter(const SwitchEvent& event) {
+  const SwitchButton other =
+      event.button == SwitchButton::kSwitch1 ? SwitchButton::kSwitch2 : SwitchButton::kSwitch1;
+  return std::ranges::find_if(kSwitchEvents,
+                              [&](const SwitchEvent& candidate) {
+                                return candidate.button == other && candidate.pressed == event.pressed;
+                              })
+      ->letter;
+}
 
-void NoteHeld(const SwitchLetter& event) {
+void NoteHeld(const SwitchEvent& event) {
   int& mask = Switches().switchIndicator.pressedMask;
-  const int bit = 1 << event.index;
+  const int bit = 1 << IndexOf(event.button);
   mask = event.pressed ? mask | bit : mask & ~bit;
 }
 
 // Whether somebody else takes the event: the maker's communication or keyboard application, or the options
 // dialog.
-bool HandToOthers(const SwitchLetter& event) {
+bool HandToOthers(const SwitchEvent& event) {
   if (const HWND talkBuilder = FindWindowW(kTalkBuilderClass, nullptr)) {
     SendMessageW(talkBuilder, kSwitchLetterMessage, 0, event.letter);
     return true;
   }
   if (const HWND lexora = FindWindowW(kLexoraClass, nullptr)) {
-    SendMessageW(lexora, kSwitchLetterMessage, 0, Switches().LexoraRevSw ? event.swapped : event.letter);
+    SendMessageW(lexora, kSwitchLetterMessage, 0,
+                 Switches().LexoraRevSw ? SwappedLetter(event) : event.letter);
     return true;
   }
   const HWND options = Switches().switchIndicator.dialogWindow;
@@ -111,28 +117,27 @@ bool HandToOthers(const SwitchLetter& event) {
   return true;
 }
 
-void OnSwitch(const SwitchLetter& event) {
+void OnSwitch(const SwitchEvent& event) {
+  const SwitchIndex index = IndexOf(event.button);
   NoteHeld(event);
   if (HandToOthers(event)) {
     // What an earlier press holds down would stay so: this release goes elsewhere.
-    if (!event.pressed) ReleaseHeldSwitch(event.index);
+    if (!event.pressed) ReleaseHeldSwitch(index);
     return;
   }
   if (event.pressed)
-    PressSwitch(event.index);
+    PressSwitch(index);
   else
-    ReleaseSwitch(event.index);
+    ReleaseSwitch(index);
 }
 
 }  // namespace
 
-void HandleSwitchEvent(WCHAR letter) {
+void HandleSwitchEvent(const SwitchEvent& event) {
   SetThreadExecutionState(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED);  // switches the display on
   for (const SideButton& button : kSideButtons)
-    if (letter == button.pressed || letter == button.released)
-      return OnSideButton(button, letter == button.pressed);
-  for (const SwitchLetter& event : kSwitchLetters)
-    if (letter == event.letter) return OnSwitch(event);
+    if (button.button == event.button) return OnSideButton(button, event.pressed);
+  OnSwitch(event);
 }
 
 void OnLongPressTimer(UINT_PTR timer) {

@@ -3,18 +3,30 @@
 
 #include <windows.h>
 
+#include <string_view>
+
 namespace veltra {
 
-// Switch 1 D d, switch 2 J j, middle button E e, top button Y y, bottom button Z z; the capital is the press.
-// Any other letter is ignored.
-void HandleSwitchEvent(WCHAR letter);
+enum class SwitchButton { kSwitch1, kSwitch2, kMiddle, kTop, kBottom };
 
-// The long-press timer of a side button fired; `timer` is its id: 5 middle, 7 top, 8 bottom.
+struct SwitchEvent {
+  std::string_view text;  // as the controller says it
+  WCHAR letter;           // as the maker's applications take it
+  SwitchButton button;
+  bool pressed;
+};
+
+constexpr SwitchEvent kSwitchEvents[] = {
+    {"EscMake", 'E', SwitchButton::kMiddle, true},  {"EscBreak", 'e', SwitchButton::kMiddle, false},
+    {"Sw1Make", 'D', SwitchButton::kSwitch1, true}, {"Sw1Break", 'd', SwitchButton::kSwitch1, false},
+    {"Sw2Make", 'J', SwitchButton::kSwitch2, true}, {"Sw2Break", 'j', SwitchButton::kSwitch2, false},
+    {"Fn1Make", 'Y', SwitchButton::kTop, true},     {"Fn1Break", 'y', SwitchButton::kTop, false},
+    {"Fn2Make", 'Z', SwitchButton::kBottom, true},  {"Fn2Break", 'z', SwitchButton::kBottom, false},
+};
+
+void HandleSwitchEvent(const SwitchEvent& event);
+
+// The long-press timer of a side button fired; `timer` is its id.
 void OnLongPressTimer(UINT_PTR timer);
-
-constexpr UINT_PTR kMiddleButtonTimer = 5;
-constexpr UINT_PTR kTopButtonTimer = 7;
-constexpr UINT_PTR kBottomButtonTimer = 8;
-constexpr UINT kLongPressMs = 1500;
 
 }  // namespace veltra

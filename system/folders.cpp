@@ -34,10 +34,4 @@ WideText GetDataFolder() {
   return folder;
 }
 
-HMODULE LoadOwnLibrary(const WCHAR* fileName) {
-  const WideText directory = ModuleDirectory();
-  if (directory.empty()) return nullptr;
-  return LoadLibraryExW((directory + fileName).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-}
-
 }  // namespace veltra

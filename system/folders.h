@@ -17,7 +17,4 @@ WideText ModuleDirectory();
 // documents, or beside the program when the shell has no such folder.
 WideText GetDataFolder();
 
-// Loads a library from the program's own directory, never through the search path. Null when it is missing.
-HMODULE LoadOwnLibrary(const WCHAR* fileName);
-
 }  // namespace veltra

@@ -6,6 +6,7 @@
 
 #include "resources/resource_ids.h"
 #include "system/folders.h"
+#include "system/numbers.h"
 #include "system/system_state.h"
 
 namespace veltra {

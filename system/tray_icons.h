@@ -12,8 +12,6 @@ namespace veltra {
 
 constexpr UINT kPowerIconId = 1977;
 constexpr UINT kToolIconId = 1978;
-constexpr UINT kPowerIconMessage = WM_USER;  // mouse events of the icons, to the main window
-constexpr UINT kToolIconMessage = WM_USER + 1;
 
 // Adds both icons with their first pictures; also after the shell has started anew. An icon that the shell
 // does not take, because it is not up yet, is tried again by RetryTrayIcons.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,13 @@
 namespace veltra {
 
 using namespace std::chrono_literals;
+using Texts = std::vector<std::string>;
+
+inline std::string Joined(const Texts& texts) {
+  std::string joined;
+  for (const std::string& text : texts) joined.append(joined.empty() ? "" : "; ").append(text);
+  return joined;
+}
 
 class ToolTest : public ::testing::Test {
  protected:
@@ -33,9 +41,21 @@ class ToolTest : public ::testing::Test {
     mark = tablet.Mark();
     return pal::Select<Detail>(effects);
   }
+  // Everything that the tool did since the last call, in words; or what begins with one of these.
+  Texts Did(std::initializer_list<std::string_view> beginnings = {""}) {
+    const std::vector<pal::Effect> effects = tablet.Since(mark);
+    mark = tablet.Mark();
+    Texts texts;
+    for (const pal::Effect& effect : effects) {
+      const std::string text = pal::Describe(effect);
+      if (std::ranges::any_of(beginnings, [&](std::string_view with) { return text.starts_with(with); }))
+        texts.push_back(text);
+    }
+    return texts;
+  }
   // The texts that the controller was asked since the last call.
-  std::vector<std::string> NewRequests() {
-    std::vector<std::string> texts;
+  Texts NewRequests() {
+    Texts texts;
     const auto& requests = tablet.Pic().Requests();
     for (; requestMark < requests.size(); ++requestMark)
       texts.emplace_back(requests[requestMark].message.begin() + 1, requests[requestMark].message.end());

@@ -3,14 +3,18 @@
 // Says whether an update accepts the file and, if not, which line breaks which rule; what an update with it
 // erases and writes, which bytes it leaves out, and how long it takes.
 #include <algorithm>
+#include <array>
 #include <cinttypes>
 #include <cstdio>
 #include <fstream>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
+#include "firmware/boot_sequence.h"
 #include "firmware/flash_image.h"
 #include "firmware/hex_file.h"
 #include "link/frame.h"
@@ -96,7 +100,6 @@ bool WriteBinary(const std::string& path, const HexBytes& bytes) {
 constexpr double kBitsPerSecond = 57600;
 constexpr double kBitsPerByte = 10;       // start bit, 8 data bits, stop bit
 constexpr double kPausePerFrame = 0.005;  // the tool's, behind the first byte of each of its frames
-constexpr uint8_t kInstructionsPerRow = kFlashRowSize / 4;
 
 struct LineUse {
   double bytes = 0;  // in both directions
@@ -114,40 +117,44 @@ struct LineUse {
   }
 };
 
-// A message about a place in the flash: type, a count or code, and the word address.
-std::vector<uint8_t> MessageAt(uint8_t type, uint8_t count, uint32_t imageAddress) {
-  const uint32_t word = imageAddress / 2;
-  return {type, count, static_cast<uint8_t>(word), static_cast<uint8_t>(word >> 8),
-          static_cast<uint8_t>(word >> 16)};
-}
-
-std::vector<uint8_t> WithBytes(std::vector<uint8_t> message, const FlashRow& row) {
-  message.insert(message.end(), row.bytes.begin(), row.bytes.end());
+std::vector<uint8_t> MessageOf(MessageType type, std::span<const uint8_t> content) {
+  std::vector<uint8_t> message = {static_cast<uint8_t>(type)};
+  message.insert(message.end(), content.begin(), content.end());
   return message;
 }
 
-// The frames of an update in which every step is answered at once and as shortly as can be.
-LineUse LineUseOf(const FlashImage& image, std::span<const uint32_t> rows, std::span<const uint32_t> pages) {
-  constexpr uint8_t kRead = 0x01, kWrite = 0x02, kErase = 0x03, kFinish = 0x08, kText = 0x0A, kReply = 0x0B;
+// What the controller does with a request, as shortly as can be, and what the update makes of that.
+BootEffects Answer(BootSequence& update, const SendRequest& request, LineUse& use) {
+  if (request.type == MessageType::kText) {
+    use.Answer(MessageOf(MessageType::kReply, std::array<uint8_t, 1>{}));
+    return update.OnEnterBootloader();
+  }
+  if (request.type != MessageType::kReadMemory) {
+    use.Answer(MessageOf(request.type, {}));
+    return update.OnResponse(0, {});
+  }
+  const FlashRow& row = *update.fileImage.FindRow(update.verifyQueue.front());
+  std::vector<uint8_t> content = request.content;  // the answer says again which row it is
+  content.insert(content.end(), row.bytes.begin(), row.bytes.end());
+  use.Answer(MessageOf(request.type, content));
+  return update.OnResponse(row.address, row.bytes);
+}
+
+// The frames of the update that begins with these effects, every step of it answered at once.
+LineUse LineUseOf(BootSequence& update, BootEffects effects) {
   LineUse use;
-  std::vector<uint8_t> enter = {kText};
-  for (const char c : std::string_view("GotoBootloader")) enter.push_back(static_cast<uint8_t>(c));
-  use.Command(enter);
-  use.Answer({kReply, 0x00});
-  use.Command(MessageAt(kErase, 1, pages.front()));  // the first one goes out twice
-  for (const uint32_t page : pages) {
-    use.Command(MessageAt(kErase, 1, page));
-    use.Answer({kErase});
+  SendRequest last{};
+  for (bool sent = true; sent;) {
+    sent = false;
+    for (const BootEffect& effect : effects) {
+      if (const auto* request = std::get_if<SendRequest>(&effect)) last = *request;
+      const bool isRepeated = std::holds_alternative<RepeatRequest>(effect);
+      if (!isRepeated && !std::holds_alternative<SendRequest>(effect)) continue;
+      use.Command(MessageOf(last.type, last.content));
+      sent = true;
+    }
+    if (sent) effects = Answer(update, last, use);
   }
-  for (const uint32_t address : rows) {
-    const FlashRow& row = *image.FindRow(address);
-    use.Command(WithBytes(MessageAt(kWrite, 1, address), row));
-    use.Answer({kWrite});
-    use.Command(MessageAt(kRead, kInstructionsPerRow, address));
-    use.Answer(WithBytes(MessageAt(kRead, kInstructionsPerRow, address), row));
-  }
-  use.Command({kFinish});
-  use.Answer({kFinish});
   return use;
 }
 
@@ -244,10 +251,11 @@ void PrintRemarks(const HexRemarks& remarks) {
                 remarks.replacedBytes);
 }
 
-void PrintUpdate(const FlashImage& image, std::span<const uint32_t> rows) {
-  const std::vector<uint32_t> pages = PagesOf(rows);
-  const LineUse use = LineUseOf(image, rows, pages);
-  std::printf("  %zu pages to erase, %zu rows to write and read back\n", pages.size(), rows.size());
+void PrintUpdate(BootSequence& update, const BootEffects& begin) {
+  const size_t pages = update.eraseQueue.size();
+  const size_t rows = update.writeQueue.size();
+  const LineUse use = LineUseOf(update, begin);
+  std::printf("  %zu pages to erase, %zu rows to write and read back\n", pages, rows);
   std::printf(
       "  %.1f s at %.0f baud (%.0f bytes on the line), and what the controller needs to erase and write\n",
       use.Seconds(), kBitsPerSecond, use.bytes);
@@ -255,11 +263,9 @@ void PrintUpdate(const FlashImage& image, std::span<const uint32_t> rows) {
 
 // Prints the report; whether an update accepts the file.
 bool Report(const std::string& name, const HexReading& reading) {
-  FlashImage image;
-  image.Reset();
-  const bool loaded = LoadFileImage(image, reading.bytes);
-  const std::vector<uint32_t> rows = DirtyRows(image);
-  const bool accepted = loaded && !rows.empty();
+  BootSequence update;
+  const BootEffects begin = update.Start(reading.bytes);
+  const bool accepted = !begin.empty();
   std::printf("%s: %s\n", accepted ? "accepted" : "refused", name.c_str());
   if (reading.fault) {
     PrintFault(*reading.fault);
@@ -267,9 +273,9 @@ bool Report(const std::string& name, const HexReading& reading) {
     std::printf("  no data\n");
   } else {
     std::printf("  %zu bytes in %zu ranges\n", reading.bytes.size(), reading.bytes.RunCount());
-    if (rows.empty()) std::printf("  no byte lies where an update writes\n");
+    if (!accepted) std::printf("  no byte lies where an update writes\n");
   }
-  if (accepted) PrintUpdate(image, rows);
+  if (accepted) PrintUpdate(update, begin);
   if (const std::vector<Range> outside = OutsideWindow(reading.bytes); !outside.empty()) {
     std::printf("  outside the programmable window, not written:\n");
     PrintRanges(outside);

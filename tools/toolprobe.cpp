@@ -8,13 +8,13 @@
 #include <string_view>
 #include <vector>
 
+#include "system/numbers.h"
 #include "tools/command_line_program.h"
 #include "tools/probe_text.h"
 
 namespace {
 
-using veltra::RunProgram;
-using veltra::WideText;
+using namespace veltra;
 
 constexpr int kAnswered = 0;
 constexpr int kNoTool = 1;
@@ -42,14 +42,6 @@ constexpr char kUsage[] =
 // ---- the tool's window --------------------------------------------------------------------------------------
 
 constexpr const WCHAR* kToolWindow = TEXT("VeltraInternal");
-constexpr UINT kQueryFirmware = WM_APP + 0xDF;
-constexpr UINT kDeviceToolRequest = WM_APP + 0x76C;
-constexpr UINT kDeviceReportRequest = WM_APP + 0x76D;
-constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
-constexpr WPARAM kPowerSource = 12;
-constexpr WPARAM kCapacity = 13;
-constexpr WPARAM kSpeakerVolume = 20;
-constexpr WPARAM kWholeReport = 0;
 constexpr UINT kPatienceMs = 10000;
 
 struct Probe {
@@ -102,9 +94,9 @@ void PrintLine(const char* what, const std::string& answer) {
 }
 
 bool PrintBattery(const Probe& probe) {
-  const std::optional<LRESULT> source = Ask(probe, kDeviceToolRequest, kPowerSource);
+  const std::optional<LRESULT> source = Ask(probe, kDeviceToolRequest, kPowerSourceRequest);
   if (!source) return false;
-  const std::optional<LRESULT> capacity = Ask(probe, kDeviceToolRequest, kCapacity);
+  const std::optional<LRESULT> capacity = Ask(probe, kDeviceToolRequest, kCapacityRequest);
   if (!capacity) return false;
   PrintLine("power source", probe::FormatPowerSource(*source));
   PrintLine("capacity", std::to_string(*capacity) + " %");
@@ -112,13 +104,13 @@ bool PrintBattery(const Probe& probe) {
 }
 
 bool PrintVolume(const Probe& probe) {
-  const std::optional<LRESULT> volume = Ask(probe, kDeviceToolRequest, kSpeakerVolume);
+  const std::optional<LRESULT> volume = Ask(probe, kDeviceToolRequest, kSpeakerVolumeRequest);
   if (volume) PrintLine("speaker volume", probe::FormatVolume(*volume));
   return volume.has_value();
 }
 
 bool PrintFirmware(const Probe& probe) {
-  const std::optional<LRESULT> answer = Ask(probe, kQueryFirmware);
+  const std::optional<LRESULT> answer = Ask(probe, WM_QUERY_PIC_FIRMWARE);
   if (answer) PrintLine("firmware", *answer == 1 ? "95 or later" : "older than 95, or not known");
   return answer.has_value();
 }

@@ -9,6 +9,7 @@
 #include "app/dialogs/dialog_items.h"
 #include "resources/resource_ids.h"
 #include "system/language.h"
+#include "system/numbers.h"
 #include "system/power_off.h"
 
 namespace veltra {

@@ -15,6 +15,7 @@
 #include "switches/switch_indicator.h"
 #include "switches/switch_outputs.h"
 #include "system/language.h"
+#include "system/numbers.h"
 #include "system/windows_version.h"
 
 namespace veltra {

@@ -5,9 +5,6 @@
 
 namespace veltra {
 
-// A private message to the main window: the user asked for a firmware update.
-constexpr UINT kFirmwareFileRequest = WM_APP + 0x76E;
-
 // Shows the dialog until the user closes it. Does nothing while it is open already.
 void OpenOptionsDialog();
 

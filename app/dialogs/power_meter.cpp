@@ -12,6 +12,7 @@
 #include "link/send_queue.h"
 #include "resources/resource_ids.h"
 #include "system/language.h"
+#include "system/numbers.h"
 
 namespace veltra {
 namespace {

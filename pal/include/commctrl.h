@@ -8,7 +8,9 @@ void WINAPI InitCommonControls();
 // ---- trackbars ----------------------------------------------------------------------------------------------
 
 #define TRACKBAR_CLASSW TEXT("msctls_trackbar32")
-#define TBS_VERT 0x0002u
+#define TBS_HORZ 0x0000
+#define TBS_BOTH 0x0008
+#define TBS_NOTICKS 0x0010
 #define TBM_GETPOS (WM_USER)
 #define TBM_SETTIC (WM_USER + 4)
 #define TBM_SETPOS (WM_USER + 5)

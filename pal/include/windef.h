@@ -1,8 +1,10 @@
 // Types of the Windows API. LONG and DWORD have 32 bits as on Windows, whatever the host's long has.
 #pragma once
 
+#ifndef RC_INVOKED
 #include <cstddef>
 #include <cstdint>
+#endif
 
 #define WINAPI
 #define WINAPIV

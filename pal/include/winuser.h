@@ -41,21 +41,20 @@ struct CREATESTRUCTW {
 
 #define CS_VREDRAW 0x0001u
 #define CS_HREDRAW 0x0002u
-#define WS_OVERLAPPED 0x00000000u
-#define WS_POPUP 0x80000000u
-#define WS_CHILD 0x40000000u
-#define WS_VISIBLE 0x10000000u
-#define WS_DISABLED 0x08000000u
-#define WS_CAPTION 0x00C00000u
-#define WS_SYSMENU 0x00080000u
-#define WS_THICKFRAME 0x00040000u
-#define WS_MINIMIZEBOX 0x00020000u
-#define WS_MAXIMIZEBOX 0x00010000u
+#define WS_OVERLAPPED 0x00000000
+#define WS_POPUP 0x80000000
+#define WS_CHILD 0x40000000
+#define WS_VISIBLE 0x10000000
+#define WS_DISABLED 0x08000000
+#define WS_CAPTION 0x00C00000
+#define WS_SYSMENU 0x00080000
+#define WS_THICKFRAME 0x00040000
+#define WS_MINIMIZEBOX 0x00020000
+#define WS_MAXIMIZEBOX 0x00010000
 #define WS_OVERLAPPEDWINDOW \
   (WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX)
-#define WS_EX_TOPMOST 0x00000008u
-#define WS_EX_TOOLWINDOW 0x00000080u
-#define WS_EX_APPWINDOW 0x00040000u
+#define WS_EX_TOPMOST 0x00000008
+#define WS_EX_APPWINDOW 0x00040000
 #define CW_USEDEFAULT (static_cast<int>(0x80000000u))
 #define GWLP_WNDPROC (-4)
 #define GWLP_ID (-12)
@@ -65,14 +64,11 @@ struct CREATESTRUCTW {
 
 #define MAKEINTRESOURCEW(id) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(id))))
 #define IS_INTRESOURCE(name) ((reinterpret_cast<ULONG_PTR>(name) >> 16) == 0)
-#define RT_ICON MAKEINTRESOURCEW(3)
 #define RT_MENU MAKEINTRESOURCEW(4)
 #define RT_DIALOG MAKEINTRESOURCEW(5)
 #define RT_STRING MAKEINTRESOURCEW(6)
-#define RT_RCDATA MAKEINTRESOURCEW(10)
 #define RT_GROUP_ICON MAKEINTRESOURCEW(14)
 #define RT_VERSION MAKEINTRESOURCEW(16)
-#define RT_MANIFEST MAKEINTRESOURCEW(24)
 #define IDC_ARROW MAKEINTRESOURCEW(32512)
 
 ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* windowClass);
@@ -91,7 +87,6 @@ BOOL WINAPI InvalidateRect(HWND window, const RECT* rect, BOOL erase);
 LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index);
 LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value);
 HCURSOR WINAPI LoadCursorW(HINSTANCE instance, LPCWSTR name);
-int WINAPI LoadStringW(HINSTANCE instance, UINT id, LPWSTR buffer, int size);
 
 // ---- messages -----------------------------------------------------------------------------------------------
 

@@ -5,8 +5,8 @@
 
 // ---- what windows show --------------------------------------------------------------------------------------
 
-#define WS_TABSTOP 0x00010000u
-#define WS_GROUP 0x00020000u
+#define WS_VSCROLL 0x00200000
+#define WS_TABSTOP 0x00010000
 #define SW_HIDE 0
 #define SW_SHOW 5
 #define SWP_NOSIZE 0x0001u
@@ -94,18 +94,18 @@ UINT WINAPI IsDlgButtonChecked(HWND dialog, int id);
 #define BM_GETCHECK 0x00F0
 #define BM_SETCHECK 0x00F1
 
-#define SS_ICON 0x0003u
-#define SS_TYPEMASK 0x001Fu
-#define SS_NOTIFY 0x0100u
+#define SS_ICON 0x0003
+#define SS_TYPEMASK 0x001F
+#define SS_NOTIFY 0x0100
 #define STN_CLICKED 0
 #define STN_DBLCLK 1
 #define STM_SETICON 0x0170
 
-#define ES_AUTOHSCROLL 0x0080u
+#define ES_AUTOHSCROLL 0x0080
 #define EM_LIMITTEXT 0x00C5
 
-#define CBS_DROPDOWNLIST 0x0003u
-#define CBS_SORT 0x0100u
+#define CBS_DROPDOWNLIST 0x0003
+#define CBS_SORT 0x0100
 #define CBN_SELCHANGE 1
 #define CB_ERR (-1)
 #define CB_ADDSTRING 0x0143

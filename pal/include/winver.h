@@ -4,22 +4,10 @@
 #include "windef.h"
 
 #define VS_VERSION_INFO 1
-
-struct VS_FIXEDFILEINFO {
-  DWORD dwSignature;
-  DWORD dwStrucVersion;
-  DWORD dwFileVersionMS;
-  DWORD dwFileVersionLS;
-  DWORD dwProductVersionMS;
-  DWORD dwProductVersionLS;
-  DWORD dwFileFlagsMask;
-  DWORD dwFileFlags;
-  DWORD dwFileOS;
-  DWORD dwFileType;
-  DWORD dwFileSubtype;
-  DWORD dwFileDateMS;
-  DWORD dwFileDateLS;
-};
+#define VS_FFI_FILEFLAGSMASK 0x0000003F
+#define VOS_NT_WINDOWS32 0x00040004
+#define VFT_APP 1
+#define VFT2_UNKNOWN 0
 
 DWORD WINAPI GetFileVersionInfoSizeW(LPCWSTR fileName, LPDWORD handle);
 BOOL WINAPI GetFileVersionInfoW(LPCWSTR fileName, DWORD handle, DWORD size, LPVOID data);

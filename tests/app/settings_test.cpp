@@ -1,3 +1,5 @@
+#include <limits>
+
 #include "tests/tool_test.h"
 
 namespace veltra {
@@ -7,44 +9,57 @@ using simulator::SimulatedTablet;
 
 class Settings : public ToolTest {};
 
-struct Saved {
+struct Setting {
   std::u16string_view name;
-  int32_t value;
+  int32_t otherwise;
+  int32_t stored;  // of a switch only 1 is on
 };
 
-constexpr Saved kDefaults[] = {
-    {u"BattLow", 1},
-    {u"BattCrit", 1},
-    {u"BattLowPercentage", 10},
-    {u"BattCritPercentage", 5},
-    {u"SpeakerVol", -1},
-    {u"MicrophoneVol", -1},
-    {u"Sw1Start", 0},
-    {u"DisableUSBBack", 0},
-    {u"DisableUSBBottom", 0},
-    {u"EnableFlightMode", 0},
-    {u"EnableWLAN", 1},
-    {u"EnableBluetooth", 1},
-    {u"EnableMobilePhone", 1},
-    {u"Sw1CmdVal", 0},
-    {u"Sw2CmdVal", 0},
-    {u"WakeupDelay", 1000},
-    {u"StartupDelay", 3000},
-    {u"AllowEscape", 1},
-    {u"CurrentLangID", 0x0809},
-};
+constexpr int32_t kLowest = std::numeric_limits<int32_t>::min();
+constexpr int32_t kHighest = std::numeric_limits<int32_t>::max();
+// In the order in which they are written.
+constexpr Setting kSettings[] = {{u"BattLow", 1, 0},
+                                 {u"BattCrit", 1, 0},
+                                 {u"BattLowPercentage", 10, 41},
+                                 {u"BattCritPercentage", 5, -3},
+                                 {u"SpeakerVol", -1, 70},
+                                 {u"MicrophoneVol", -1, 6},
+                                 {u"Sw1Start", 0, 9000},
+                                 {u"DisableUSBBack", 0, 1},
+                                 {u"DisableUSBBottom", 0, 1},
+                                 {u"EnableFlightMode", 0, 1},
+                                 {u"EnableWLAN", 1, 0},
+                                 {u"EnableBluetooth", 1, 0},
+                                 {u"EnableMobilePhone", 1, 0},
+                                 {u"Sw1CmdVal", 0, kLowest},
+                                 {u"Sw2CmdVal", 0, kHighest},
+                                 {u"WakeupDelay", 1000, -5},
+                                 {u"StartupDelay", 3000, 10},
+                                 {u"AllowEscape", 1, 0},
+                                 {u"CurrentLangID", 0x0809, 0xFFFE}};
 
-TEST_F(Settings, TheFirstStartWritesTheNineteenDefaultsInTheirOrder) {
-  ASSERT_TRUE(tablet.StartAndSettle());
-  const auto writes = New<pal::RegistryWrite>();
-  ASSERT_EQ(writes.size(), std::size(kDefaults));
-  for (size_t n = 0; n < writes.size(); ++n) {
-    EXPECT_EQ(writes[n].name, kDefaults[n].name);
-    EXPECT_EQ(writes[n].type, static_cast<uint32_t>(REG_DWORD));
-    EXPECT_EQ(UserValue(kDefaults[n].name), static_cast<uint32_t>(kDefaults[n].value));
+TEST_F(Settings, AreReadAndWrittenAllOfThemInTheirOrder) {
+  for (const bool areStored : {false, true}) {
+    for (const Setting& setting : kSettings)
+      if (areStored) SetUserValue(setting.name, setting.stored);
+    mark = tablet.Mark();
+    tablet.Start();
+    tablet.Advance(1s);
+    const auto writes = New<pal::RegistryWrite>();
+    ASSERT_EQ(writes.size(), std::size(kSettings));
+    for (size_t n = 0; n < writes.size(); ++n) {
+      const Setting& setting = kSettings[n];
+      EXPECT_EQ(writes[n].name, setting.name);
+      EXPECT_EQ(writes[n].type, static_cast<uint32_t>(REG_DWORD));
+      EXPECT_EQ(UserValue(setting.name),
+                static_cast<uint32_t>(areStored ? setting.stored : setting.otherwise))
+          << n;
+    }
+    EXPECT_EQ(machine.RegistryValueNames(HKEY_CURRENT_USER, SimulatedTablet::kUserKey).size(),
+              std::size(kSettings));
+    tablet.Advance(30s);
+    ASSERT_TRUE(tablet.Quit());
   }
-  EXPECT_EQ(machine.RegistryValueNames(HKEY_CURRENT_USER, SimulatedTablet::kUserKey).size(),
-            std::size(kDefaults));
   EXPECT_TRUE(machine.RegistryValueNames(HKEY_LOCAL_MACHINE, SimulatedTablet::kUserKey).empty());
 }
 
@@ -55,12 +70,10 @@ TEST_F(Settings, WhatIsNoFourByteNumberLeavesTheDefault) {
   machine.SetRegistryValue(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"BattCritPercentage", REG_SZ,
                            fourByteText);
   SetUserValue(u"EnableWLAN", 2);
-  SetUserValue(u"WakeupDelay", -5);
   Start();
   EXPECT_EQ(UserValue(u"BattLowPercentage"), 10U);
   EXPECT_EQ(UserValue(u"BattCritPercentage"), 0x37U);
   EXPECT_EQ(UserValue(u"EnableWLAN"), 0U);
-  EXPECT_EQ(UserValue(u"WakeupDelay"), static_cast<uint32_t>(-5));
 }
 
 TEST_F(Settings, SwitchClicksGiveTheCommandsUnlessTheyAreStored) {
@@ -72,27 +85,20 @@ TEST_F(Settings, SwitchClicksGiveTheCommandsUnlessTheyAreStored) {
   EXPECT_EQ(UserValue(u"SwClicks"), 1U);
 }
 
-TEST_F(Settings, LanguageIsCompletedForTheThreadAndStoredAsItWas) {
-  SetUserValue(u"CurrentLangID", 0x10000 + 19);
-  ASSERT_TRUE(tablet.StartAndSettle());
-  const auto languages = New<pal::LanguageSet>();
-  ASSERT_EQ(languages.size(), 1U);
-  EXPECT_EQ(languages[0].language, 0x0413);
-  EXPECT_EQ(UserValue(u"CurrentLangID"), 19U);
-}
-
-TEST_F(Settings, ALanguageChosenInTheMenuIsAppliedSavedAndShown) {
-  Start();
-  ASSERT_TRUE(tablet.Ask(WM_COMMAND, 40213));
-  EXPECT_EQ(UserValue(u"CurrentLangID"), 0x0413U);
-  ASSERT_TRUE(machine.Post(tablet.MainWindow(), WM_COMMAND, 128, 0));
-  tablet.Advance(10ms);
-  ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
-  EXPECT_TRUE(machine.OpenMessageBoxes()[0].text.starts_with(u"Sommige functies van het toestel"));
-  EXPECT_EQ(machine.OpenMessageBoxes()[0].caption, u"Sarvik5");
-  machine.AnswerMessageBox(IDNO);
-  ASSERT_TRUE(tablet.Ask(WM_COMMAND, 40214));  // no such entry in the list
-  EXPECT_EQ(UserValue(u"CurrentLangID"), 0x0413U);
+TEST_F(Settings, LanguagesAreCompletedForTheThreadAndStoredAsTheyWere) {
+  const std::pair<int32_t, int> languages[] = {{7, 0x0407},  {9, 0x0809},      {10, 0x040A},     {12, 0x040C},
+                                               {16, 0x0410}, {29, 0x041D},     {0x0C07, 0x0C07}, {8, 8},
+                                               {19, 0x0413}, {0x0409, 0x0409}, {0x10013, 0x0413}};
+  for (const auto& [stored, applied] : languages) {
+    SetUserValue(u"CurrentLangID", stored);
+    const size_t before = tablet.Mark();
+    Start();
+    const auto set = pal::Select<pal::LanguageSet>(tablet.Since(before));
+    ASSERT_EQ(set.size(), 1U) << stored;
+    EXPECT_EQ(set[0].language, applied);
+    EXPECT_EQ(UserValue(u"CurrentLangID"), static_cast<uint32_t>(stored & 0xFFFF));
+    ASSERT_TRUE(tablet.Quit());
+  }
 }
 
 TEST_F(Settings, ARegistryThatRefusesKeepsTheToolFromNothing) {
@@ -100,18 +106,9 @@ TEST_F(Settings, ARegistryThatRefusesKeepsTheToolFromNothing) {
   machine.Fail("RegCreateKeyExW", 10, ERROR_ACCESS_DENIED);
   SetUserValue(u"Sw1CmdVal", -1);
   Start();
-  EXPECT_TRUE(pal::Select<pal::RegistryWrite>(tablet.Since(0)).empty());
+  Did();
   Press(simulator::Button::kSwitch1);
-  EXPECT_EQ(New<pal::ForeignMessageSent>().size(), 1U);  // the default: a notification
-}
-
-TEST_F(Settings, TheMachinesPortNumberChoosesThePort) {
-  machine.SetRegistryDword(HKEY_LOCAL_MACHINE, SimulatedTablet::kUserKey, u"PicPortNumber", 5);
-  tablet.Start();
-  tablet.Advance(5s);
-  EXPECT_TRUE(New<pal::SerialOpened>().empty());
-  EXPECT_NE(Log().find("StartPicComm . . .  failed to open port\r\n"), std::string::npos) << Log();
-  EXPECT_EQ(machine.RegistryDword(HKEY_LOCAL_MACHINE, SimulatedTablet::kUserKey, u"PicPortNumber"), 5U);
+  EXPECT_EQ(Did({"notify", "mouse"}), Texts{"notify 0xC000 1 1"});  // the default
 }
 
 }  // namespace

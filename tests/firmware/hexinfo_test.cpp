@@ -99,8 +99,7 @@ TEST_F(Hexinfo, SaysWhyAFileIsRefused) {
       {":00000001FF\n", "  no data\n"},
       {":011800005592",
        "  no data\n  warning: the last line has no line end, its 13 characters are not read\n"},
-      {":0100000055AA\n", "  no byte lies where an update writes\n"},
-  };
+      {":0100000055AA\n", "  no byte lies where an update writes\n"}};
   for (const auto& c : kCases) {
     folder.Write("a.hex", c.text);
     EXPECT_EQ(Run("--binary none.bin a.hex"), 1) << c.text;

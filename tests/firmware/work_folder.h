@@ -34,7 +34,6 @@ class WorkFolder {
     std::ifstream file(path_ / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
-  bool Has(const std::string& name) const { return std::filesystem::exists(path_ / name); }
   // The exit code of a shell command that runs in the folder, -1 when it ended otherwise.
   int Run(const std::string& command) const {
     const int status = system(("cd " + path_.string() + " && " + command).c_str());

@@ -10,7 +10,7 @@ namespace contract {
 class ContractMenu {
  public:
   ContractMenu() {
-    const HRSRC resource = FindResourceExW(nullptr, RT_MENU, MAKEINTRESOURCEW(CONTRACT_MENU), 0);
+    const HRSRC resource = FindResourceExW(nullptr, RT_MENU, MAKEINTRESOURCEW(CONTRACT_MENU), LANG_NEUTRAL);
     handle_ = LoadMenuIndirectW(LockResource(LoadResource(nullptr, resource)));
   }
   ~ContractMenu() { DestroyMenu(handle_); }

@@ -241,18 +241,30 @@ TEST(MachineDisk, GoesWithTheMachine) {
   EXPECT_FALSE(std::filesystem::exists(root.parent_path()));
 }
 
-TEST(MachineResources, ScriptsReadFilesBesideAndAboveThem) {
-  const std::filesystem::path directory = std::filesystem::temp_directory_path() / "pal-script-test";
-  std::filesystem::create_directories(directory / "resources");
-  std::ofstream(directory / "resources" / "main.rc")
-      << "#include \"resources/ids.h\"\nSTRINGTABLE { ID \"text\" }";
-  std::ofstream(directory / "resources" / "ids.h") << "#define ID 17\n";
-  Machine machine;
-  machine.LoadResources(directory / "resources" / "main.rc");
-  WCHAR text[16] = {};
-  EXPECT_EQ(LoadStringW(nullptr, 17, text, 16), 4);
-  EXPECT_EQ(std::u16string(text), u"text");
-  std::filesystem::remove_all(directory);
+TEST(MachineResources, ADamagedFileIsTheEnd) {
+  std::ifstream original(VELTRA_RESOURCES, std::ios::binary);
+  const std::string whole(std::istreambuf_iterator<char>(original), {});
+  ASSERT_GT(whole.size(), 64u);
+  std::string otherHeader = whole;
+  ++otherHeader[36];  // the size of the second header, after the first one's 32 bytes
+  struct Row {
+    std::string content;
+    const char* error;
+  };
+  const Row rows[] = {
+      {"", "a resource ends too early"},
+      {"STRINGTABLE { 1 \"a script, which nobody compiled\" }", "no resource file"},
+      {whole.substr(0, 50), "a resource ends too early"},                // in a header
+      {whole.substr(0, whole.size() - 8), "a resource ends too early"},  // in the data
+      {otherHeader, "a resource has another header"},
+  };
+  const std::filesystem::path file = std::filesystem::temp_directory_path() / "pal-damaged.res";
+  for (const Row& row : rows) {
+    std::ofstream(file, std::ios::binary) << row.content;
+    EXPECT_DEATH(Machine().LoadResources(file), row.error);
+  }
+  std::filesystem::remove(file);
+  EXPECT_DEATH(Machine().LoadResources(file), "cannot read the resource file");
 }
 
 }  // namespace

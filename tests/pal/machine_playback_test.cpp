@@ -83,7 +83,7 @@ TEST(MachinePlayback, ObjectsThatAreForgottenAreSeen) {
 
 TEST(MachineSounds, LastAsLongAsTheyAreWaitedFor) {
   Machine machine;
-  machine.LoadResources(CONTRACT_RESOURCES);
+  machine.LoadResources(VELTRA_RESOURCES);
   machine.WriteFile(u"C:\\hello.wav", "no sound at all");
   std::vector<pal::Time> times;
   std::vector<BOOL> results;

@@ -44,7 +44,7 @@ class ShellTest : public testing::Test {
   static constexpr UINT kAct = WM_APP;
 
   void SetUp() override {
-    machine.LoadResources(CONTRACT_RESOURCES);
+    machine.LoadResources(VELTRA_RESOURCES);
     machine.StartProgram([this] {
       const TestWindow window([this](HWND self, UINT message, WPARAM wParam, LPARAM lParam) {
         if (message == kAct) actions_[wParam](self);

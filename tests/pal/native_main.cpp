@@ -9,7 +9,7 @@
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   pal::Machine machine;
-  machine.LoadResources(CONTRACT_RESOURCES);
+  machine.LoadResources(VELTRA_RESOURCES);
   // COM2 has a plug that sends back what it is sent.
   pal::SerialPort& loopBack = machine.AddSerialPort(2);
   loopBack.OnWrite([&](std::span<const uint8_t> bytes) { loopBack.Deliver(bytes); });

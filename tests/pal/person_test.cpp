@@ -18,7 +18,7 @@ using Look = std::function<void(HWND, UINT, WPARAM)>;
 
 // A program that is one dialog; it ends with OK, Cancel or its close box.
 void Open(Machine& machine, Preparation prepare = {}, Look look = {}) {
-  machine.LoadResources(CONTRACT_RESOURCES);
+  machine.LoadResources(VELTRA_RESOURCES);
   machine.StartProgram([prepare, look] {
     contract::TestDialog dialog([&](HWND window, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
       if (message == WM_INITDIALOG && prepare) prepare(window);

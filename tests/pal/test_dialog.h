@@ -11,7 +11,8 @@
 namespace contract {
 
 inline LPCDLGTEMPLATEW ControlsTemplate() {
-  const HRSRC resource = FindResourceExW(nullptr, RT_DIALOG, MAKEINTRESOURCEW(CONTRACT_CONTROLS), 0);
+  const HRSRC resource =
+      FindResourceExW(nullptr, RT_DIALOG, MAKEINTRESOURCEW(CONTRACT_CONTROLS), LANG_NEUTRAL);
   return static_cast<LPCDLGTEMPLATEW>(LockResource(LoadResource(nullptr, resource)));
 }
 

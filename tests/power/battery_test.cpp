@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 #include <mmsystem.h>
 
-#include "pal/person.h"
 #include "power/battery_status.h"
-#include "resources/resource_ids.h"
-#include "tests/tool_test.h"
+#include "tests/dialog_test.h"
 
 namespace veltra {
 namespace {
@@ -74,216 +72,98 @@ TEST(BatteryDetails, KeepTheFirst255BytesOfTheLatestReply) {
 // ---- on the tablet ----------------------------------------------------------------------------------------
 
 constexpr UINT kPowerIcon = 1977;
-constexpr int kLowSound = 160;
-constexpr int kCriticalSound = 161;
 
-class Battery : public ToolTest {
+class Battery : public DialogTest {
  protected:
-  void ReportCapacity(int percent) {
+  void Report(int percent) {
     char text[32];
     std::snprintf(text, sizeof text, "BatteryState=0x%02X", static_cast<unsigned>(percent));
     tablet.Pic().SendText(text);
     tablet.Advance(20ms);
   }
-  // The power icon's tooltip and picture.
-  using Shown = std::pair<std::u16string, int>;
-  Shown PowerIcon() {
-    const auto icon = machine.FindTrayIcon(kPowerIcon).value_or(pal::TrayIcon());
-    return {icon.tooltip, icon.picture};
+  // Lets the tool look at the battery twice. What it then shows: the icon and its tooltip, the power meter's
+  // picture.
+  void ExpectShown(const std::u16string& tooltip, int picture, int meter) {
+    tablet.Advance(7s);
+    const pal::TrayIcon icon = machine.FindTrayIcon(kPowerIcon).value_or(pal::TrayIcon());
+    EXPECT_EQ(icon.tooltip, tooltip);
+    EXPECT_EQ(icon.picture, picture);
+    EXPECT_EQ(person::Look(IDP_ICON).icon, meter);
+    const bool charges = tooltip.ends_with(u"(charging)");
+    const bool isMains = charges || tooltip == u"AC power";
+    std::u16string remaining = tooltip;
+    if (const size_t word = remaining.find(u" remaining"); word != remaining.npos) remaining.erase(word, 10);
+    if (remaining != u"AC power") {
+      EXPECT_EQ(person::Look(IDP_REMAINING).text, remaining);
+    }
+    EXPECT_EQ(person::Look(IDP_SOURCE).text, isMains ? u"AC power" : u"Batteries");
   }
-  std::vector<std::u16string> NewBalloons() {
-    std::vector<std::u16string> texts;
-    for (const auto& change : New<pal::TrayChange>())
-      if (change.balloon) texts.push_back(change.balloon->text);
-    return texts;
+  Texts Warnings() {
+    Texts warnings = Did({"sound", "tray 1977 balloon"});
+    std::erase(warnings, "sound stopped");
+    return warnings;
   }
 };
 
-TEST_F(Battery, TheLowAlarmSoundsAndShows) {
-  Start();
-  ReportCapacity(10);
-  tablet.Advance(3s);
-  const auto before = mark;
-  const auto sounds = New<pal::SoundPlayed>();
-  ASSERT_EQ(sounds.size(), 1U);
-  EXPECT_EQ(sounds[0].resource, kLowSound);
-  EXPECT_EQ(sounds[0].flags, static_cast<uint32_t>(SND_RESOURCE | SND_ASYNC));
-  mark = before;
-  EXPECT_EQ(NewBalloons(), std::vector<std::u16string>{u"Battery level is low. Please recharge."});
-  tablet.Advance(30s);
-  EXPECT_TRUE(New<pal::SoundPlayed>().empty());
-}
-
-TEST_F(Battery, TheCriticalAlarmPowersOffAndTheToolEnds) {
-  Start();
-  ReportCapacity(5);
-  ASSERT_TRUE(
-      machine.AdvanceUntil([&] { return !pal::Select<pal::SoundPlayed>(tablet.Since(mark)).empty(); }, 3s));
-  tablet.Advance(3999ms);
-  EXPECT_TRUE(pal::Select<pal::WindowsExit>(tablet.Since(mark)).empty());
-  tablet.Advance(20ms);
-  const auto exits = New<pal::WindowsExit>();
-  ASSERT_EQ(exits.size(), 1U);
-  EXPECT_EQ(exits[0].flags, 0x0CU);
-  EXPECT_EQ(exits[0].reason, 0x6000AU);
-  tablet.Advance(3s);
-  EXPECT_EQ(machine.ExitCode(), 0);
-  EXPECT_TRUE(machine.TrayIcons().empty());
-}
-
-TEST_F(Battery, ARefusedPowerOffIsTriedAgainAtEachCheck) {
-  struct Refusal {
-    const char* call;
-    DWORD error;
-  };
-  for (const Refusal& refusal :
-       {Refusal{"ExitWindowsEx", ERROR_ACCESS_DENIED}, Refusal{"OpenProcessToken", ERROR_ACCESS_DENIED},
-        Refusal{"AdjustTokenPrivileges", ERROR_NOT_ALL_ASSIGNED}})
-    machine.Fail(refusal.call, 1, refusal.error);
-  Start();
-  ReportCapacity(3);
-  tablet.Advance(22s);  // three times 3 s and 4 s
-  EXPECT_FALSE(machine.ExitCode());
-  EXPECT_TRUE(pal::Select<pal::WindowsExit>(tablet.Since(mark)).empty());
-  EXPECT_EQ(pal::Select<pal::SoundPlayed>(tablet.Since(mark)).size(), 3U);
-  tablet.Advance(7s);
-  EXPECT_EQ(New<pal::WindowsExit>().size(), 1U);
-  EXPECT_EQ(machine.CountOpen("token"), 0);
-}
-
-TEST_F(Battery, APressDuringTheFourSecondsIsActedOnBehindThem) {
-  SetUserValue(u"Sw1CmdVal", -1);
-  machine.Fail("ExitWindowsEx", 1, ERROR_ACCESS_DENIED);
-  Start();
-  ReportCapacity(4);
-  ASSERT_TRUE(
-      machine.AdvanceUntil([&] { return !pal::Select<pal::SoundPlayed>(tablet.Since(mark)).empty(); }, 4s));
-  Press(simulator::Button::kSwitch1);
-  Release(simulator::Button::kSwitch1);
-  tablet.Advance(3900ms);
-  EXPECT_TRUE(pal::Select<pal::MouseInput>(tablet.Since(mark)).empty());
-  tablet.Advance(100ms);
-  EXPECT_EQ(New<pal::MouseInput>().size(), 2U);
-}
-
-TEST_F(Battery, AlarmsComeWhileABoxIsOpen) {
-  Start();
-  machine.Post(tablet.MainWindow(), WM_COMMAND, 40205, 0);
-  tablet.Advance(10ms);
-  ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
-  ReportCapacity(9);
-  tablet.Advance(3s);
-  EXPECT_EQ(NewBalloons().size(), 1U);
-}
-
-TEST_F(Battery, AlarmsComeWhileADialogIsOpen) {
-  Start();
-  for (const WPARAM command : {WPARAM{IDC_OPTIONS}, WPARAM{IDC_OPEN_POWER_METER}}) {
-    machine.Post(tablet.MainWindow(), WM_COMMAND, command, 0);
-    tablet.Advance(10ms);
-    ASSERT_TRUE(pal::person::FrontDialog());
-    ReportCapacity(9);
-    tablet.Advance(3s);
-    EXPECT_EQ(NewBalloons().size(), 1U);
-    ReportCapacity(50);
-    tablet.Advance(3s);
-    pal::person::PressKey(VK_ESCAPE);
-    tablet.Advance(10ms);
-  }
-  machine.Post(tablet.MainWindow(), WM_COMMAND, IDC_OPTIONS, 0);
-  tablet.Advance(10ms);
-  ReportCapacity(4);
-  tablet.Advance(10s);  // powered off with the dialog open
-  EXPECT_EQ(New<pal::WindowsExit>().size(), 1U);
-  EXPECT_EQ(machine.ExitCode(), 0);
-}
-
-// Unplugged, plugged and unplugged again, at each level.
-TEST_F(Battery, TheAdapterComesAndGoesAtEveryLevel) {
+// Both ends of each band, with the power meter open: unplugged, plugged and unplugged again.
+TEST_F(Battery, TheAdapterComesAndGoesInEveryBand) {
   machine.Fail("ExitWindowsEx", 1000, ERROR_ACCESS_DENIED);
-  Start();
-  for (int percent = 0; percent <= 100; ++percent) {
-    const bool critical = percent <= 5;
-    const bool low = percent <= 10 && !critical;
-    const int picture = percent >= 66   ? IDI_BATTERY_HIGH
-                        : percent >= 33 ? IDI_BATTERY_MEDIUM
-                        : percent >= 5  ? IDI_BATTERY_LOW
-                                        : IDI_BATTERY_EMPTY;
-    const std::string digits = std::to_string(percent);
+  Open(IDC_OPEN_POWER_METER);
+  const Texts low = {"sound 160", "tray 1977 balloon \"Sarvik5\": Battery level is low. Please recharge."};
+  const Texts critical = {"sound 161",
+                          "tray 1977 balloon \"Sarvik5\": Battery level is critical. System will shutdown."};
+  const struct {
+    int percent;
+    int picture;
+    int meter;
+    Texts warnings;
+  } bands[] = {
+      {0, IDI_BATTERY_EMPTY, IDI_METER_EMPTY, critical}, {4, IDI_BATTERY_EMPTY, IDI_METER_EMPTY, critical},
+      {5, IDI_BATTERY_LOW, IDI_METER_LOW, critical},     {6, IDI_BATTERY_LOW, IDI_METER_LOW, low},
+      {10, IDI_BATTERY_LOW, IDI_METER_LOW, low},         {11, IDI_BATTERY_LOW, IDI_METER_LOW, {}},
+      {32, IDI_BATTERY_LOW, IDI_METER_LOW, {}},          {33, IDI_BATTERY_MEDIUM, IDI_METER_MEDIUM, {}},
+      {65, IDI_BATTERY_MEDIUM, IDI_METER_MEDIUM, {}},    {66, IDI_BATTERY_HIGH, IDI_METER_HIGH, {}},
+      {99, IDI_BATTERY_HIGH, IDI_METER_HIGH, {}},        {100, IDI_BATTERY_HIGH, IDI_METER_HIGH, {}}};
+  for (const auto& band : bands) {
+    SCOPED_TRACE(band.percent);
+    const std::string digits = std::to_string(band.percent);
     const std::u16string left = std::u16string(digits.begin(), digits.end()) + u"% remaining";
+    const bool isFull = band.percent == 100;
     tablet.Pic().battery.Plug(true);
-    ReportCapacity(percent);
+    Report(band.percent);
     for (int round = 0; round < 2; ++round) {
       tablet.Pic().battery.Plug(false);
-      tablet.Advance(20ms);
-      mark = tablet.Mark();
-      tablet.Advance(7s);
-      const std::vector<std::u16string> warnings = NewBalloons();
-      EXPECT_EQ(warnings.empty(), !critical && !low) << percent;
-      if (critical) {
-        EXPECT_EQ(warnings.front(), u"Battery level is critical. System will shutdown.") << percent;
-      }
-      if (low) {
-        EXPECT_EQ(warnings, (std::vector<std::u16string>{u"Battery level is low. Please recharge."}))
-            << percent;
-      }
-      EXPECT_EQ(PowerIcon(), (Shown{left, picture})) << percent;
-
+      Warnings();
+      ExpectShown(left, band.picture, band.meter);
+      Texts warnings = Warnings();
+      if (warnings.size() > 2) warnings.resize(2);  // the critical ones repeat
+      EXPECT_EQ(warnings, band.warnings);
       tablet.Pic().battery.Plug(true);
       tablet.Advance(8s);  // a warning that has begun goes to its end
-      mark = tablet.Mark();
-      tablet.Advance(7s);
-      EXPECT_TRUE(NewBalloons().empty()) << percent;
-      EXPECT_EQ(PowerIcon(), percent == 100 ? (Shown{u"AC power", IDI_MAINS})
-                                            : (Shown{left + u" (charging)", IDI_CHARGING}))
-          << percent;
+      Warnings();
+      ExpectShown(isFull ? u"AC power" : left + u" (charging)", isFull ? IDI_MAINS : IDI_CHARGING,
+                  isFull ? IDI_METER_MAINS : IDI_METER_CHARGING);
+      EXPECT_EQ(Warnings(), Texts());
     }
   }
+  EXPECT_EQ(person::Look(IDP_REMAINING).text, u"100%");
+  tablet.Pic().SendText("BatteryPresent=0");
+  ExpectShown(u"AC power", IDI_MAINS, IDI_METER_MAINS);
+  EXPECT_EQ(person::Look(IDP_REMAINING).text, u"n/a");
+  for (const auto& sound : pal::Select<pal::SoundPlayed>(tablet.Since(0)))
+    if (sound.resource == 160 || sound.resource == 161) {
+      EXPECT_EQ(sound.flags, static_cast<uint32_t>(SND_RESOURCE | SND_ASYNC)) << sound.resource;
+    }
 }
 
 TEST_F(Battery, OnlyAChangedCapacityIsLogged) {
   SwitchDetailsOn();
   Start();
-  for (const int percent : {70, 70, 69}) ReportCapacity(percent);
+  for (const int percent : {70, 70, 69}) Report(percent);
   const std::string log = Log();
   size_t lines = 0;
   for (size_t at = 0; (at = log.find("Battery: Capacity", at)) != log.npos; ++at) ++lines;
   EXPECT_EQ(lines, 2U) << log;
-}
-
-TEST_F(Battery, ChecksRestFromSuspendToResume) {
-  Start();
-  tablet.SendPowerEvent(PBT_APMSUSPEND);
-  ReportCapacity(9);
-  tablet.Advance(60s);
-  EXPECT_TRUE(New<pal::TrayChange>().empty());
-  tablet.SendPowerEvent(PBT_APMRESUMEAUTOMATIC);
-  tablet.Advance(6s);
-  EXPECT_EQ(NewBalloons().size(), 1U);
-}
-
-TEST_F(Battery, TheDetailsAreAskedOnceAndShownAsTheyCame) {
-  tablet.Pic().SetReplyDelay(20s);
-  Start();
-  machine.Post(tablet.MainWindow(), WM_COMMAND, 40205, 0);
-  tablet.Advance(10ms);
-  ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
-  EXPECT_TRUE(
-      machine.OpenMessageBoxes()[0].text.starts_with(u"Manufacturer: \nManufacturer date: \nSerial: \n"));
-  machine.AnswerMessageBox(IDOK);
-  tablet.Pic().SetReplyDelay(2ms);
-  tablet.Advance(30s);
-  machine.Post(tablet.MainWindow(), WM_COMMAND, 40205, 0);
-  tablet.Advance(10ms);
-  ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
-  const pal::OpenMessageBox box = machine.OpenMessageBoxes()[0];
-  EXPECT_EQ(box.caption, u"Sarvik5");
-  EXPECT_EQ(box.type, static_cast<UINT>(MB_ICONINFORMATION));
-  EXPECT_EQ(box.owner, tablet.MainWindow());
-  EXPECT_EQ(box.text,
-            u"Manufacturer: Nordcell\nManufacturer date: 2023-05-17\nSerial: 4711\nDevice name: NC-7S2P\n"
-            u"Chemistry: LION\nTemperature: 2981\nVoltage: 11782\nCurrent: -1240\nRemaining capacity: 5160\n"
-            u"Status: 00C0\nCycles: 37\nDesign capacity: 6800\nDesign voltage: 11100");
 }
 
 }  // namespace

@@ -8,8 +8,6 @@
 namespace veltra {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 class DeviceOperations : public ToolTest {
  protected:
   void Operate(int32_t operation, int32_t value = 0) {

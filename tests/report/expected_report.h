@@ -31,14 +31,14 @@ inline std::u16string Hardware(Values values) {
 }
 
 // What the simulated board says of itself.
-inline std::u16string Platform() {
+inline std::u16string Platform(Values values = {u"QX7-i", u"Brookfield Embedded", u"BF-0099123", u"B.2",
+                                                u"tablet carrier 4", u"1.13", u"Corvid N2600 @ 1.60GHz", u"1",
+                                                u"2", u"4", u"2048", u"1187", u"800", u"DDR3"}) {
   static constexpr Text kKeys[] = {u"BoardName",    u"Manufacturer",    u"Serial",   u"HardwareVersion",
                                    u"CarrierInfo",  u"FirmwareVersion", u"CPUName",  u"CPUCount",
                                    u"CPUCoreCount", u"CPUThreadCount",  u"MemTotal", u"MemFree",
                                    u"MemSpeed",     u"MemType"};
-  return Section(u"Platform", kKeys,
-                 {u"QX7-i", u"Brookfield Embedded", u"BF-0099123", u"B.2", u"tablet carrier 4", u"1.13",
-                  u"Corvid N2600 @ 1.60GHz", u"1", u"2", u"4", u"2048", u"1187", u"800", u"DDR3"});
+  return Section(u"Platform", kKeys, values);
 }
 
 inline std::u16string Battery(Values values) {

@@ -29,58 +29,17 @@ TEST_F(ConsoleTest, SaysWhichLineIsWrongAndWhy) {
 }
 
 TEST_F(ConsoleTest, WrongLinesChangeNothing) {
-  for (const char* line : {"wait",
-                           "wait 1",
-                           "wait -1s",
-                           "tap sw3",
-                           "tap sw1 long",
-                           "answer maybe",
-                           "answer yes",
-                           "set X",
-                           "set X y",
-                           "machine",
-                           "app",
-                           "app shut Lexora",
-                           "app close Lexora",
-                           "joystick",
-                           "joystick broken",
-                           "mouse-filter",
-                           "board",
-                           "board start-error",
-                           "port",
-                           "port explode",
-                           "send-data",
-                           "send-data 0 x from Nobody",
-                           "request",
-                           "led",
-                           "led bright",
-                           "suspend",
-                           "close",
-                           "quit",
-                           "at 1s",
-                           "at soon expect x",
-                           "expect",
-                           "check",
-                           "check weather",
-                           "show",
-                           "bytes",
-                           "timeline some",
-                           "registry a b",
-                           "press",
-                           "press OK",
-                           "slide 1 fast",
-                           "key",
-                           "tray",
-                           "tray power",
-                           "tray power double-click Options",
-                           "tray tool menu",
-                           "only",
-                           "only moon wait 1s",
-                           "worlds windows",
-                           "check control",
-                           "check control OK shown"}) {
-    EXPECT_TRUE(console.RunLine(line)) << line;
-  }
+  std::istringstream lines(
+      "sw1|sw1 push|sw1 press hard|battery|battery 300|battery x|adapter maybe|raw 55 5G|raw 155|fault|"
+      "fault flip 0|fault flip many|fault tickle|pace|reply-delay 3|firmware|"
+      "wait|wait 1|wait -1s|tap sw3|tap sw1 long|answer maybe|answer yes|set X|set X y|machine|"
+      "app|app shut Lexora|app close Lexora|joystick|joystick broken|mouse-filter|board|"
+      "board start-error|port|port explode|send-data|send-data 0 x from Nobody|request|led|"
+      "led bright|suspend|close|quit|at 1s|at soon expect x|expect|check|check weather|show|"
+      "bytes|timeline some|registry a b|press|press OK|slide 1 fast|key|tray|tray power|"
+      "tray power double-click Options|tray tool menu|only|only moon wait 1s|worlds windows|"
+      "check control|check control OK shown|");
+  for (std::string line; std::getline(lines, line, '|');) EXPECT_TRUE(console.RunLine(line)) << line;
   EXPECT_EQ(world.Tablet().Mark(), 0U);
   EXPECT_EQ(world.Tablet().Machine().Now(), Duration(0));
 }

@@ -1,4 +1,5 @@
-#include "simulator/board.h"
+#include <array>
+
 #include "simulator/macro_plugin.h"
 #include "tests/dialog_test.h"
 
@@ -8,7 +9,6 @@ namespace {
 using pal::ListEntry;
 using simulator::Button;
 using simulator::SimulatedTablet;
-using Texts = std::vector<std::string>;
 
 class Options : public DialogTest {
  protected:
@@ -21,199 +21,60 @@ class Options : public DialogTest {
                       "CmdVal2=1\r\nCmdName2=Volume down\r\n"
                       "[Lexora]\r\nNumOfFunctions=1\r\nCmdVal1=3\r\nCmdName1=Speak\r\n");
   }
-  void WriteProfile(std::string_view text) { machine.WriteFile(SimulatedTablet::kProfileFile, text); }
-  std::string Profile() { return machine.ReadFile(SimulatedTablet::kProfileFile).value_or(""); }
 };
 
 TEST_F(Options, ShowsTheSettings) {
   WriteTables();
-  SetUserValue(u"Sw1Start", 3000);
-  SetUserValue(u"Sw1CmdVal", 50002);
-  SetUserValue(u"Sw2CmdVal", 65);
-  SetUserValue(u"SpeakerVol", 55);
-  SetUserValue(u"MicrophoneVol", 4);
-  SetUserValue(u"DisableUSBBack", 1);
-  SetUserValue(u"EnableBluetooth", 0);
-  SetUserValue(u"AllowEscape", 0);
+  const std::pair<std::u16string_view, int32_t> settings[] = {
+      {u"Sw1Start", 3000},   {u"Sw1CmdVal", 50002},  {u"Sw2CmdVal", 65},      {u"SpeakerVol", 55},
+      {u"MicrophoneVol", 4}, {u"DisableUSBBack", 1}, {u"EnableBluetooth", 0}, {u"AllowEscape", 0}};
+  for (const auto& [name, value] : settings) SetUserValue(name, value);
   tablet.Pic().identity.firmware = "101";
   OpenOptions();
   const auto dialog = person::FrontDialog();
   ASSERT_TRUE(dialog);
-  EXPECT_EQ(dialog->title, u"Options");
   EXPECT_TRUE(dialog->isTopmost);
   EXPECT_EQ(dialog->owner, tablet.MainWindow());
-  EXPECT_EQ(person::Look(IDO_SWITCH_1_STARTS).text, u"After 3 sec");
-  EXPECT_EQ(person::Look(IDO_SWITCH_1).text, u"Joystick Button 3");
-  EXPECT_EQ(person::Look(IDO_SWITCH_2).text, u"A");
-  EXPECT_EQ(person::Look(IDO_MIDDLE).text, u"<Disabled>");
-  EXPECT_EQ(person::Look(IDO_SPEAKER_VOLUME).position, 5);
-  EXPECT_EQ(person::Look(IDO_SPEAKER_VOLUME).highest, 10);
-  EXPECT_EQ(person::Look(IDO_MICROPHONE_VOLUME).position, 4);
-  EXPECT_EQ(person::Look(IDO_MICROPHONE_VOLUME).highest, 9);
+  const RECT screen = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+  EXPECT_NEAR(dialog->rect.left + dialog->rect.right, screen.right, 1);
+  EXPECT_NEAR(dialog->rect.top + dialog->rect.bottom, screen.bottom, 1);
+  const std::pair<int, std::u16string_view> texts[] = {{IDO_SWITCH_1_STARTS, u"After 3 sec"},
+                                                       {IDO_SWITCH_1, u"Joystick Button 3"},
+                                                       {IDO_SWITCH_2, u"A"},
+                                                       {IDO_MIDDLE, u"<Disabled>"},
+                                                       {IDO_PIC_VERSION, u"101"},
+                                                       {IDO_DEVICE_VERSION, u"1.0.0.0"}};
+  for (const auto& [id, text] : texts) EXPECT_EQ(person::Look(id).text, text) << id;
+  for (const auto& [id, position, highest] :
+       {std::array<int, 3>{IDO_SPEAKER_VOLUME, 5, 10}, std::array<int, 3>{IDO_MICROPHONE_VOLUME, 4, 9}}) {
+    const pal::ControlView slider = person::Look(id);
+    EXPECT_EQ((std::vector<int>{slider.position, slider.lowest, slider.highest}),
+              (std::vector<int>{position, 1, highest}));
+  }
   const std::pair<int, bool> checks[] = {{IDO_FLIGHT_MODE, false},     {IDO_WLAN, true},
                                          {IDO_BLUETOOTH, false},       {IDO_MOBILE_PHONE, true},
                                          {IDO_DISABLE_USB_BACK, true}, {IDO_DISABLE_USB_BOTTOM, false}};
   for (const auto& [id, checked] : checks) EXPECT_EQ(person::Look(id).isChecked, checked) << id;
-  EXPECT_EQ(person::Look(IDO_PIC_VERSION).text, u"101");
-  EXPECT_EQ(person::Look(IDO_DEVICE_VERSION).text, u"1.0.0.0");
 }
 
 TEST_F(Options, ListsHaveAValueForEachEntry) {
   WriteTables();
   OpenOptions();
-  const std::vector<ListEntry> start = person::Look(IDO_SWITCH_1_STARTS).entries;
-  ASSERT_EQ(start.size(), 11U);
-  EXPECT_EQ(start[0], (ListEntry{u"<Don't start>", 0}));
-  EXPECT_EQ(start[1], (ListEntry{u"Immediately", 10}));
-  EXPECT_EQ(start[10], (ListEntry{u"After 9 sec", 9000}));
-  const std::vector<ListEntry> keys = person::Look(IDO_SWITCH_1).entries;
-  ASSERT_EQ(keys.size(), 13U);
-  EXPECT_EQ(keys[0], (ListEntry{u"<Normal>", 0}));
-  EXPECT_EQ(keys[2], (ListEntry{u"Rightclick", -2}));
-  EXPECT_EQ(keys[10], (ListEntry{u"Joystick Button 8", 50007}));
-  EXPECT_EQ(keys[12], (ListEntry{u"A", 65}));
+  using Entries = std::vector<ListEntry>;
+  Entries starts = {{u"<Don't start>", 0}, {u"Immediately", 10}};
+  for (char16_t second = u'1'; second <= u'9'; ++second)
+    starts.push_back({std::u16string(u"After ") + second + u" sec", (second - u'0') * 1000});
+  EXPECT_EQ(person::Look(IDO_SWITCH_1_STARTS).entries, starts);
+  Entries keys = {{u"<Normal>", 0}, {u"Leftclick", -1}, {u"Rightclick", -2}};
+  for (char16_t button = u'1'; button <= u'8'; ++button)
+    keys.push_back({std::u16string(u"Joystick Button ") + button, 50000 + button - u'1'});
+  keys.push_back({u"Space", 32});
+  keys.push_back({u"A", 65});
+  EXPECT_EQ(person::Look(IDO_SWITCH_1).entries, keys);
   EXPECT_EQ(person::Look(IDO_SWITCH_2).entries, keys);
-  const std::vector<int64_t> types = [] {
-    std::vector<int64_t> values;
-    for (const ListEntry& entry : person::Look(IDO_ROW_TYPE_3).entries) values.push_back(entry.data);
-    return values;
-  }();
+  std::vector<int64_t> types;
+  for (const ListEntry& entry : person::Look(IDO_ROW_TYPE_3).entries) types.push_back(entry.data);
   EXPECT_EQ(types, (std::vector<int64_t>{10, 0, 1, 2, 3, 4, 5, 9, 6, 7}));
-}
-
-TEST_F(Options, OkStoresAndSends) {
-  WriteTables();
-  OpenOptions();
-  person::Choose(IDO_SWITCH_1_STARTS, u"After 3 sec");
-  person::Choose(IDO_SWITCH_1, u"Leftclick");
-  person::Choose(IDO_SWITCH_2, u"Space");
-  person::Choose(IDO_MIDDLE, u"<Disabled>");
-  person::Press(IDO_DISABLE_USB_BOTTOM);
-  person::Press(IDO_WLAN);
-  person::Choose(IDO_ROW_TYPE_0, u"Start program");
-  person::Type(IDO_ROW_TEXT_0, u"C:\\talk.exe");
-  person::Choose(IDO_ROW_TYPE_2, u"Send key");
-  person::Choose(IDO_ROW_VALUE_2, u"A");
-  person::Choose(IDO_ROW_TYPE_3, u"Talk Builder: do actions of cell with ID");
-  person::Type(IDO_ROW_CELL_3, u"cell 7");
-  Settle();
-  EXPECT_EQ(NewRequests(), Texts{});
-  PressAndSettle(IDOK);
-  EXPECT_FALSE(IsOpen());
-  EXPECT_EQ(NewRequests(), (Texts{"StartWithSwitch=3000", "EnableBT=1", "EnableGsm=1"}));
-  const std::pair<std::u16string_view, int32_t> values[] = {
-      {u"Sw1Start", 3000},      {u"Sw1CmdVal", -1}, {u"Sw2CmdVal", 32},      {u"AllowEscape", 0},
-      {u"DisableUSBBottom", 1}, {u"EnableWLAN", 0}, {u"EnableFlightMode", 0}};
-  for (const auto& [name, value] : values) EXPECT_EQ(UserValue(name), static_cast<uint32_t>(value)) << value;
-  for (const std::string_view line : {"BtCmd=3\r\nBtCmdVal=-1\r\nBtCmdText=C:\\talk.exe",
-                                      "BtCmd=1\r\nBtCmdVal=65", "BtCmd=9", "BtCmdText=cell 7"})
-    EXPECT_NE(Profile().find(line), std::string::npos) << line << " in " << Profile();
-
-  // From now on the switch clicks.
-  Press(Button::kSwitch1);
-  const auto clicks = New<pal::MouseInput>();
-  ASSERT_EQ(clicks.size(), 1U);
-  EXPECT_EQ(clicks[0].flags, MOUSEEVENTF_LEFTDOWN);
-}
-
-TEST_F(Options, WhatIsNotInAListStaysAsItIs) {
-  WriteTables();
-  SetUserValue(u"Sw1CmdVal", 12345);
-  SetUserValue(u"Sw1Start", 1234);
-  WriteProfile(
-      "[Button1]\r\nBtCmd=8\r\nBtCmdVal=99\r\n[Button2]\r\nBtCmd=1\r\nBtCmdVal=77\r\n"
-      "[Button3]\r\nBtCmd=42\r\nBtCmdVal=5\r\n");
-  OpenOptions();
-  for (const int list : {IDO_SWITCH_1, IDO_ROW_TYPE_0, IDO_ROW_VALUE_0, IDO_ROW_VALUE_1, IDO_ROW_TYPE_2})
-    EXPECT_EQ(person::Look(list).selection, CB_ERR) << list;
-  EXPECT_EQ(person::Look(IDO_ROW_VALUE_0).entries, (std::vector<ListEntry>{{u"Speak", 3}}));
-  EXPECT_EQ(person::Look(IDO_SWITCH_1_STARTS).text, u"<Don't start>");
-  PressAndSettle(IDOK);
-  EXPECT_EQ(NewRequests().front(), "StartWithSwitch=0");
-  EXPECT_EQ(UserValue(u"Sw1CmdVal"), 12345U);
-  EXPECT_EQ(UserValue(u"Sw1Start"), 0U);
-  for (const std::string_view line :
-       {"BtCmd=8\r\nBtCmdVal=99", "BtCmd=1\r\nBtCmdVal=77", "BtCmd=42\r\nBtCmdVal=5"})
-    EXPECT_NE(Profile().find(line), std::string::npos) << line << " in " << Profile();
-
-  // A value belongs to its type: with another one it is gone.
-  OpenAgain(IDC_OPTIONS);
-  person::Choose(IDO_ROW_TYPE_1, u"Perform Windows function");
-  PressAndSettle(IDOK);
-  EXPECT_NE(Profile().find("BtCmd=4\r\nBtCmdVal=-1"), std::string::npos) << Profile();
-}
-
-TEST_F(Options, GivenUpItStoresNothingButTheVolumes) {
-  OpenOptions();
-  const std::string profile = Profile();
-  for (const WayOut way : {WayOut::kEscape, WayOut::kCloseBox}) {
-    person::Choose(IDO_SWITCH_1, u"Rightclick");
-    person::Choose(IDO_SWITCH_1_STARTS, u"Immediately");
-    person::Press(IDO_FLIGHT_MODE);
-    person::Choose(IDO_ROW_TYPE_0, u"<None>");
-    person::Drag(IDO_SPEAKER_VOLUME, way == WayOut::kEscape ? 7 : 8);
-    Leave(way);
-    EXPECT_FALSE(IsOpen());
-    EXPECT_EQ(NewRequests(), Texts{});
-    EXPECT_EQ(UserValue(u"Sw1CmdVal"), 0U);
-    EXPECT_EQ(UserValue(u"EnableFlightMode"), 0U);
-    EXPECT_EQ(Profile(), profile);
-    OpenAgain(IDC_OPTIONS);
-    EXPECT_EQ(person::Look(IDO_SPEAKER_VOLUME).position, way == WayOut::kEscape ? 7 : 8);
-    EXPECT_EQ(person::Look(IDO_SWITCH_1).text, u"<Normal>");
-  }
-}
-
-TEST_F(Options, SlidersActAtOnce) {
-  OpenOptions();
-  person::Drag(IDO_SPEAKER_VOLUME, 7);
-  Settle();
-  const auto levels = New<pal::PlaybackLevel>();
-  ASSERT_FALSE(levels.empty());
-  EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 20), 0x10000 + 70);
-  person::PressKey(VK_LEFT);  // one step with the keyboard
-  Settle();
-  EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 20), 0x10000 + 60);
-}
-
-// Each button does on the board what the operation of that number does.
-TEST_F(Options, AudioButtonsAreDeviceOperations) {
-  OpenOptions();
-  const std::pair<int, WPARAM> buttons[] = {{IDO_SPEAKERS_ON, 4},   {IDO_SPEAKERS_OFF, 5},
-                                            {IDO_HEADPHONES_ON, 0}, {IDO_HEADPHONES_OFF, 1},
-                                            {IDO_MICROPHONE_ON, 9}, {IDO_MICROPHONE_OFF, 8}};
-  auto& transfers = simulator::TheBoard().transfers;
-  for (const auto& [button, operation] : buttons) {
-    tablet.Ask(SimulatedTablet::kDeviceToolRequest, operation + 1);
-    transfers.clear();
-    tablet.Ask(SimulatedTablet::kDeviceToolRequest, operation + 1);
-    const auto expected = std::exchange(transfers, {});
-    PressAndSettle(button);
-    EXPECT_FALSE(expected.empty()) << button;
-    EXPECT_EQ(transfers, expected) << button;
-  }
-}
-
-TEST_F(Options, FlightModeLeavesTheRadiosSettings) {
-  SetUserValue(u"EnableBluetooth", 0);
-  OpenOptions();
-  constexpr int kRadios[] = {IDO_WLAN, IDO_BLUETOOTH, IDO_MOBILE_PHONE};
-  for (const bool enabled : {false, true, false}) {
-    PressAndSettle(IDO_FLIGHT_MODE);
-    for (const int radio : kRadios) EXPECT_EQ(person::Look(radio).isEnabled, enabled) << radio;
-  }
-  simulator::TheBoard().transfers.clear();
-  PressAndSettle(IDOK);
-  const auto& transfers = simulator::TheBoard().transfers;
-  ASSERT_FALSE(transfers.empty());
-  EXPECT_EQ(transfers.front().bytes.at(0), 0x12);      // port A of the expander
-  EXPECT_EQ(transfers.front().bytes.at(1) & 0x02, 0);  // WLAN
-  EXPECT_EQ(NewRequests(), (Texts{"StartWithSwitch=0", "EnableBT=0", "EnableGsm=0"}));
-  EXPECT_EQ(UserValue(u"EnableFlightMode"), 1U);
-  EXPECT_EQ(UserValue(u"EnableWLAN"), 1U);
-  EXPECT_EQ(UserValue(u"EnableBluetooth"), 0U);
-  OpenAgain(IDC_OPTIONS);
-  for (const int radio : kRadios) EXPECT_FALSE(person::Look(radio).isEnabled) << radio;
 }
 
 // Which of a row's controls an action shows.
@@ -248,19 +109,12 @@ TEST_F(Options, RowsShowTheParameterOfTheirAction) {
     }
 }
 
-TEST_F(Options, AnotherActionBeginsWithAnEmptyText) {
-  OpenOptions();
-  person::Choose(IDO_ROW_TYPE_0, u"Send macro");
-  person::Type(IDO_ROW_TEXT_0, std::u16string(1100, u'x'));
-  Settle();
-  EXPECT_EQ(person::Look(IDO_ROW_TEXT_0).text.size(), 1023U);
-  person::Choose(IDO_ROW_TYPE_0, u"Play Wave File");
-  Settle();
-  EXPECT_EQ(person::Look(IDO_ROW_TEXT_0).text, u"");
-}
-
 TEST_F(Options, BrowsingChoosesAFile) {
   OpenOptions();
+  person::Choose(IDO_ROW_TYPE_1, u"Send macro");
+  person::Type(IDO_ROW_TEXT_1, std::u16string(1100, u'x'));
+  Settle();
+  EXPECT_EQ(person::Look(IDO_ROW_TEXT_1).text.size(), 1023U);
   const struct {
     std::u16string_view action;
     std::u16string_view extension;
@@ -268,21 +122,22 @@ TEST_F(Options, BrowsingChoosesAFile) {
   } cases[] = {{u"Play Wave File", u"wav", 1}, {u"Start program", u"exe", 2}};
   for (const auto& c : cases) {
     person::Choose(IDO_ROW_TYPE_1, c.action);
+    Settle();
+    EXPECT_EQ(person::Look(IDO_ROW_TEXT_1).text, u"");  // another action begins with an empty text
     person::Type(IDO_ROW_TEXT_1, u"before");
-    PressAndSettle(IDO_ROW_BROWSE_1);
-    ASSERT_EQ(person::OpenFileBoxes().size(), 1U);
-    const pal::OpenFileBox box = person::OpenFileBoxes().front();
-    EXPECT_EQ(box.initialName, u"before");
-    EXPECT_EQ(box.defaultExtension, c.extension);
-    EXPECT_EQ(box.filters.size(), c.filters);
-    EXPECT_EQ(box.flags, 0x81804U);
-    person::AnswerFileBox(std::nullopt);
-    Settle();
-    EXPECT_EQ(person::Look(IDO_ROW_TEXT_1).text, u"before");
-    PressAndSettle(IDO_ROW_BROWSE_1);
-    person::AnswerFileBox(u"C:\\chosen");
-    Settle();
-    EXPECT_EQ(person::Look(IDO_ROW_TEXT_1).text, u"C:\\chosen");
+    for (const auto& answer :
+         {std::optional<std::u16string>(), std::optional<std::u16string>(u"C:\\chosen")}) {
+      PressAndSettle(IDO_ROW_BROWSE_1);
+      ASSERT_EQ(person::OpenFileBoxes().size(), 1U);
+      const pal::OpenFileBox box = person::OpenFileBoxes().front();
+      EXPECT_EQ(box.initialName, u"before");
+      EXPECT_EQ(box.defaultExtension, c.extension);
+      EXPECT_EQ(box.filters.size(), c.filters);
+      EXPECT_EQ(box.flags, 0x81804U);
+      person::AnswerFileBox(answer);
+      Settle();
+      EXPECT_EQ(person::Look(IDO_ROW_TEXT_1).text, answer.value_or(u"before"));
+    }
   }
 }
 
@@ -317,6 +172,17 @@ using Painted = std::vector<uint32_t>;
 
 TEST_F(Indicator, ShowsWhichSwitchesAreHeld) {
   OpenOptions();
+  const RECT area = person::Look(IDO_INDICATOR).rect;
+  const int diameter = area.bottom - area.top - 10;
+  const int left = area.left + (area.right - area.left - (2 * diameter + 10)) / 2;
+  const auto drawn = pal::Select<pal::EllipseDrawn>(tablet.Since(mark));
+  ASSERT_GE(drawn.size(), 2U);
+  for (size_t n = 0; n < 2; ++n) {
+    const int begins = n == 0 ? left : left + diameter + 10;
+    EXPECT_EQ((std::vector<int>{drawn[n].left, drawn[n].top, drawn[n].right, drawn[n].bottom}),
+              (std::vector<int>{begins, static_cast<int>(area.top) + 5, begins + diameter,
+                                static_cast<int>(area.bottom) - 5}));
+  }
   EXPECT_EQ(Colours(), (Painted{kWhite, kWhite}));
   tablet.Press(Button::kSwitch1);
   EXPECT_EQ(Colours(), (Painted{kGreen, kWhite}));
@@ -325,32 +191,13 @@ TEST_F(Indicator, ShowsWhichSwitchesAreHeld) {
   tablet.Release(Button::kSwitch1);
   EXPECT_EQ(Colours(), (Painted{kWhite, kGreen}));
   EXPECT_EQ(machine.CountOpen("brush"), 0);
-
-  // Closed and opened with a switch held, and without.
+  const int windows = machine.CountOpen("window");
+  OpenAgain(IDC_OPTIONS);
+  EXPECT_EQ(machine.CountOpen("window"), windows);  // it is open
   Leave(WayOut::kEscape);
   OpenAgain(IDC_OPTIONS);
+  EXPECT_EQ(machine.CountOpen("window"), windows);
   EXPECT_EQ(Colours(), (Painted{kWhite, kGreen}));
-  Leave(WayOut::kEscape);
-  tablet.Release(Button::kSwitch2);
-  Settle();
-  OpenAgain(IDC_OPTIONS);
-  EXPECT_EQ(Colours(), (Painted{kWhite, kWhite}));
-}
-
-TEST_F(Indicator, IsTwoCirclesInTheMiddleOfItsControl) {
-  OpenOptions();
-  const auto drawn = New<pal::EllipseDrawn>();
-  ASSERT_GE(drawn.size(), 2U);
-  const pal::EllipseDrawn& one = drawn[0];
-  const pal::EllipseDrawn& two = drawn[1];
-  const RECT area = person::Look(IDO_INDICATOR).rect;
-  const int diameter = area.bottom - area.top - 10;
-  EXPECT_EQ(one.top, area.top + 5);
-  EXPECT_EQ(one.bottom - one.top, diameter);
-  EXPECT_EQ(one.right - one.left, diameter);
-  EXPECT_EQ(one.left, area.left + (area.right - area.left - (2 * diameter + 10)) / 2);
-  EXPECT_EQ(two.left, one.right + 10);
-  EXPECT_EQ(two.right - two.left, diameter);
 }
 
 TEST_F(Indicator, TwoDoubleClicksOpenTheWayToTheUpdate) {
@@ -391,41 +238,6 @@ TEST_F(Indicator, ShiftOpensTheWayToTheUpdateAtOnce) {
   Settle();
   EXPECT_FALSE(IsOpen());
   EXPECT_EQ(person::OpenFileBoxes().size(), 1U);
-}
-
-// ---- what is held, and how often it opens -----------------------------------------------------------------
-
-TEST_F(Options, OpeningLetsGoOfWhatASwitchHolds) {
-  SetUserValue(u"Sw1CmdVal", -1);
-  Start();
-  tablet.Advance(5s);
-  Press(Button::kSwitch1);
-  OpenAgain(IDC_OPTIONS);
-  const auto mouse = New<pal::MouseInput>();
-  ASSERT_EQ(mouse.size(), 1U);
-  EXPECT_EQ(mouse[0].flags, MOUSEEVENTF_LEFTUP);
-  Release(Button::kSwitch1);
-  EXPECT_TRUE(New<pal::MouseInput>().empty());
-}
-
-TEST_F(Options, OpensOnce) {
-  OpenOptions();
-  Leave(WayOut::kEscape);
-  const int windows = machine.CountOpen("window");
-  OpenAgain(IDC_OPTIONS);
-  EXPECT_EQ(New<pal::DialogShown>().size(), 1U);
-  OpenAgain(IDC_OPTIONS);
-  EXPECT_TRUE(New<pal::DialogShown>().empty());
-  Leave(WayOut::kEscape);
-  EXPECT_FALSE(IsOpen());
-  EXPECT_EQ(machine.CountOpen("window"), windows);
-}
-
-TEST_F(Options, TheSessionMayEndMeanwhile) {
-  OpenOptions();
-  EXPECT_EQ(tablet.Ask(WM_ENDSESSION, TRUE), 0);
-  tablet.Advance(5s);
-  EXPECT_TRUE(machine.ExitCode());
 }
 
 }  // namespace

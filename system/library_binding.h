@@ -1,0 +1,32 @@
+// Libraries of others that lie beside the program.
+#pragma once
+
+#include <windows.h>
+
+#include "base/handles.h"
+
+namespace veltra {
+
+template <class Function>
+struct Export {
+  const char* name;
+  Function& function;  // null when the library or the export is missing
+};
+template <class Function>
+Export(const char*, Function&) -> Export<Function>;
+
+// Loads a library from the program's own directory, never through the search path. Null when it is missing.
+HMODULE LoadOwnLibrary(const WCHAR* fileName);
+
+// Loads the library and looks its functions up. Where two exports name one function, the first that is there
+// counts.
+template <class... Functions>
+void Bind(UniqueModule& module, const WCHAR* fileName, const Export<Functions>&... exports) {
+  module.Reset(LoadOwnLibrary(fileName));
+  const auto look = [&]<class Function>(const Export<Function>& wanted) {
+    if (!wanted.function) wanted.function = FindExport<Function>(module.Get(), wanted.name);
+  };
+  (look(exports), ...);
+}
+
+}  // namespace veltra
