@@ -1,22 +1,25 @@
 # Sourced by test: runs what it is told, counts it, and prints the closing line. Output of what passes goes to
-# build/logs; of what fails, its end is shown.
+# build/logs; of what fails, its end is shown. The counts are lines of a file, so that what runs in the background counts too.
 
-passed=0
-failed=0
-skipped=0
 logs=build/logs
 mkdir -p "$logs"
+counts=$logs/counts
+: >"$counts"
 
 step() { echo "== $1"; }
 
+# count passed|failed|skipped [HOW MANY]
+count() { echo "$1 ${2:-1}" >>"$counts"; }
+total() { awk -v kind="$1" '$1 == kind { sum += $2 } END { print sum + 0 }' "$counts"; }
+
 skip() {
   echo "skipped: $1: $2"
-  skipped=$((skipped + 1))
+  count skipped
 }
 
 fail() {
   echo "FAILED: $1"
-  failed=$((failed + 1))
+  count failed
 }
 
 log_of() { echo "$logs/$(echo "$1" | tr -c 'a-zA-Z0-9\n' '-').log"; }
@@ -27,7 +30,7 @@ run_check() {
   shift
   log=$(log_of "$name")
   if "$@" >"$log" 2>&1; then
-    passed=$((passed + 1))
+    count passed
   else
     tail -n 40 "$log"
     fail "$name"
@@ -44,7 +47,7 @@ build() {
   shift
   step "build $preset"
   log=$(log_of "build $preset")
-  cmake --preset "$preset" >"$log" 2>&1 && cmake --build --preset "$preset" --target "${@:-all}" >>"$log" 2>&1 && return 0
+  cmake --preset "$preset" >"$log" 2>&1 && nice cmake --build --preset "$preset" --target "${@:-all}" >>"$log" 2>&1 && return 0
   grep -E "error|Error|FAILED" "$log" | head -n 40
   fail "build of $preset"
   return 1
@@ -65,9 +68,9 @@ run_ctest() {
     return
   fi
   left_out=$(grep -c '\*\*\*Skipped' "$log")
-  passed=$((passed + total - broken - left_out))
-  failed=$((failed + broken))
-  skipped=$((skipped + left_out))
+  count passed $((total - broken - left_out))
+  count failed "$broken"
+  count skipped "$left_out"
   [ "$broken" = 0 ] || grep -vE "Passed +[0-9.]+ sec|^ +Start" "$log" | tail -n 120
 }
 
@@ -77,9 +80,9 @@ count_gtest() {
   good=$(grep -c "^\[       OK \]" "$log")
   bad=$(grep -c "^\[  FAILED  \].*ms)" "$log")
   left_out=$(grep -c "^\[  SKIPPED \].*ms)" "$log")
-  passed=$((passed + good))
-  failed=$((failed + bad))
-  skipped=$((skipped + left_out))
+  count passed "$good"
+  count failed "$bad"
+  count skipped "$left_out"
   if [ "$bad" != 0 ]; then
     grep -vE "^\[( RUN|       OK|-)" "$log" | tail -n 80
   elif [ "$status" != 0 ] || [ "$good" = 0 ]; then
@@ -88,21 +91,24 @@ count_gtest() {
   fi
 }
 
+# run_windows_tests NATIVE: the programs of Windows under Wine, with the native programs in build/NATIVE/bin.
 run_windows_tests() {
-  local log
+  local native=build/$1/bin log
   for program in build/windows-x64/bin/{pal,profile}_contract_test.exe; do
     log=$(log_of "$(basename "$program")")
-    VELTRA_NATIVE_BIN=build/native-asan/bin VELTRA_DEVICES=build/windows-x64/bin/devices \
+    VELTRA_NATIVE_BIN=$native VELTRA_DEVICES=build/windows-x64/bin/devices \
       tests/windows/run_exe.sh "$program" >"$log" 2>&1
     count_gtest "$(basename "$program")" "$log" $?
   done
   log=$(log_of windows_test)
-  build/native-asan/bin/windows_test --exe-dir build/windows-x64/bin >"$log" 2>&1
+  "$native/windows_test" --exe-dir build/windows-x64/bin >"$log" 2>&1
   count_gtest windows_test "$log" $?
 }
 
 finish() {
-  echo "$passed passed, $failed failed, $skipped skipped"
-  [ "$failed" = 0 ]
+  local broken
+  broken=$(total failed)
+  echo "$(total passed) passed, $broken failed, $(total skipped) skipped"
+  [ "$broken" = 0 ]
   exit
 }

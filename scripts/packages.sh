@@ -26,10 +26,24 @@ need_resource_compiler() {
   need x86_64-w64-mingw32-windres binutils-mingw-w64-x86-64 || compgen -c llvm-rc >/dev/null
 }
 
-# Succeeds when the compiler has its headers and libraries for 32 bits, sanitizers included.
-need_32_bits() {
-  local try='echo "#include <string>" | g++ -m32 -fsanitize=address,undefined -std=c++20 -fsyntax-only -x c++ -'
-  eval "$try" 2>/dev/null || { install_packages g++-multilib && eval "$try" 2>/dev/null; }
+# can_run COMPILER FLAG...: succeeds when a small program built so really runs here. A machine may bring the headers and
+# not the library, or build a program that its kernel does not start.
+can_run() {
+  local folder status
+  folder=$(mktemp -d)
+  printf '#include <string>\n#include <thread>\nint main() { std::thread([] {}).join(); return std::string("ok").size() == 2 ? 0 : 1; }\n' \
+    >"$folder/try.cpp"
+  "$@" -std=c++20 -pthread "$folder/try.cpp" -o "$folder/try" >/dev/null 2>&1 && "$folder/try" >/dev/null 2>&1
+  status=$?
+  rm -r "$folder"
+  return $status
+}
+
+# can_run, after the packages have been brought when it fails without them: can_run_with "PACKAGE ..." COMPILER FLAG...
+can_run_with() {
+  local packages=$1
+  shift
+  can_run "$@" || { install_packages $packages && can_run "$@"; }
 }
 
 # Prints what is missing and fails when the Windows programs cannot be built or run here.
@@ -38,4 +52,15 @@ need_windows_tools() {
   need i686-w64-mingw32-g++-posix g++-mingw-w64-i686-posix || { echo "mingw-w64 for 32 bits is missing"; return 1; }
   need wine wine64 wine || { echo "Wine is missing"; return 1; }
   need Xvfb xvfb xauth || { echo "Xvfb is missing"; return 1; }
+}
+
+# Succeeds when Wine starts and runs a program of ours. Its prefix stays in VELTRA_WINE_PREFIX.
+can_run_windows() {
+  local folder status
+  folder=$(mktemp -d)
+  echo 'int main() { return 42; }' >"$folder/try.cpp"
+  x86_64-w64-mingw32-g++-posix -static "$folder/try.cpp" -o "$folder/try.exe" && tests/windows/run_exe.sh "$folder/try.exe"
+  status=$?
+  rm -r "$folder"
+  [ $status = 42 ]
 }

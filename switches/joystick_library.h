@@ -23,6 +23,4 @@ struct JoystickLibrary {
   }
 };
 
-JoystickLibrary LoadJoystickLibrary();
-
 }  // namespace veltra

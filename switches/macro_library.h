@@ -19,7 +19,4 @@ struct MacroLibrary {
   FARPROC FreeMacroDll = nullptr;  // never called
 };
 
-// The library of that file name beside the program.
-MacroLibrary LoadMacroLibraryFile(const WideText& fileName);
-
 }  // namespace veltra

@@ -15,6 +15,4 @@ struct MouseFilterLibrary {
   void(WINAPI* MouseFilter)(int32_t mode) = nullptr;
 };
 
-MouseFilterLibrary LoadMouseFilterLibrary();
-
 }  // namespace veltra

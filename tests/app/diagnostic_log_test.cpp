@@ -46,6 +46,7 @@ TEST_F(Log, Lines) {
     log.Write(u"nineteen characters", u"b");
     log.Write(u"more than nineteen characters", u"c");
     log.Write(u"", u"\u20AC \u0139");
+    log.WriteError(u"Err", u"m");
   });
   EXPECT_EQ(Content(),
             "k19 140509 3 Resume . . . . . .  ***    Device resuming\r\n"
@@ -53,12 +54,8 @@ TEST_F(Log, Lines) {
             "k19 140509 3 eighteen character  a\r\n"
             "k19 140509 3 nineteen characters b\r\n"
             "k19 140509 3 more than nineteen characters c\r\n"
-            "k19 140509 3  . . . . . . . . .  \xAC \x39\r\n");
-}
-
-TEST_F(Log, AnErrorTagFillsItsField) {
-  Do([](DiagnosticLog& log) { log.WriteError(u"Err", u"m"); });
-  EXPECT_EQ(Content(), "k19 140509 3 Err. . . . . . . .  >_<    m\r\n");
+            "k19 140509 3  . . . . . . . . .  \xAC \x39\r\n"
+            "k19 140509 3 Err. . . . . . . .  >_<    m\r\n");
 }
 
 TEST_F(Log, DetailLinesFollowTheMarkerFile) {
@@ -75,31 +72,24 @@ TEST_F(Log, DetailLinesFollowTheMarkerFile) {
   EXPECT_EQ(Content(), "k19 140509 3 a. . . . . . . . .  ***    while\r\n");
 }
 
-TEST_F(Log, GrowsToItsLimitAndStartsAnew) {
+TEST_F(Log, GrowsToItsLimitAndStartsAgain) {
   const std::string full(153600, 'x');
+  const auto write = [](DiagnosticLog& log) { log.Write(u"t", u"line"); };
   machine.WriteFile(kLog, full);
   machine.WriteFile(kPrevious, "older");
-  Do([](DiagnosticLog& log) { log.Write(u"t", u"still fits"); });
+  Do(write);  // it still fits
   EXPECT_EQ(machine.ReadFile(kPrevious), "older");
-  Do([](DiagnosticLog& log) { log.Write(u"t", u"anew"); });
-  EXPECT_EQ(Content(), "k19 140509 3 t. . . . . . . . .  anew\r\n");
-  EXPECT_TRUE(machine.ReadFile(kPrevious)->starts_with(full + "k19"));
-}
-
-TEST_F(Log, NothingIsCutWhenTheOlderGenerationCannotBeWritten) {
-  const std::string full(153601, 'x');
-  machine.WriteFile(kLog, full);
-  machine.Fail("CopyFileW", 1, ERROR_DISK_FULL);
-  Do([](DiagnosticLog& log) { log.Write(u"t", u"lost"); });
-  EXPECT_EQ(Content(), full);
-}
-
-TEST_F(Log, ALogInOtherHandsLosesLinesAndNothingElse) {
-  machine.WriteFile(kLog, "mine");
+  const std::string more = Content();
+  machine.Fail("CopyFileW", 1, ERROR_DISK_FULL);  // nothing is cut when it cannot be kept
+  Do(write);
   machine.HoldForWriting(kLog, true);
-  Do([](DiagnosticLog& log) { log.Write(u"t", u"lost"); });
+  Do(write);
   machine.HoldForWriting(kLog, false);
-  EXPECT_EQ(Content(), "mine");
+  EXPECT_EQ(Content(), more);
+  EXPECT_EQ(machine.ReadFile(kPrevious), "older");
+  Do(write);
+  EXPECT_EQ(Content(), "k19 140509 3 t. . . . . . . . .  line\r\n");
+  EXPECT_EQ(machine.ReadFile(kPrevious), more);
 }
 
 }  // namespace

@@ -75,6 +75,9 @@ TEST_F(ProfileTest, TheFileIsPlainUnlessALetterNeedsMore) {
   const std::u16string text = pal::DecodeProfile(File()).text;
   EXPECT_EQ(pal::FindProfileValue(text, u"Other", u"name"), u"caf\xE9");
   EXPECT_EQ(pal::FindProfileValue(text, u"Button4", u"BtCmdText"), u"\x0416.wav");
+  const std::string before = File();
+  Save({2, -1, u"\x0416.wav"});  // it is UTF-16 already
+  EXPECT_EQ(File(), before);
 }
 
 TEST_F(ProfileTest, ANameIsAProfileOfTheDataFolderAndAPathIsItself) {
