@@ -95,33 +95,22 @@ Result OnEndSession(const WindowMessage& m) {
 
 // ---- copied data ------------------------------------------------------------------------------------------
 
-struct CopiedData {
-  HWND sender;
-  uint32_t tag;
-  Bytes payload;
+struct CopiedDataHandler {
+  Result result;
+  void (*handle)(HWND sender, uint32_t tag, Bytes data);
 };
 
-constexpr RangeRow<Result (*)(const CopiedData&)> kCopiedDataRows[] = {
-    {kInfraredRequest, kInfraredRequestToo,
-     [](const CopiedData& data) -> Result {
-       ForwardInfraredRequest(data.sender, data.payload);
-       return 1;
-     }},
-    {kFirmwareUpdate, kFirmwareUpdate,
-     [](const CopiedData& data) -> Result {
-       StartFirmwareUpdate(data.payload);
-       return {};
-     }},
-    {kInfraredCancel, kInfraredCancel,
-     [](const CopiedData& data) -> Result {
-       ForwardInfraredCancel(data.sender, data.payload);
-       return 1;
-     }},
-    {kFirstIdentityUpdate, kLastIdentityUpdate,
-     [](const CopiedData& data) -> Result {
-       UpdateIdentity(data.tag, data.payload);
-       return {};
-     }},
+constexpr RangeRow<CopiedDataHandler> kCopiedDataRows[] = {
+    {kInfraredRequest,
+     kInfraredRequestToo,
+     {1, [](HWND sender, uint32_t, Bytes data) { ForwardInfraredRequest(sender, data); }}},
+    {kFirmwareUpdate, kFirmwareUpdate, {{}, [](HWND, uint32_t, Bytes data) { StartFirmwareUpdate(data); }}},
+    {kInfraredCancel,
+     kInfraredCancel,
+     {1, [](HWND sender, uint32_t, Bytes data) { ForwardInfraredCancel(sender, data); }}},
+    {kFirstIdentityUpdate,
+     kLastIdentityUpdate,
+     {{}, [](HWND, uint32_t tag, Bytes data) { UpdateIdentity(tag, data); }}},
 };
 
 Result OnCopyData(const WindowMessage& m) {
@@ -131,7 +120,8 @@ Result OnCopyData(const WindowMessage& m) {
   if (data->lpData) payload = {static_cast<const uint8_t*>(data->lpData), data->cbData};
   const auto* row = FindRow(kCopiedDataRows, data->dwData);
   if (!row) return {};
-  return row->handle({reinterpret_cast<HWND>(m.wParam), static_cast<uint32_t>(data->dwData), payload});
+  row->handle.handle(reinterpret_cast<HWND>(m.wParam), static_cast<uint32_t>(data->dwData), payload);
+  return row->handle.result;
 }
 
 // ---- tray icons -------------------------------------------------------------------------------------------
