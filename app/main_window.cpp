@@ -2,6 +2,7 @@
 
 #include <dbt.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 
@@ -16,7 +17,7 @@
 #include "app/startup.h"
 #include "app/tray_menu.h"
 #include "base/called_by_windows.h"
-#include "base/unique_keys.h"
+#include "base/table.h"
 #include "board/codec.h"
 #include "link/identity_updates.h"
 #include "link/infrared.h"
@@ -94,39 +95,22 @@ Result OnEndSession(const WindowMessage& m) {
 
 // ---- copied data ------------------------------------------------------------------------------------------
 
-struct CopiedData {
-  HWND sender;
-  uint32_t tag;
-  Bytes payload;
+struct CopiedDataHandler {
+  Result result;
+  void (*handle)(HWND sender, uint32_t tag, Bytes data);
 };
 
-struct CopiedDataRow {
-  uint32_t first;  // tags of the row
-  uint32_t last;
-  Result (*handle)(const CopiedData&);
-};
-
-constexpr CopiedDataRow kCopiedDataRows[] = {
-    {kInfraredRequest, kInfraredRequestToo,
-     [](const CopiedData& data) -> Result {
-       ForwardInfraredRequest(data.sender, data.payload);
-       return 1;
-     }},
-    {kFirmwareUpdate, kFirmwareUpdate,
-     [](const CopiedData& data) -> Result {
-       StartFirmwareUpdate(data.payload);
-       return {};
-     }},
-    {kInfraredCancel, kInfraredCancel,
-     [](const CopiedData& data) -> Result {
-       ForwardInfraredCancel(data.sender, data.payload);
-       return 1;
-     }},
-    {kFirstIdentityUpdate, kLastIdentityUpdate,
-     [](const CopiedData& data) -> Result {
-       UpdateIdentity(data.tag, data.payload);
-       return {};
-     }},
+constexpr RangeRow<CopiedDataHandler> kCopiedDataRows[] = {
+    {kInfraredRequest,
+     kInfraredRequestToo,
+     {1, [](HWND sender, uint32_t, Bytes data) { ForwardInfraredRequest(sender, data); }}},
+    {kFirmwareUpdate, kFirmwareUpdate, {{}, [](HWND, uint32_t, Bytes data) { StartFirmwareUpdate(data); }}},
+    {kInfraredCancel,
+     kInfraredCancel,
+     {1, [](HWND sender, uint32_t, Bytes data) { ForwardInfraredCancel(sender, data); }}},
+    {kFirstIdentityUpdate,
+     kLastIdentityUpdate,
+     {{}, [](HWND, uint32_t tag, Bytes data) { UpdateIdentity(tag, data); }}},
 };
 
 Result OnCopyData(const WindowMessage& m) {
@@ -134,10 +118,10 @@ Result OnCopyData(const WindowMessage& m) {
   if (!data) return {};
   Bytes payload;
   if (data->lpData) payload = {static_cast<const uint8_t*>(data->lpData), data->cbData};
-  for (const CopiedDataRow& row : kCopiedDataRows)
-    if (data->dwData >= row.first && data->dwData <= row.last)
-      return row.handle({reinterpret_cast<HWND>(m.wParam), static_cast<uint32_t>(data->dwData), payload});
-  return {};
+  const auto* row = FindRow(kCopiedDataRows, data->dwData);
+  if (!row) return {};
+  row->handle.handle(reinterpret_cast<HWND>(m.wParam), static_cast<uint32_t>(data->dwData), payload);
+  return row->handle.result;
 }
 
 // ---- tray icons -------------------------------------------------------------------------------------------
@@ -177,13 +161,7 @@ void ChooseLanguage(size_t index) {
   LoadMacroLibrary();
 }
 
-struct CommandRow {
-  WORD first;  // commands of the row
-  WORD last;
-  void (*handle)(HWND window, size_t index);
-};
-
-constexpr CommandRow kCommandRows[] = {
+constexpr RangeRow<void (*)(HWND window, size_t index)> kCommandRows[] = {
     {IDC_CLOSE, IDC_CLOSE, [](HWND window, size_t) { ConfirmClose(window); }},
     {IDC_OPEN_POWER_METER, IDC_OPEN_POWER_METER, [](HWND, size_t) { OpenPowerMeter(); }},
     {IDC_OPTIONS, IDC_OPTIONS, [](HWND, size_t) { OpenOptionsDialog(); }},
@@ -193,33 +171,25 @@ constexpr CommandRow kCommandRows[] = {
 
 Result OnCommand(const WindowMessage& m) {
   const WORD command = LOWORD(m.wParam);
-  for (const CommandRow& row : kCommandRows)
-    if (command >= row.first && command <= row.last) row.handle(m.window, command - row.first);
+  if (const auto* row = FindRow(kCommandRows, command)) row->handle(m.window, command - row->first);
   return 0;
 }
 
 // ---- timers -----------------------------------------------------------------------------------------------
 
-struct TimerRow {
-  uint32_t timer;
-  void (*handle)(UINT_PTR timer);
+constexpr RangeRow<void (*)(UINT_PTR timer)> kTimerRows[] = {
+    {kBatteryTimer, kBatteryTimer, [](UINT_PTR) { CheckBatteryAlarms(); }},
+    {kResumeTimer, kResumeTimer, [](UINT_PTR) { OnResumeTimer(); }},
+    {kMiddleButtonTimer, kMiddleButtonTimer, OnLongPressTimer},
+    {kFlightModeTimer, kFlightModeTimer, [](UINT_PTR) { OnFlightModeTimer(); }},
+    {kTopButtonTimer, kTopButtonTimer, OnLongPressTimer},
+    {kBottomButtonTimer, kBottomButtonTimer, OnLongPressTimer},
+    {kCallProfileTimer, kCallProfileTimer, [](UINT_PTR) { OnCallProfileTimer(); }},
+    {PORT_RETRY_TIMER, PORT_RETRY_TIMER, [](UINT_PTR) { OnPortRetryTimer(); }},
 };
-
-constexpr TimerRow kTimerRows[] = {
-    {kBatteryTimer, [](UINT_PTR) { CheckBatteryAlarms(); }},
-    {kResumeTimer, [](UINT_PTR) { OnResumeTimer(); }},
-    {kMiddleButtonTimer, OnLongPressTimer},
-    {kFlightModeTimer, [](UINT_PTR) { OnFlightModeTimer(); }},
-    {kTopButtonTimer, OnLongPressTimer},
-    {kBottomButtonTimer, OnLongPressTimer},
-    {kCallProfileTimer, [](UINT_PTR) { OnCallProfileTimer(); }},
-    {PORT_RETRY_TIMER, [](UINT_PTR) { OnPortRetryTimer(); }},
-};
-static_assert(AreUnique(kTimerRows, &TimerRow::timer));
 
 Result OnTimer(const WindowMessage& m) {
-  for (const TimerRow& row : kTimerRows)
-    if (row.timer == m.wParam) row.handle(row.timer);
+  if (const auto* row = FindRow(kTimerRows, m.wParam)) row->handle(m.wParam);
   return 0;
 }
 
@@ -301,13 +271,7 @@ Result TellSpeakerVolume(const WindowMessage&) {
   return 0x10000 + (Board().audio.SpeakerVol & 0xFFFF);
 }
 
-struct RequestRow {
-  uint32_t first;  // requests of the row
-  uint32_t last;
-  Result (*handle)(const WindowMessage&);
-};
-
-constexpr RequestRow kRequestRows[] = {
+constexpr RangeRow<Result (*)(const WindowMessage&)> kRequestRows[] = {
     {kFirstOperationRequest, kPowerSourceRequest - 1, RunOperation},
     {kPowerSourceRequest, kPowerSourceRequest,
      [](const WindowMessage&) -> Result { return static_cast<LRESULT>(Power().battery.GetPowerSource()); }},
@@ -318,8 +282,7 @@ constexpr RequestRow kRequestRows[] = {
 };
 
 Result OnDeviceToolRequest(const WindowMessage& m) {
-  for (const RequestRow& row : kRequestRows)
-    if (m.wParam >= row.first && m.wParam <= row.last) return row.handle(m);
+  if (const auto* row = FindRow(kRequestRows, m.wParam)) return row->handle(m);
   TraceRequest(m);
   return {};
 }
@@ -363,7 +326,10 @@ constexpr MessageRow kMessageRows[] = {
     {kStatusLedRequest, true, OnStatusLedRequest},
     {kCodecStatusQuery, true, OnCodecStatusQuery},
 };
-static_assert(AreUnique(kMessageRows, &MessageRow::message));
+static_assert(AreApart(kCopiedDataRows) && AreApart(kCommandRows) && AreApart(kTimerRows) &&
+              AreApart(kRequestRows) && std::ranges::all_of(kMessageRows, [](const MessageRow& row) {
+                return std::ranges::count(kMessageRows, row.message, &MessageRow::message) == 1;
+              }));
 
 Result Handle(const WindowMessage& m) {
   const bool hasState = HasAppState();

@@ -5,8 +5,8 @@
 #include <variant>
 
 #include "app/app_state.h"
-#include "base/handles.h"
 #include "system/language.h"
+#include "system/registry.h"
 
 namespace veltra {
 namespace {
@@ -59,14 +59,6 @@ constexpr Setting kMachineSettings[] = {
     {TEXT("PicPortNumber"), false, []() -> Field { return &Link().PicPortNumber; }},
 };
 
-std::optional<DWORD> ReadNumber(HKEY key, const WCHAR* name) {
-  DWORD number = 0;
-  DWORD size = sizeof(number);
-  const LONG error = RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(&number), &size);
-  if (error != ERROR_SUCCESS || size != sizeof(number)) return std::nullopt;
-  return number;
-}
-
 void Store(Field field, DWORD number) {
   if (auto** flag = std::get_if<bool*>(&field)) **flag = number == 1;
   if (auto** value = std::get_if<int32_t*>(&field)) **value = static_cast<int32_t>(number);
@@ -78,13 +70,11 @@ DWORD NumberOf(Field field) {
 }
 
 void ReadSettings(HKEY root, std::span<const Setting> settings) {
-  UniqueRegistryKey key;
-  if (HKEY opened = nullptr; RegOpenKeyExW(root, kKeyPath, 0, KEY_READ, &opened) == ERROR_SUCCESS)
-    key.Reset(opened);
+  const UniqueRegistryKey key = OpenRegistryKey(root, kKeyPath);
   if (!key) return;
   for (const Setting& setting : settings) {
-    if (const std::optional<DWORD> number = ReadNumber(key.Get(), setting.name))
-      Store(setting.field(), *number);
+    if (const std::optional<RegistryNumber> number = ReadRegistryNumber(key, setting.name))
+      Store(setting.field(), number->value);
     if (setting.afterRead) setting.afterRead();
   }
 }

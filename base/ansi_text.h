@@ -1,4 +1,4 @@
-// 8-bit text in the thread's ANSI code page, for neighbours that speak no UTF-16.
+// 8-bit text for neighbours that speak no UTF-16: in the thread's ANSI code page, or UTF-8.
 #pragma once
 
 #include <optional>
@@ -14,5 +14,7 @@ namespace veltra {
 std::optional<std::string> ConvertToAnsi(WideView text);
 // And back.
 std::optional<WideText> ConvertFromAnsi(std::string_view text);
+
+std::string ConvertToUtf8(WideView text);
 
 }  // namespace veltra

@@ -22,6 +22,7 @@ endfunction()
 veltra_room(base BELOW cores SOURCES
   base/ansi_text.cpp
   base/debug_output.cpp
+  base/whole_file.cpp
 )
 
 veltra_room(system BELOW base SOURCES
@@ -33,6 +34,7 @@ veltra_room(system BELOW base SOURCES
   system/library_binding.cpp
   system/maker_applications.cpp
   system/power_off.cpp
+  system/registry.cpp
   system/sounds.cpp
   system/start_program.cpp
   system/tray_icons.cpp
@@ -79,11 +81,8 @@ veltra_room(switches BELOW board link SOURCES
   switches/button_profile.cpp
   switches/function_tables.cpp
   switches/joystick.cpp
-  switches/joystick_library.cpp
-  switches/macro_library.cpp
   switches/macro_plugin.cpp
   switches/mouse_filter.cpp
-  switches/mouse_filter_library.cpp
   switches/profile_encoding.cpp
   switches/switch_events.cpp
   switches/switch_indicator.cpp
@@ -124,7 +123,7 @@ endif()
 
 # For the technician in front of a tablet: the program asks the running tool, its texts are tested natively.
 add_library(probe_text STATIC tools/probe_text.cpp)
-target_link_libraries(probe_text PUBLIC veltra_cores)
+target_link_libraries(probe_text PUBLIC veltra_base)
 if(WIN32)
   add_executable(toolprobe tools/toolprobe.cpp)
   target_link_libraries(toolprobe PRIVATE probe_text user32)

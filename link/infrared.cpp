@@ -1,7 +1,7 @@
 #include "link/infrared.h"
 
 #include "base/debug_output.h"
-#include "base/handles.h"
+#include "base/whole_file.h"
 #include "link/link_state.h"
 #include "link/send_queue.h"
 #include "system/system_state.h"
@@ -29,12 +29,7 @@ void StoreInfraredRecording(Bytes code) {
   const WideText shown = Widen(TextOf(code.first(std::min(code.size(), kShownBytes))));
   MessageBoxW(MainWindow(), FormatText(TEXT("IRRecord received (%s)"), shown).c_str(), TEXT("IRRecord"),
               MB_OK);
-
-  const UniqueFile file(
-      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file) return;
-  DWORD written = 0;
-  WriteFile(file.Get(), link.irCode.data(), static_cast<DWORD>(link.irCode.size()), &written, nullptr);
+  WriteWholeFile(path, link.irCode);
 }
 
 }  // namespace veltra

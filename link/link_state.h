@@ -38,7 +38,7 @@ struct LinkReceiver {
 struct LinkState {
   int32_t PicPortNumber = 2;
   std::shared_ptr<VeltraFramework::CSerialInput> picPort;  // null while the port is closed
-  void (*whenLineIsGone)() = nullptr;  // what was held down by the other end must be let go
+  void (*whenLineIsGone)() = nullptr;                      // lets go of what the switches hold down
   LinkReceiver receiver;
   PicQueue picQueue;
   std::vector<uint8_t> irCode;  // the last infrared recording

@@ -12,55 +12,53 @@ bool CanBeReached(State& state, HWND handle) {
   return (control.style & (WS_TABSTOP | WS_VISIBLE | WS_DISABLED)) == (WS_TABSTOP | WS_VISIBLE);
 }
 
-bool IsPushButton(HWND window) {
+bool IsButton(const Window& window, DWORD kind) {
+  return std::holds_alternative<ButtonState>(window.control) && (window.style & BS_TYPEMASK) == kind;
+}
+
+// What Enter presses: the button that has the keyboard, or else the default one, or else "OK".
+HWND ButtonForEnter(HWND dialog) {
   const Call call;
-  const Window* found = call->desktop.Find(window);
-  if (!found || !std::holds_alternative<ButtonState>(found->control)) return false;
-  const DWORD kind = found->style & BS_TYPEMASK;
-  return kind == BS_PUSHBUTTON || kind == BS_DEFPUSHBUTTON;
+  const Window* focus = call->desktop.Find(call->desktop.Focus());
+  if (focus && (IsButton(*focus, BS_PUSHBUTTON) || IsButton(*focus, BS_DEFPUSHBUTTON))) return focus->handle;
+  for (const HWND child : call->desktop.Children(dialog))
+    if (IsButton(*call->desktop.Find(child), BS_DEFPUSHBUTTON)) return child;
+  return GetDlgItem(dialog, IDOK);
 }
 
-void SendButton(HWND dialog, WORD id) {
-  SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
-               reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+void SendButton(HWND dialog, HWND button, int id) {
+  SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(button));
 }
 
-// Enter presses the button that has the keyboard, or else the default one, or else "OK".
-void PressEnter(HWND dialog) {
-  if (IsPushButton(GetFocus())) return SendButton(dialog, static_cast<WORD>(GetDlgCtrlID(GetFocus())));
-  const LRESULT defaultId = SendMessageW(dialog, DM_GETDEFID, 0, 0);
-  if (HIWORD(defaultId) != DC_HASDEFID) return SendButton(dialog, IDOK);
-  if (IsWindowEnabled(GetDlgItem(dialog, LOWORD(defaultId)))) SendButton(dialog, LOWORD(defaultId));
+bool IsInside(HWND dialog, HWND window) {
+  const Call call;
+  const std::vector<HWND> own = call->desktop.WithDescendants(dialog);
+  return call->desktop.Find(dialog) && std::ranges::find(own, window) != own.end();
 }
 
-bool PressDialogKey(HWND dialog, WPARAM key) {
-  if (key == VK_TAB) {
-    const bool previous = GetAsyncKeyState(VK_SHIFT) < 0;
-    SetFocus(GetNextDlgTabItem(dialog, GetFocus(), previous ? TRUE : FALSE));
-  } else if (key == VK_ESCAPE) {
-    SendButton(dialog, IDCANCEL);
-  } else if (key == VK_RETURN) {
-    PressEnter(dialog);
+HWND FocusNow() {
+  const Call call;
+  return call->desktop.Focus();
+}
+
+}  // namespace
+
+bool pal::PressDialogKey(HWND dialog, const MSG& message) {
+  if (message.message != WM_KEYDOWN || !IsInside(dialog, message.hwnd)) return false;
+  if (message.wParam == VK_TAB) {
+    SetFocus(NextTabItem(dialog, FocusNow(), GetAsyncKeyState(VK_SHIFT) < 0));
+  } else if (message.wParam == VK_ESCAPE) {
+    SendButton(dialog, GetDlgItem(dialog, IDCANCEL), IDCANCEL);
+  } else if (message.wParam == VK_RETURN) {
+    const HWND button = ButtonForEnter(dialog);
+    if (IsWindowEnabled(button)) SendButton(dialog, button, GetDlgCtrlID(button));
   } else {
     return false;
   }
   return true;
 }
 
-}  // namespace
-
-BOOL WINAPI IsDialogMessageW(HWND dialog, LPMSG message) {
-  {
-    const Call call;
-    const std::vector<HWND> own = call->desktop.WithDescendants(dialog);
-    if (!call->desktop.Find(dialog) || std::ranges::find(own, message->hwnd) == own.end()) return FALSE;
-  }
-  if (message->message == WM_KEYDOWN && PressDialogKey(dialog, message->wParam)) return TRUE;
-  DispatchMessageW(message);
-  return TRUE;
-}
-
-HWND WINAPI GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous) {
+HWND pal::NextTabItem(HWND dialog, HWND control, bool previous) {
   const Call call;
   std::vector<HWND> all = call->desktop.Children(dialog);
   if (previous) std::ranges::reverse(all);

@@ -48,10 +48,10 @@ HWND CreateDialogWindow(HINSTANCE instance, const DialogTemplate& made, HWND own
 
 // Null when the procedure destroyed it.
 HWND Initialise(HWND dialog, LPARAM parameter) {
-  const HWND first = GetNextDlgTabItem(dialog, nullptr, FALSE);
+  const HWND first = NextTabItem(dialog, nullptr, false);
   const LRESULT wantsFocus = SendMessageW(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), parameter);
   if (!IsWindow(dialog)) return nullptr;
-  if (wantsFocus) SetFocus(GetNextDlgTabItem(dialog, nullptr, FALSE));
+  if (wantsFocus) SetFocus(NextTabItem(dialog, nullptr, false));
   return dialog;
 }
 
@@ -60,22 +60,6 @@ bool ReturnsItself(UINT message) {
   constexpr UINT kFirstColour = 0x0132, kLastColour = 0x0138, kCompareItem = 0x0039;
   return message == WM_INITDIALOG || message == kCompareItem ||
          (message >= kFirstColour && message <= kLastColour);
-}
-
-HWND DefaultButton(HWND dialog) {
-  const Call call;
-  for (const HWND child : call->desktop.Children(dialog)) {
-    const Window& control = *call->desktop.Find(child);
-    if (std::holds_alternative<ButtonState>(control.control) &&
-        (control.style & BS_TYPEMASK) == BS_DEFPUSHBUTTON)
-      return child;
-  }
-  return nullptr;
-}
-
-LRESULT DefaultId(HWND dialog) {
-  const HWND button = DefaultButton(dialog);
-  return button ? MAKELONG(GetDlgCtrlID(button), DC_HASDEFID) : 0;
 }
 
 std::shared_ptr<ModalDialog> FindModal(State& state, HWND window) {
@@ -92,8 +76,7 @@ std::optional<INT_PTR> Run(const std::shared_ptr<ModalDialog>& dialog) {
   const auto isOver = [&] { return dialog->hasEnded || !state.desktop.Find(dialog->window); };
   const auto dispatch = [&](const MSG& message) {
     const MachineMutex::Open open(state.mutex);
-    MSG copy = message;
-    if (!IsDialogMessageW(dialog->window, &copy)) DispatchMessageW(&copy);
+    if (!PressDialogKey(dialog->window, message)) DispatchMessageW(&message);
   };
   const std::optional<int> quit = RunNestedLoop(state, self, isOver, dispatch);
   if (quit) self.queue.PostQuit(*quit);
@@ -166,7 +149,7 @@ BOOL WINAPI EndDialog(HWND dialog, INT_PTR result) {
   return TRUE;
 }
 
-LRESULT WINAPI DefDlgProcW(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CALLBACK pal::DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   SetWindowLongPtrW(dialog, DWLP_MSGRESULT, 0);
   const DLGPROC procedure = ProcedureOf(dialog);
   const INT_PTR result = procedure ? procedure(dialog, message, wParam, lParam) : FALSE;
@@ -176,15 +159,6 @@ LRESULT WINAPI DefDlgProcW(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
     case WM_CLOSE:
       PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED),
                    reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDCANCEL)));
-      return 0;
-    case WM_SETFOCUS:
-      SetFocus(GetNextDlgTabItem(dialog, nullptr, FALSE));
-      return 0;
-    case DM_GETDEFID:
-      return DefaultId(dialog);
-    case WM_NEXTDLGCTL:
-      if (!LOWORD(lParam)) Die("WM_NEXTDLGCTL without a control");
-      SetFocus(reinterpret_cast<HWND>(wParam));
       return 0;
     default:
       return DefWindowProcW(dialog, message, wParam, lParam);

@@ -78,7 +78,7 @@ HDC WINAPI BeginPaint(HWND window, LPPAINTSTRUCT paint) {
   found->thread->queue.Validate(window);
   *paint = {};
   paint->hdc = ContextOf(window);
-  GetClientRect(window, &paint->rcPaint);
+  paint->rcPaint = {0, 0, found->rect.right - found->rect.left, found->rect.bottom - found->rect.top};
   call->drawing.selectedBrushes[paint->hdc] = StockObject(WHITE_BRUSH);
   return paint->hdc;
 }

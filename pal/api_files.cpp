@@ -40,10 +40,9 @@ DWORD ErrorOfRemoval(const Call& call, const DiskPath& path) {
   return path.isDirectory || call->data->disk.MayDelete(path.host) ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
 }
 
-DWORD Copy(const Call& call, const DiskPath& from, const DiskPath& to, bool failIfExists) {
+DWORD Copy(const Call& call, const DiskPath& from, const DiskPath& to) {
   if (const DWORD error = from.ErrorIfMissing()) return error;
   if (to.error != ERROR_SUCCESS) return to.error;
-  if (to.exists && failIfExists) return ERROR_FILE_EXISTS;
   if (from.isDirectory || to.isDirectory || to.isReadOnly) return ERROR_ACCESS_DENIED;
   if (to.exists && fs::equivalent(from.host, to.host)) return ERROR_SHARING_VIOLATION;
   Disk& disk = call->data->disk;
@@ -56,12 +55,12 @@ DWORD Copy(const Call& call, const DiskPath& from, const DiskPath& to, bool fail
   return ERROR_SUCCESS;
 }
 
-DWORD Move(const Call& call, const DiskPath& from, const DiskPath& to, DWORD flags) {
+// Takes the place of a file of that name.
+DWORD Move(const Call& call, const DiskPath& from, const DiskPath& to) {
   if (const DWORD error = ErrorOfRemoval(call, from)) return error;
   if (to.error != ERROR_SUCCESS) return to.error;
   const bool isItself = to.exists && fs::equivalent(from.host, to.host);
   if (to.exists && !isItself) {
-    if ((flags & MOVEFILE_REPLACE_EXISTING) == 0) return ERROR_ALREADY_EXISTS;
     if (to.isDirectory || to.isReadOnly || from.isDirectory || !call->data->disk.MayDelete(to.host))
       return ERROR_ACCESS_DENIED;
   }
@@ -91,45 +90,25 @@ BOOL WINAPI SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER
   if (call.Fails()) return FALSE;
   const auto found = FindFile(call, file);
   if (!found) return FALSE;
-  constexpr int kHostMethods[] = {SEEK_SET, SEEK_CUR, SEEK_END};
-  if (method > FILE_END) return Finish(ERROR_INVALID_PARAMETER);
-  const off_t reached = lseek(found->HostFile()->descriptor, distance.QuadPart, kHostMethods[method]);
+  if (method != FILE_END) Die("SetFilePointerEx from anywhere but the end");
+  const off_t reached = lseek(found->HostFile()->descriptor, distance.QuadPart, SEEK_END);
   if (reached < 0) return Finish(ERROR_NEGATIVE_SEEK);
   if (position) position->QuadPart = reached;
   return TRUE;
 }
 
-BOOL WINAPI SetEndOfFile(HANDLE file) {
-  const Call call("SetEndOfFile");
-  if (call.Fails()) return FALSE;
-  const auto found = FindFile(call, file);
-  if (!found) return FALSE;
-  const Opening& opening = *found->HostFile();
-  if (!opening.writes) return Finish(ERROR_ACCESS_DENIED);
-  const bool cut = ftruncate(opening.descriptor, lseek(opening.descriptor, 0, SEEK_CUR)) == 0;
-  return Finish(cut ? ERROR_SUCCESS : ERROR_DISK_FULL);
-}
-
-BOOL WINAPI FlushFileBuffers(HANDLE file) {
-  const Call call("FlushFileBuffers");
-  if (call.Fails()) return FALSE;
-  const auto found = FindFile(call, file);
-  if (!found) return FALSE;
-  return Finish(found->HostFile()->writes ? ERROR_SUCCESS : ERROR_ACCESS_DENIED);
-}
-
 BOOL WINAPI CopyFileW(LPCWSTR from, LPCWSTR to, BOOL failIfExists) {
   const Call call("CopyFileW");
+  if (failIfExists) Die("CopyFileW that must not replace a file");
   if (call.Fails()) return FALSE;
-  return Finish(Copy(call, Locate(call, from), Locate(call, to), failIfExists != FALSE));
+  return Finish(Copy(call, Locate(call, from), Locate(call, to)));
 }
 
 BOOL WINAPI MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags) {
   const Call call("MoveFileExW");
-  constexpr DWORD kKnown = MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH;
-  if (!to || (flags & ~kKnown) != 0) Die("MoveFileExW: unknown flags");
+  if (!to || flags != MOVEFILE_REPLACE_EXISTING) Die("MoveFileExW: unknown flags");
   if (call.Fails()) return FALSE;
-  return Finish(Move(call, Locate(call, from), Locate(call, to), flags));
+  return Finish(Move(call, Locate(call, from), Locate(call, to)));
 }
 
 BOOL WINAPI DeleteFileW(LPCWSTR name) {
@@ -154,35 +133,12 @@ BOOL WINAPI CreateDirectoryW(LPCWSTR name, LPSECURITY_ATTRIBUTES security) {
   return Finish(failure ? ERROR_INVALID_NAME : ERROR_SUCCESS);
 }
 
-BOOL WINAPI RemoveDirectoryW(LPCWSTR name) {
-  const Call call("RemoveDirectoryW");
-  if (call.Fails()) return FALSE;
-  const DiskPath path = Locate(call, name);
-  if (const DWORD error = path.ErrorIfMissing()) return Finish(error);
-  if (!path.isDirectory) return Finish(ERROR_DIRECTORY);
-  if (!fs::is_empty(path.host)) return Finish(ERROR_DIR_NOT_EMPTY);
-  fs::remove(path.host);
-  return TRUE;
-}
-
 DWORD WINAPI GetFileAttributesW(LPCWSTR name) {
   const Call call("GetFileAttributesW");
   if (call.Fails()) return INVALID_FILE_ATTRIBUTES;
   const DiskPath path = Locate(call, name);
   if (const DWORD error = path.ErrorIfMissing()) return Refuse(error, INVALID_FILE_ATTRIBUTES);
-  return path.Attributes();
-}
-
-BOOL WINAPI SetFileAttributesW(LPCWSTR name, DWORD attributes) {
-  const Call call("SetFileAttributesW");
-  constexpr DWORD kKnown = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NORMAL;
-  if ((attributes & ~kKnown) != 0) Die("SetFileAttributesW: unknown attributes");
-  if (call.Fails()) return FALSE;
-  const DiskPath path = Locate(call, name);
-  if (const DWORD error = path.ErrorIfMissing()) return Finish(error);
-  if (path.isDirectory) Die("SetFileAttributesW of a directory");
-  SetHostReadOnly(path.host, (attributes & FILE_ATTRIBUTE_READONLY) != 0);
-  return TRUE;
+  return path.isDirectory ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
 }
 
 DWORD WINAPI GetTempPathW(DWORD length, LPWSTR buffer) {

@@ -31,7 +31,7 @@ DWORD WINAPI GetLastError() {
   return lastError;
 }
 
-void WINAPI SetLastError(DWORD error) {
+void pal::SetLastError(DWORD error) {
   lastError = error;
 }
 
@@ -88,14 +88,5 @@ BOOL WINAPI GetOverlappedResult(HANDLE file, LPOVERLAPPED overlapped, LPDWORD tr
     return Refuse(ERROR_OPERATION_ABORTED, FALSE);
   *transferred = static_cast<DWORD>(overlapped->InternalHigh);
   const auto error = static_cast<DWORD>(overlapped->Internal);
-  return error == ERROR_SUCCESS ? TRUE : Refuse(error, FALSE);
-}
-
-BOOL WINAPI CancelIoEx(HANDLE file, LPOVERLAPPED overlapped) {
-  const Call call("CancelIoEx");
-  if (call.Fails()) return FALSE;
-  const auto object = call->handles.Find<Object>(file);
-  if (!object) return Refuse(ERROR_INVALID_HANDLE, FALSE);
-  const DWORD error = object->Cancel(overlapped);
   return error == ERROR_SUCCESS ? TRUE : Refuse(error, FALSE);
 }

@@ -9,10 +9,6 @@ ThreadLanguage& pal::CurrentThreadLanguage() {
   return language;
 }
 
-LCID WINAPI GetThreadLocale() {
-  return CurrentThreadLanguage().locale;
-}
-
 BOOL WINAPI SetThreadLocale(LCID locale) {
   const Call call("SetThreadLocale");
   if (call.Fails()) return FALSE;

@@ -1,14 +1,10 @@
 // Menus: built from a template, changed, and asked what they have become.
-#include <algorithm>
-
 #include "pal/data_state.h"
 #include "pal/state.h"
 
 using namespace pal;
 
 namespace {
-
-constexpr auto kNone = static_cast<UINT>(-1);
 
 Menu* FindOr1401(State& state, HMENU handle) {
   Menu* menu = state.menus.Find(handle);
@@ -80,45 +76,4 @@ BOOL WINAPI SetMenuDefaultItem(HMENU menu, UINT item, UINT byPosition) {
   for (Menu::Item& other : place.menu->items) other.isDefault = false;
   place.Item().isDefault = true;
   return TRUE;
-}
-
-int WINAPI GetMenuItemCount(HMENU menu) {
-  const Call call;
-  const Menu* found = FindOr1401(call.Get(), menu);
-  return found ? static_cast<int>(found->items.size()) : -1;
-}
-
-UINT WINAPI GetMenuItemID(HMENU menu, int position) {
-  const Call call;
-  const Menus::Place place = FindItem(call, menu, static_cast<UINT>(position), MF_BYPOSITION);
-  return place && !place.Item().popup ? place.Item().id : kNone;
-}
-
-UINT WINAPI GetMenuState(HMENU menu, UINT item, UINT flags) {
-  const Call call;
-  const Menus::Place place = FindItem(call, menu, item, flags);
-  if (!place) return kNone;
-  const Menu* popup = call->menus.Find(place.Item().popup);
-  if (!popup) return place.Item().flags;
-  return place.Item().flags | MF_POPUP | static_cast<UINT>(popup->items.size() << 8);
-}
-
-int WINAPI GetMenuStringW(HMENU menu, UINT item, LPWSTR buffer, int size, UINT flags) {
-  const Call call;
-  const Menus::Place place = FindItem(call, menu, item, flags);
-  if (!place || size <= 0) return 0;
-  const std::u16string_view fitting =
-      std::u16string_view(place.Item().text).substr(0, static_cast<size_t>(size) - 1);
-  *std::ranges::copy(fitting, buffer).out = 0;
-  return static_cast<int>(fitting.size());
-}
-
-UINT WINAPI GetMenuDefaultItem(HMENU menu, UINT byPosition, UINT flags) {
-  const Call call;
-  if (flags != 0) Die("GetMenuDefaultItem with flags");
-  const Menu* found = FindOr1401(call.Get(), menu);
-  if (!found) return kNone;
-  const auto item = std::ranges::find_if(found->items, &Menu::Item::isDefault);
-  if (item == found->items.end()) return Refuse(ERROR_MENU_ITEM_NOT_FOUND, kNone);
-  return byPosition ? static_cast<UINT>(item - found->items.begin()) : item->id;
 }

@@ -8,9 +8,6 @@ using namespace pal;
 
 namespace {
 
-constexpr DWORD kProcessId = 2400;
-constexpr DWORD kOutsideThreadId = 4;  // of a caller that is no thread of the program
-
 std::chrono::sys_time<std::chrono::milliseconds> ToHost(const SYSTEMTIME& time) {
   using namespace std::chrono;
   return sys_days(year(time.wYear) / time.wMonth / time.wDay) + hours(time.wHour) + minutes(time.wMinute) +
@@ -36,39 +33,15 @@ SYSTEMTIME FromHost(std::chrono::sys_time<std::chrono::milliseconds> time) {
 
 }  // namespace
 
-DWORD WINAPI GetCurrentThreadId() {
-  const Thread* self = Scheduler::Current();
-  return self ? self->id : kOutsideThreadId;
-}
-
-DWORD WINAPI GetCurrentProcessId() {
-  return kProcessId;
-}
-
 LPWSTR WINAPI GetCommandLineW() {
   const Call call;
   return call->commandLine.data();
-}
-
-ULONGLONG WINAPI GetTickCount64() {
-  return TickCount64(CurrentState().scheduler.Now());
 }
 
 void WINAPI GetLocalTime(LPSYSTEMTIME time) {
   const Call call;
   const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(call->scheduler.Now());
   *time = FromHost(ToHost(call->localTimeAtStart) + passed);
-}
-
-BOOL WINAPI QueryPerformanceCounter(LARGE_INTEGER* count) {
-  count->QuadPart =
-      (CurrentState().scheduler.Now() + kUptimeAtStart).count() * kPerformanceTicksPerMicrosecond;
-  return TRUE;
-}
-
-BOOL WINAPI QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
-  frequency->QuadPart = kPerformanceTicksPerMicrosecond * 1'000'000;
-  return TRUE;
 }
 
 EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags) {

@@ -14,7 +14,7 @@ class ProcessObject final : public Object {
 
   [[nodiscard]] std::string_view Kind() const override { return "process"; }
   [[nodiscard]] bool IsWaitable() const override { return true; }
-  [[nodiscard]] bool IsSignaled(const Thread* /*waiter*/) const override { return scheduler_.Now() >= end_; }
+  [[nodiscard]] bool IsSignaled() const override { return scheduler_.Now() >= end_; }
 
  private:
   const Scheduler& scheduler_;

@@ -132,27 +132,6 @@ LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type
   return ERROR_SUCCESS;
 }
 
-LSTATUS WINAPI RegDeleteValueW(HKEY key, LPCWSTR name) {
-  const Call call("RegDeleteValueW");
-  if (call.Fails()) return static_cast<LSTATUS>(call.Error());
-  const Reached reached = Reach(call.Get(), key, KEY_SET_VALUE);
-  if (!reached.key) return reached.error;
-  return reached.key->DeleteValue(OrEmpty(name)) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
-}
-
-LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR path) {
-  const Call call("RegDeleteKeyW");
-  if (call.Fails()) return static_cast<LSTATUS>(call.Error());
-  if (!path || *path == 0) Die("RegDeleteKeyW: only keys below the given one are known");
-  const Reached reached = Reach(call.Get(), key, 0);
-  if (!reached.key) return reached.error;
-  const auto found = RegistryStore::Find(reached.key, CheckPath(path));
-  if (!found) return ERROR_FILE_NOT_FOUND;
-  if (!found->keys.empty()) return ERROR_ACCESS_DENIED;
-  RegistryStore::Delete(reached.key, path);
-  return ERROR_SUCCESS;
-}
-
 LSTATUS WINAPI RegCloseKey(HKEY key) {
   const Call call("RegCloseKey");
   if (call.Fails()) return static_cast<LSTATUS>(call.Error());

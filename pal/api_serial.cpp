@@ -37,17 +37,13 @@ BOOL WINAPI PurgeComm(HANDLE port, DWORD flags) {
   return OnPort("PurgeComm", port, [&](PortHandle& handle) { return handle.Purge(flags); });
 }
 
-BOOL WINAPI GetCommMask(HANDLE port, LPDWORD events) {
-  return OnPort("GetCommMask", port, [&](PortHandle& handle) { return handle.GetMask(*events); });
-}
-
 BOOL WINAPI SetCommMask(HANDLE port, DWORD events) {
   return OnPort("SetCommMask", port, [&](PortHandle& handle) { return handle.SetMask(events); });
 }
 
 BOOL WINAPI WaitCommEvent(HANDLE port, LPDWORD events, LPOVERLAPPED overlapped) {
-  return OnPort("WaitCommEvent", port,
-                [&](PortHandle& handle) { return handle.WaitEvent(events, overlapped); });
+  if (overlapped) Die("an overlapped WaitCommEvent");
+  return OnPort("WaitCommEvent", port, [&](PortHandle& handle) { return handle.WaitEvent(events); });
 }
 
 BOOL WINAPI ClearCommError(HANDLE port, LPDWORD errors, LPCOMSTAT status) {

@@ -37,20 +37,8 @@ struct Comparison {
 // Whether a field that differs meets its condition. For the orders it settles the test: lesser fields do not
 // count.
 bool Meets(DWORD actual, DWORD wanted, BYTE condition) {
-  switch (condition) {
-    case VER_EQUAL:
-      return actual == wanted;
-    case VER_GREATER:
-      return actual > wanted;
-    case VER_GREATER_EQUAL:
-      return actual >= wanted;
-    case VER_LESS:
-      return actual < wanted;
-    case VER_LESS_EQUAL:
-      return actual <= wanted;
-    default:
-      Die("an unknown condition on the Windows version");
-  }
+  if (condition != VER_GREATER_EQUAL) Die("an unknown condition on the Windows version");
+  return actual >= wanted;
 }
 
 }  // namespace
@@ -103,12 +91,3 @@ HRESULT WINAPI SHGetFolderPathW(HWND /*owner*/, int folder, HANDLE token, DWORD 
 
 // The classes of common controls are always there.
 void WINAPI InitCommonControls() {}
-
-BOOL WINAPI InitCommonControlsEx(const INITCOMMONCONTROLSEX* controls) {
-  const Call call("InitCommonControlsEx");
-  if (call.Fails()) return FALSE;
-  constexpr DWORD kKnown = ICC_BAR_CLASSES | ICC_PROGRESS_CLASS | ICC_STANDARD_CLASSES;
-  if (controls->dwSize != sizeof(INITCOMMONCONTROLSEX)) return FALSE;
-  if ((controls->dwICC & ~kKnown) != 0) Die("InitCommonControlsEx of unknown classes");
-  return TRUE;
-}

@@ -14,7 +14,7 @@ bool IsInside(State& state, HWND outer, HWND inner) {
 
 // A dialog is seen to come and go.
 void EmitShown(State& state, const Window& window, bool isShown) {
-  if (window.procedure != DefDlgProcW || window.parent) return;
+  if (window.procedure != DialogProcedure || window.parent) return;
   if (isShown)
     state.Emit(DialogShown{window.title});
   else
@@ -91,11 +91,6 @@ HWND WINAPI SetFocus(HWND window) {
   return before;
 }
 
-HWND WINAPI GetFocus() {
-  const Call call;
-  return call->desktop.Focus();
-}
-
 HWND WINAPI GetParent(HWND window) {
   const Call call;
   const Window* found = FindOr1400(call.Get(), window);
@@ -117,14 +112,6 @@ BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width,
   if (!(flags & SWP_NOMOVE)) rect = {x, y, x + size.cx, y + size.cy};
   if (!(flags & SWP_NOSIZE)) rect = {rect.left, rect.top, rect.left + width, rect.top + height};
   if (reorders && insertAfter == HWND_TOPMOST) found->exStyle |= WS_EX_TOPMOST;
-  return TRUE;
-}
-
-BOOL WINAPI GetClientRect(HWND window, LPRECT rect) {
-  const Call call;
-  const Window* found = FindOr1400(call.Get(), window);
-  if (!found) return FALSE;
-  *rect = {0, 0, found->rect.right - found->rect.left, found->rect.bottom - found->rect.top};
   return TRUE;
 }
 

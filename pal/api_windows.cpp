@@ -72,16 +72,6 @@ ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* windowClass) {
   return added ? added->atom : Refuse<ATOM>(ERROR_CLASS_ALREADY_EXISTS, 0);
 }
 
-BOOL WINAPI UnregisterClassW(LPCWSTR className, HINSTANCE /*instance*/) {
-  const Call call("UnregisterClassW");
-  if (call.Fails()) return FALSE;
-  const auto windowClass = call->desktop.FindClass(className);
-  if (!windowClass) return Refuse(ERROR_CLASS_DOES_NOT_EXIST, FALSE);
-  if (call->desktop.HasWindows(*windowClass)) return Refuse(ERROR_CLASS_HAS_WINDOWS, FALSE);
-  call->desktop.RemoveClass(*windowClass);
-  return TRUE;
-}
-
 HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y,
                             int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                             LPVOID parameter) {
@@ -98,7 +88,6 @@ HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWO
   window.title = title ? title : u"";
   window.style = style;
   window.exStyle = exStyle;
-  window.instance = instance;
   window.rect = {PositionOf(x), PositionOf(y), PositionOf(x) + PositionOf(width),
                  PositionOf(y) + PositionOf(height)};
   window.control = window.windowClass->control;
@@ -221,14 +210,6 @@ LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index) {
   switch (index) {
     case GWLP_WNDPROC:
       return reinterpret_cast<LONG_PTR>(found->procedure);
-    case GWL_STYLE:
-      return static_cast<LONG>(found->style);
-    case GWL_EXSTYLE:
-      return static_cast<LONG>(found->exStyle);
-    case GWLP_HINSTANCE:
-      return reinterpret_cast<LONG_PTR>(found->instance);
-    case GWLP_HWNDPARENT:
-      return reinterpret_cast<LONG_PTR>(found->parent ? found->parent : found->owner);
     default:
       return Refuse<LONG_PTR>(ERROR_INVALID_INDEX, 0);
   }
@@ -246,10 +227,6 @@ LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
     std::memcpy(found->extra.data() + index, &value, sizeof(value));
   } else if (index == GWLP_WNDPROC) {
     found->procedure = reinterpret_cast<WNDPROC>(value);
-  } else if (index == GWL_STYLE) {
-    found->style = static_cast<DWORD>(value);
-  } else if (index == GWL_EXSTYLE) {
-    found->exStyle = static_cast<DWORD>(value);
   } else {
     return Refuse<LONG_PTR>(ERROR_INVALID_INDEX, 0);
   }

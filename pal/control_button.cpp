@@ -50,10 +50,6 @@ Reactions ReactButton(Window& button, UINT message, WPARAM wParam, LPARAM /*lPar
       return Push(button);
     case WM_LBUTTONUP:
       return LetGo(button);
-    case WM_KEYDOWN:
-      return wParam == VK_SPACE ? Push(button) : Reactions();
-    case WM_KEYUP:
-      return wParam == VK_SPACE ? LetGo(button) : Reactions();
     default:
       return std::nullopt;
   }

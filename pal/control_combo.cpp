@@ -1,4 +1,4 @@
-// Drop-down lists. The list itself is never seen: a choice is made with the arrow keys, or at once.
+// Drop-down lists. The list itself is never seen: a choice is made at once.
 #include <algorithm>
 
 #include "pal/desktop.h"
@@ -10,6 +10,7 @@ namespace {
 
 ComboState& StateOf(Window& combo) {
   if ((combo.style & CBS_DROPDOWNLIST) != CBS_DROPDOWNLIST) Die("a combo box that is no drop-down list");
+  if (combo.style & CBS_SORT) Die("a sorted drop-down list");
   return std::get<ComboState>(combo.control);
 }
 
@@ -17,15 +18,9 @@ ComboItem* ItemAt(ComboState& state, WPARAM index) {
   return index < state.items.size() ? &state.items[index] : nullptr;
 }
 
-LRESULT Add(const Window& combo, ComboState& state, const WCHAR* text) {
-  auto place = state.items.end();
-  if (combo.style & CBS_SORT)
-    place = std::ranges::find_if(state.items,
-                                 [&](const ComboItem& item) { return FoldCase(item.text) > FoldCase(text); });
-  const auto index = static_cast<int>(place - state.items.begin());
-  if (state.selection >= index) ++state.selection;
-  state.items.insert(place, {text, 0});
-  return index;
+LRESULT Add(ComboState& state, const WCHAR* text) {
+  state.items.push_back({text, 0});
+  return static_cast<LRESULT>(state.items.size()) - 1;
 }
 
 LRESULT Select(ComboState& state, WPARAM index) {
@@ -40,24 +35,12 @@ LRESULT SetData(ComboState& state, WPARAM index, LPARAM data) {
   return 0;
 }
 
-// The text and its length; only the length without a buffer.
+// The text and its length.
 LRESULT Text(ComboState& state, WPARAM index, WCHAR* buffer) {
   const ComboItem* item = ItemAt(state, index);
   if (!item) return CB_ERR;
-  if (buffer) *std::ranges::copy(item->text, buffer).out = 0;
+  *std::ranges::copy(item->text, buffer).out = 0;
   return static_cast<LRESULT>(item->text.size());
-}
-
-Reactions PressKey(const Window& combo, ComboState& state, WPARAM key) {
-  const int last = static_cast<int>(state.items.size()) - 1;
-  int wanted = state.selection;
-  if (key == VK_DOWN) wanted = std::min(wanted + 1, last);
-  if (key == VK_UP) wanted = std::max(wanted - 1, 0);
-  if (key == VK_HOME) wanted = 0;
-  if (key == VK_END) wanted = last;
-  if (wanted == state.selection || last < 0) return Reaction{};
-  state.selection = wanted;
-  return Reaction{0, {Command(combo, CBN_SELCHANGE)}};
 }
 
 std::u16string SelectedText(const ComboState& state) {
@@ -72,7 +55,7 @@ Reactions ReactCombo(Window& combo, UINT message, WPARAM wParam, LPARAM lParam) 
   const WCHAR* text = reinterpret_cast<const WCHAR*>(lParam);
   switch (message) {
     case CB_ADDSTRING:
-      return Reaction{Add(combo, state, text)};
+      return Reaction{Add(state, text)};
     case CB_GETCOUNT:
       return Reaction{static_cast<LRESULT>(state.items.size())};
     case CB_GETCURSEL:
@@ -81,8 +64,6 @@ Reactions ReactCombo(Window& combo, UINT message, WPARAM wParam, LPARAM lParam) 
       return Reaction{Select(state, wParam)};
     case CB_GETLBTEXT:
       return Reaction{Text(state, wParam, reinterpret_cast<WCHAR*>(lParam))};
-    case CB_GETLBTEXTLEN:
-      return Reaction{Text(state, wParam, nullptr)};
     case CB_RESETCONTENT:
       state = {};
       return Reaction{};
@@ -90,8 +71,6 @@ Reactions ReactCombo(Window& combo, UINT message, WPARAM wParam, LPARAM lParam) 
       return Reaction{ItemAt(state, wParam) ? ItemAt(state, wParam)->data : CB_ERR};
     case CB_SETITEMDATA:
       return Reaction{SetData(state, wParam, lParam)};
-    case WM_KEYDOWN:
-      return PressKey(combo, state, wParam);
     case WM_SETTEXT:  // the text is that of the selection
       return Reaction{CB_ERR};
     case WM_GETTEXT:

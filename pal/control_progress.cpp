@@ -37,10 +37,6 @@ Reactions ReactProgress(Window& progress, UINT message, WPARAM wParam, LPARAM lP
   switch (message) {
     case PBM_SETRANGE:
       return Reaction{SetRange(state, LOWORD(lParam), HIWORD(lParam))};
-    case PBM_SETPOS:
-      return Reaction{std::exchange(state.position, std::clamp(number, state.lowest, state.highest))};
-    case PBM_GETPOS:
-      return Reaction{state.position};
     case PBM_SETSTEP:
       return Reaction{std::exchange(state.step, number)};
     case PBM_STEPIT:

@@ -23,8 +23,6 @@ Reactions ReactStatic(Window& label, UINT message, WPARAM wParam, LPARAM /*lPara
   switch (message) {
     case STM_SETICON:
       return Reaction{SetPicture(label, reinterpret_cast<HICON>(wParam))};
-    case STM_GETICON:
-      return Reaction{reinterpret_cast<LRESULT>(std::get<StaticState>(label.control).icon)};
     case WM_LBUTTONDOWN:
       return Notify(label, STN_CLICKED);
     case WM_LBUTTONDBLCLK:

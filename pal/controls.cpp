@@ -34,7 +34,8 @@ ClassPointer ControlClass(std::u16string name, ATOM atom, ControlState state) {
 
 const std::vector<ClassPointer>& SystemClasses() {
   static const std::vector<ClassPointer> classes = {
-      std::make_shared<const WindowClass>(WindowClass{u"#32770", 0x8002, DefDlgProcW, DLGWINDOWEXTRA, {}}),
+      std::make_shared<const WindowClass>(
+          WindowClass{u"#32770", 0x8002, DialogProcedure, DLGWINDOWEXTRA, {}}),
       ControlClass<ReactButton>(u"Button", 0x8003, ButtonState{}),
       ControlClass<ReactStatic>(u"Static", 0x8004, StaticState{}),
       ControlClass<ReactEdit>(u"Edit", 0x8005, EditState{}),

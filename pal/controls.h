@@ -37,8 +37,6 @@ struct TrackbarState {
   int lowest = 0;
   int highest = 100;
   int position = 0;
-  int lineSize = 1;
-  int pageSize = 20;
   std::vector<int> ticks;  // beside those at the ends
 };
 struct ProgressState {

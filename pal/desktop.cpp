@@ -52,15 +52,6 @@ std::shared_ptr<const WindowClass> Desktop::FindClass(const WCHAR* name) const {
   return found == classes_.end() ? nullptr : *found;
 }
 
-void Desktop::RemoveClass(const WindowClass& windowClass) {
-  std::erase_if(classes_, [&](const auto& candidate) { return candidate->atom == windowClass.atom; });
-}
-
-bool Desktop::HasWindows(const WindowClass& windowClass) const {
-  return std::any_of(windows_.begin(), windows_.end(),
-                     [&](const auto& entry) { return entry.second.windowClass.get() == &windowClass; });
-}
-
 Window& Desktop::Add(Window window) {
   window.handle = reinterpret_cast<HWND>(lastHandle_ += 2);
   return windows_.emplace(window.handle, std::move(window)).first->second;

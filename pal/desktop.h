@@ -29,8 +29,8 @@ struct WindowClass {
 struct Window {
   HWND handle = nullptr;
   std::shared_ptr<const WindowClass> windowClass;
-  Thread* thread = nullptr;      // null for a window of another program
-  ForeignWindowHandler foreign;  // of a window of another program
+  Thread* thread = nullptr;                      // null for a window of another program
+  ForeignWindowHandler foreign;                  // of a window of another program
   std::optional<Time> hungSince = std::nullopt;  // its program looks at no messages since then
   WNDPROC procedure = nullptr;
   std::u16string title;
@@ -40,8 +40,7 @@ struct Window {
   HWND owner = nullptr;   // of a top-level window; it goes with its owner
   bool isDesktop = false;
   bool isBeingDestroyed = false;
-  RECT rect{};  // of a child window: in the client area of its parent
-  HINSTANCE instance = nullptr;
+  RECT rect{};      // of a child window: in the client area of its parent
   LONG_PTR id = 0;  // of a child window
   LONG_PTR userData = 0;
   std::vector<uint8_t> extra;  // cbWndExtra bytes
@@ -61,8 +60,6 @@ class Desktop {
   const WindowClass* AddClass(WindowClass windowClass);
   // By name or by MAKEINTATOM; null when there is none.
   [[nodiscard]] std::shared_ptr<const WindowClass> FindClass(const WCHAR* name) const;
-  void RemoveClass(const WindowClass& windowClass);
-  [[nodiscard]] bool HasWindows(const WindowClass& windowClass) const;
 
   Window& Add(Window window);  // gives it its handle
   [[nodiscard]] Window* Find(HWND handle);

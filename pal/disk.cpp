@@ -56,9 +56,8 @@ bool Agree(const Opening& a, const Opening& b) {
 
 int HostFlags(DWORD access) {
   const bool reads = (access & GENERIC_READ) != 0;
-  const bool appends = (access & FILE_APPEND_DATA) != 0 && (access & GENERIC_WRITE) == 0;
-  const bool writes = (access & GENERIC_WRITE) != 0 || appends;
-  return O_CLOEXEC | (writes ? (reads ? O_RDWR : O_WRONLY) : O_RDONLY) | (appends ? O_APPEND : 0);
+  const bool writes = (access & GENERIC_WRITE) != 0;
+  return O_CLOEXEC | (writes ? (reads ? O_RDWR : O_WRONLY) : O_RDONLY);
 }
 
 }  // namespace
@@ -66,11 +65,6 @@ int HostFlags(DWORD access) {
 DWORD DiskPath::ErrorIfMissing() const {
   if (error != ERROR_SUCCESS) return error;
   return exists ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
-}
-
-DWORD DiskPath::Attributes() const {
-  if (isDirectory) return FILE_ATTRIBUTE_DIRECTORY;
-  return FILE_ATTRIBUTE_ARCHIVE | (isReadOnly ? FILE_ATTRIBUTE_READONLY : 0);
 }
 
 Opening::~Opening() {
@@ -117,7 +111,7 @@ std::shared_ptr<Opening> Disk::Open(const fs::path& host, DWORD access, DWORD sh
   opening->device = status.st_dev;
   opening->file = status.st_ino;
   opening->reads = (access & GENERIC_READ) != 0;
-  opening->writes = (access & (GENERIC_WRITE | FILE_APPEND_DATA)) != 0;
+  opening->writes = (access & GENERIC_WRITE) != 0;
   opening->share = share;
   std::erase_if(openings_, [](const std::weak_ptr<Opening>& closed) { return closed.expired(); });
   for (const std::weak_ptr<Opening>& weak : openings_) {
@@ -134,8 +128,7 @@ bool Disk::MayDelete(const fs::path& host) const {
   if (stat(host.c_str(), &status) != 0) return true;
   return std::ranges::none_of(openings_, [&](const std::weak_ptr<Opening>& weak) {
     const std::shared_ptr<Opening> opening = weak.lock();
-    return opening && opening->device == status.st_dev && opening->file == status.st_ino &&
-           (opening->share & FILE_SHARE_DELETE) == 0;
+    return opening && opening->device == status.st_dev && opening->file == status.st_ino;
   });
 }
 

@@ -25,7 +25,6 @@ struct DiskPath {
   bool isReadOnly = false;
 
   [[nodiscard]] bool IsFile() const { return exists && !isDirectory; }
-  [[nodiscard]] DWORD Attributes() const;  // FILE_ATTRIBUTE_...
   // The error of a call that needs the file or directory: the path's own, or that nothing is there.
   [[nodiscard]] DWORD ErrorIfMissing() const;
 };

@@ -12,11 +12,9 @@
 namespace pal {
 namespace {
 
-constexpr DWORD kKnownAccess = GENERIC_READ | GENERIC_WRITE | FILE_APPEND_DATA;
-constexpr DWORD kKnownShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-constexpr DWORD kKnownFlags = FILE_ATTRIBUTE_NORMAL | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY |
-                              FILE_FLAG_WRITE_THROUGH | FILE_FLAG_SEQUENTIAL_SCAN;
-constexpr DWORD kWriteAccess = GENERIC_WRITE | FILE_APPEND_DATA;
+constexpr DWORD kKnownAccess = GENERIC_READ | GENERIC_WRITE;
+constexpr DWORD kKnownShare = FILE_SHARE_READ | FILE_SHARE_WRITE;
+constexpr DWORD kKnownFlags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN;
 
 struct Request {
   DWORD access;
@@ -24,33 +22,26 @@ struct Request {
   DWORD disposition;
   DWORD flags;
 
-  [[nodiscard]] bool Empties() const {
-    return disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING;
-  }
-  [[nodiscard]] bool Makes() const {
-    return disposition == CREATE_ALWAYS || disposition == CREATE_NEW || disposition == OPEN_ALWAYS;
-  }
+  [[nodiscard]] bool Empties() const { return disposition == CREATE_ALWAYS; }
+  [[nodiscard]] bool Makes() const { return disposition != OPEN_EXISTING; }
 };
 
 void CheckIsKnown(const Request& request) {
   if ((request.access & ~kKnownAccess) != 0) Die("CreateFileW: unknown access to a file");
   if ((request.share & ~kKnownShare) != 0) Die("CreateFileW: unknown share mode");
   if ((request.flags & ~kKnownFlags) != 0) Die("CreateFileW: unknown flags or attributes of a file");
+  if (request.disposition < CREATE_ALWAYS || request.disposition > OPEN_ALWAYS)
+    Die("CreateFileW: unknown disposition");
 }
 
 // Why the file or directory that is there cannot be opened, shares apart.
 DWORD ErrorOfExisting(const DiskPath& path, const Request& request) {
-  if (request.disposition == CREATE_NEW) return ERROR_FILE_EXISTS;
   if (path.isDirectory) return ERROR_ACCESS_DENIED;
-  const bool writes = request.Empties() || (request.access & kWriteAccess) != 0;
+  const bool writes = request.Empties() || (request.access & GENERIC_WRITE) != 0;
   return path.isReadOnly && writes ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
 DWORD ErrorOf(const DiskPath& path, const Request& request) {
-  if (request.disposition < CREATE_NEW || request.disposition > TRUNCATE_EXISTING)
-    return ERROR_INVALID_PARAMETER;
-  if (request.disposition == TRUNCATE_EXISTING && (request.access & GENERIC_WRITE) == 0)
-    return ERROR_INVALID_PARAMETER;
   if (path.error != ERROR_SUCCESS) return path.error;
   if (path.exists) return ErrorOfExisting(path, request);
   return request.Makes() ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
@@ -70,11 +61,7 @@ HANDLE Open(State& state, const DiskPath& path, const Request& request) {
   auto opening = disk.Open(path.host, request.access, request.share);
   if (!opening) return Refuse(ERROR_SHARING_VIOLATION, INVALID_HANDLE_VALUE);
   if (request.Empties()) std::filesystem::resize_file(path.host, 0);
-  if (request.Makes() && (request.flags & FILE_ATTRIBUTE_READONLY) != 0 &&
-      (request.Empties() || !path.exists))
-    SetHostReadOnly(path.host, true);
-  const bool openedAnyway =
-      path.exists && (request.disposition == CREATE_ALWAYS || request.disposition == OPEN_ALWAYS);
+  const bool openedAnyway = path.exists && request.Makes();
   const HANDLE handle = state.handles.Add(std::make_shared<DiskFile>(std::move(opening), path.windows));
   return Refuse(openedAnyway ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS, handle);
 }
@@ -108,9 +95,9 @@ DWORD DiskFile::Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, DW
 HANDLE OpenDiskFile(State& state, const WCHAR* name, DWORD access, DWORD shareMode, DWORD disposition,
                     DWORD flagsAndAttributes) {
   const Request request = {access, shareMode, disposition, flagsAndAttributes};
+  CheckIsKnown(request);
   const DiskPath path = state.data->disk.Locate(name);
   if (const DWORD error = ErrorOf(path, request)) return Refuse(error, INVALID_HANDLE_VALUE);
-  CheckIsKnown(request);
   return Open(state, path, request);
 }
 

@@ -75,30 +75,4 @@ std::u16string JoinPath(const PathParts& parts) {
   return path;
 }
 
-bool MatchesPattern(std::u16string_view name, std::u16string_view pattern) {
-  if (pattern == u"*.*") return true;  // names without a dot, too
-  const std::u16string foldedName = FoldCase(name);
-  const std::u16string foldedPattern = FoldCase(pattern);
-  size_t at = 0;
-  size_t wanted = 0;
-  size_t star = pattern.npos;  // the last star met, and the place in the name up to which it stands
-  size_t starEnd = 0;
-  while (at < foldedName.size()) {
-    if (wanted < foldedPattern.size() && foldedPattern[wanted] == u'*') {
-      star = wanted++;
-      starEnd = at;
-    } else if (wanted < foldedPattern.size() &&
-               (foldedPattern[wanted] == u'?' || foldedPattern[wanted] == foldedName[at])) {
-      ++wanted;
-      ++at;
-    } else if (star != pattern.npos) {
-      wanted = star + 1;
-      at = ++starEnd;
-    } else {
-      return false;
-    }
-  }
-  return foldedPattern.find_first_not_of(u'*', wanted) == foldedPattern.npos;
-}
-
 }  // namespace pal

@@ -21,7 +21,4 @@ PathParts TakePathApart(std::u16string_view path, std::u16string_view directory)
 // "C:\a\b"; a drive alone is "C:\".
 std::u16string JoinPath(const PathParts& parts);
 
-// Whether a name matches a pattern with "*" and "?", as FindFirstFileW understands them.
-bool MatchesPattern(std::u16string_view name, std::u16string_view pattern);
-
 }  // namespace pal

@@ -12,10 +12,6 @@ DWORD Object::Write(std::span<const uint8_t> /*bytes*/, OVERLAPPED* /*overlapped
   return ERROR_INVALID_HANDLE;
 }
 
-DWORD Object::Cancel(OVERLAPPED* /*overlapped*/) {
-  return ERROR_NOT_FOUND;
-}
-
 HANDLE HandleTable::Add(std::shared_ptr<Object> object) {
   const auto handle = reinterpret_cast<HANDLE>(last_ += 4);
   objects_.emplace(handle, std::move(object));

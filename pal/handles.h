@@ -11,8 +11,6 @@
 
 namespace pal {
 
-struct Thread;
-
 // Anything that the program reaches through a HANDLE and closes with CloseHandle. All calls hold the
 // machine's lock.
 class Object {
@@ -27,16 +25,13 @@ class Object {
   // The handle was closed. Threads that use the object at this moment keep it alive a little longer.
   virtual void OnClose() {}
 
-  // WaitForSingleObject: whether `waiter` could go on now, and what its going on changes.
+  // WaitForSingleObject: whether the waiter could go on now.
   [[nodiscard]] virtual bool IsWaitable() const { return false; }
-  [[nodiscard]] virtual bool IsSignaled(const Thread* /*waiter*/) const { return false; }
-  virtual void Acquire(const Thread* /*waiter*/) {}
+  [[nodiscard]] virtual bool IsSignaled() const { return false; }
 
   // ReadFile and WriteFile. They return 0, ERROR_IO_PENDING or the error; `transferred` counts bytes.
   virtual DWORD Read(std::span<uint8_t> buffer, OVERLAPPED* overlapped, DWORD& transferred);
   virtual DWORD Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, DWORD& transferred);
-  // CancelIoEx; a null pointer means all transfers that are under way.
-  virtual DWORD Cancel(OVERLAPPED* overlapped);
 };
 
 class HandleTable {

@@ -262,7 +262,7 @@ void Machine::SetHung(HWND window, bool hung) {
 
 void Machine::AddForeignMutex(std::u16string_view name) {
   const MachineLock lock(state_->mutex);
-  auto mutex = std::make_shared<Mutex>(Mutex{std::u16string(name), nullptr, 1});
+  auto mutex = std::make_shared<Mutex>(Mutex{std::u16string(name)});
   state_->namedMutexes.push_back(mutex);
   state_->foreignMutexes.push_back(std::move(mutex));
 }

@@ -29,9 +29,7 @@ struct Menu {
 // A popup menu that waits for the person.
 struct OpenPopup {
   HMENU menu = nullptr;
-  std::optional<UINT> choice;    // 0: closed without one
-  std::vector<size_t> selected;  // by keys, in each menu that is open
-  std::vector<HMENU> path;       // the menus that keys have opened, innermost last
+  std::optional<UINT> choice;  // 0: closed without one
 };
 
 class Menus {

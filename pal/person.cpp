@@ -14,7 +14,7 @@ Window* FindFrontDialog(State& state) {
   for (const HWND handle : state.desktop.TopLevel()) {
     Window* window = state.desktop.Find(handle);
     const bool isUsable = (window->style & (WS_VISIBLE | WS_DISABLED)) == WS_VISIBLE;
-    if (window->procedure == DefDlgProcW && isUsable) return window;
+    if (window->procedure == DialogProcedure && isUsable) return window;
   }
   return nullptr;
 }
@@ -104,17 +104,14 @@ void Tell(HWND control, UINT message, WORD low, WORD high) {
 }
 
 void ChooseIn(HWND list, int id, std::u16string_view text) {
-  const auto count = static_cast<WPARAM>(SendMessageW(list, CB_GETCOUNT, 0, 0));
-  for (WPARAM index = 0; index < count; ++index) {
-    const auto length = static_cast<size_t>(SendMessageW(list, CB_GETLBTEXTLEN, index, 0));
-    std::u16string item(length, u'\0');
-    SendMessageW(list, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(item.data()));
-    if (item != text) continue;
-    SendMessageW(list, CB_SETCURSEL, index, 0);
-    Tell(list, WM_COMMAND, static_cast<WORD>(id), CBN_SELCHANGE);
-    return;
+  {
+    const Call call;
+    auto& state = std::get<ComboState>(call->desktop.Find(list)->control);
+    const auto entry = std::ranges::find(state.items, text, &ComboItem::text);
+    if (entry == state.items.end()) Die(Name(id).append(" has no entry ").append(ToUtf8(text)));
+    state.selection = static_cast<int>(entry - state.items.begin());
   }
-  Die(Name(id).append(" has no entry ").append(ToUtf8(text)));
+  Tell(list, WM_COMMAND, static_cast<WORD>(id), CBN_SELCHANGE);
 }
 
 void DragTo(HWND trackbar, int position) {

@@ -69,7 +69,6 @@ std::shared_ptr<Thread> Scheduler::Start(std::function<DWORD()> body, bool isMai
     ending_ = false;
   }
   auto thread = std::make_shared<Thread>();
-  thread->id = lastThreadId_ += 4;
   thread->isMain = isMain;
   thread->body = std::move(body);
   thread->condition = &kAlways;

@@ -29,12 +29,11 @@ namespace pal {
 
 // A thread of the program.
 struct Thread {
-  DWORD id = 0;
   bool isMain = false;
   std::thread host;
   std::function<DWORD()> body;
   bool ended = false;
-  DWORD exitCode = STILL_ACTIVE;
+  DWORD exitCode = 0;
   MessageQueue queue;
 
   // What it waits for, while it waits. The condition is asked by others and must change nothing.
@@ -119,7 +118,6 @@ class Scheduler {
   std::multimap<Time, std::function<void()>> events_;  // those of one time in the order of their arming
   std::vector<std::shared_ptr<Thread>> threads_;       // in the order of their start
   std::shared_ptr<Thread> main_;
-  DWORD lastThreadId_ = 1000;
   bool ending_ = false;
   std::chrono::steady_clock::time_point endBy_;  // ending: when patience with the program is over
 

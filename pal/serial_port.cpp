@@ -81,14 +81,8 @@ void PortHandle::DeviceGone() {
 // The driver ends a wait at the moment of the event, even when the waiting thread comes to run later.
 void PortHandle::EndWait(Outcome outcome) {
   if (!wait_ || wait_->outcome) return;
-  if (!wait_->overlapped) {
-    wait_->outcome = outcome;
-    port_.state_.scheduler.Notify();
-    return;
-  }
-  const CommWait wait = *std::exchange(wait_, std::nullopt);
-  if (wait.events) *wait.events = outcome.events;
-  CompleteOverlapped(port_.state_, *wait.overlapped, outcome.error, sizeof(DWORD));
+  wait_->outcome = outcome;
+  port_.state_.scheduler.Notify();
 }
 
 void PortHandle::Raise(DWORD events) {
@@ -101,7 +95,8 @@ void PortHandle::Raise(DWORD events) {
   }
 }
 
-// What waits in the host is fetched when the queue is empty: on the road of a press a call of the host less counts.
+// What waits in the host is fetched when the queue is empty: on the road of a press a call of the host less
+// counts.
 void PortHandle::FetchFromTty() {
   if (!tty_ || deviceGone_ || !port_.input_.empty()) return;
   std::vector<uint8_t> bytes;
@@ -149,37 +144,20 @@ DWORD PortHandle::Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, 
   return error;
 }
 
-// Reads and writes end at once here; only the wait for an event can be under way.
-DWORD PortHandle::Cancel(OVERLAPPED* overlapped) {
-  if (!wait_ || !wait_->overlapped || (overlapped && wait_->overlapped != overlapped)) return ERROR_NOT_FOUND;
-  EndWait({ERROR_OPERATION_ABORTED, 0});
-  return ERROR_SUCCESS;
-}
-
 DWORD PortHandle::SetMask(DWORD events) {
   if (const DWORD refusal = Refusal()) return refusal;
-  if (events & ~(EV_RXCHAR | EV_TXEMPTY | EV_BREAK | EV_ERR | EV_RING))
-    Die("SetCommMask with an unknown event");
+  if (events & ~EV_RXCHAR) Die("SetCommMask with an unknown event");
   EndWait({ERROR_SUCCESS, 0});
   mask_ = events;
   raised_ &= events;
   return ERROR_SUCCESS;
 }
 
-DWORD PortHandle::GetMask(DWORD& events) const {
-  events = mask_;
-  return Refusal();
-}
-
-DWORD PortHandle::WaitEvent(DWORD* events, OVERLAPPED* overlapped) {
+DWORD PortHandle::WaitEvent(DWORD* events) {
   if (const DWORD refusal = Refusal()) return refusal;
   if (mask_ == 0 || wait_) return ERROR_INVALID_PARAMETER;
-  if (overlapped && tty_) Die("an overlapped WaitCommEvent on a tty of the host");
-  if (overlapped) BeginOverlapped(port_.state_, *overlapped);
-  wait_ = CommWait{events, overlapped, std::nullopt};
+  wait_.emplace();
   if (raised_ != 0) EndWait({ERROR_SUCCESS, std::exchange(raised_, 0)});
-  if (overlapped) return wait_ ? ERROR_IO_PENDING : ERROR_SUCCESS;
-
   const std::function<bool()> isOver = [this] { return wait_->outcome.has_value(); };
   for (;;) {
     FetchFromTty();

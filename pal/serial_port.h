@@ -30,13 +30,10 @@ class PortHandle final : public Object {
   void OnClose() override;
   DWORD Read(std::span<uint8_t> buffer, OVERLAPPED* overlapped, DWORD& transferred) override;
   DWORD Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, DWORD& transferred) override;
-  DWORD Cancel(OVERLAPPED* overlapped) override;
 
-  // The comm functions; they return 0, ERROR_IO_PENDING or the error.
+  // The comm functions; they return 0 or the error.
   DWORD SetMask(DWORD events);
-  DWORD GetMask(DWORD& events) const;
-  // Without `overlapped` it returns when the wait is over.
-  DWORD WaitEvent(DWORD* events, OVERLAPPED* overlapped);
+  DWORD WaitEvent(DWORD* events);  // returns when the wait is over
   DWORD TakeErrors(DWORD& errors, COMSTAT* status);
   DWORD Purge(DWORD flags);
   DWORD SetSettings(const DCB& dcb);
@@ -55,8 +52,6 @@ class PortHandle final : public Object {
     DWORD events = 0;
   };
   struct CommWait {
-    DWORD* events = nullptr;
-    OVERLAPPED* overlapped = nullptr;  // null: the caller waits
     std::optional<Outcome> outcome;
   };
 

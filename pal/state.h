@@ -79,7 +79,7 @@ struct State {
   POINT cursor = {512, 384};
   HWND foreground = nullptr;
   uint32_t lastGuid = 0;
-  Time executedProgramTime{0};  // how long a program runs that the shell started
+  Time executedProgramTime{0};   // how long a program runs that the shell started
   UINT_PTR lastFreeTimerId = 0;  // of timers without a window
 };
 
@@ -90,6 +90,9 @@ inline HINSTANCE ProgramInstance() {
 
 // The state of the current machine; dies when there is none.
 State& CurrentState();
+
+// Of the calling thread.
+void SetLastError(DWORD error);
 
 // One call of the API.
 class Call {

@@ -11,15 +11,9 @@ namespace pal {
 
 // How long Windows has been running when the machine is made.
 inline constexpr Time kUptimeAtStart = std::chrono::minutes(2);
-// Of QueryPerformanceCounter.
-inline constexpr int64_t kPerformanceTicksPerMicrosecond = 10;
 
-inline uint64_t TickCount64(Time now) {
-  return static_cast<uint64_t>(
-      std::chrono::duration_cast<std::chrono::milliseconds>(now + kUptimeAtStart).count());
-}
 inline DWORD TickCount(Time now) {
-  return static_cast<DWORD>(TickCount64(now));
+  return static_cast<DWORD>((now + kUptimeAtStart) / std::chrono::milliseconds(1));
 }
 
 // The time that a wait of so many milliseconds ends; empty for INFINITE.

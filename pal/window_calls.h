@@ -36,6 +36,13 @@ DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lPar
 LRESULT SendToForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam);
 void NotifyForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam);
 
+// The procedure of dialogs, which asks that of the program first.
+LRESULT CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+// Tab, Escape and Enter for a dialog or something in it; false: it was another message. Without the lock.
+bool PressDialogKey(HWND dialog, const MSG& message);
+// The control that the keyboard reaches next, in the order of the template.
+HWND NextTabItem(HWND dialog, HWND control, bool previous);
+
 // Destroys a window of the calling thread with all that hangs on it.
 void DestroyTree(State& state, HWND window);
 

@@ -6,6 +6,7 @@
 
 #include "base/handles.h"
 #include "system/folders.h"
+#include "system/registry.h"
 
 namespace veltra {
 namespace {
@@ -26,15 +27,9 @@ constexpr PowerFlag kPowerFlags[] = {
 };
 
 bool IsOn(const PowerFlag& flag) {
-  HKEY opened = nullptr;
-  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, flag.key, 0, KEY_READ, &opened) != ERROR_SUCCESS) return false;
-  const UniqueRegistryKey key(opened);
-  DWORD type = 0;
-  DWORD number = 0;
-  DWORD size = sizeof(number);
-  return RegQueryValueExW(key.Get(), flag.value, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size) ==
-             ERROR_SUCCESS &&
-         type == REG_DWORD && number == 1;
+  const UniqueRegistryKey key = OpenRegistryKey(HKEY_LOCAL_MACHINE, flag.key);
+  const auto number = key ? ReadRegistryNumber(key, flag.value) : std::nullopt;
+  return number && number->type == REG_DWORD && number->value == 1;
 }
 
 }  // namespace

@@ -24,12 +24,6 @@ enum class ActionType : int32_t {
   None = 10,
 };
 
-// The types whose parameter is a text.
-constexpr bool HasTextParameter(ActionType type) {
-  return type == ActionType::SendMacro || type == ActionType::PlayWaveFile ||
-         type == ActionType::StartProgram || type == ActionType::TalkBuilderCell;
-}
-
 constexpr size_t kLongestButtonText = 1023;  // characters that a record is meant to hold
 constexpr size_t kLongestStoredText = 1022;  // characters that are read back from a profile
 

@@ -1,9 +1,19 @@
 #include "switches/joystick.h"
 
 #include "switches/switch_state.h"
+#include "system/library_binding.h"
 
 namespace veltra {
 namespace {
+
+JoystickLibrary LoadJoystickLibrary() {
+  JoystickLibrary library;
+  Bind(library.module, TEXT("vJoyInterface.dll"), Export{"vJoyEnabled", library.vJoyEnabled},
+       Export{"DriverMatch", library.DriverMatch}, Export{"GetVJDStatus", library.GetVJDStatus},
+       Export{"AcquireVJD", library.AcquireVJD}, Export{"RelinquishVJD", library.RelinquishVJD},
+       Export{"ResetVJD", library.ResetVJD}, Export{"SetBtn", library.SetBtn});
+  return library;
+}
 
 // VjdStat of the driver's library.
 constexpr int kOwnedByThisProgram = 0;

@@ -7,10 +7,18 @@
 #include "switches/switch_state.h"
 #include "system/folders.h"
 #include "system/language.h"
+#include "system/library_binding.h"
 #include "system/system_state.h"
 
 namespace veltra {
 namespace {
+
+MacroLibrary LoadMacroLibraryFile(const WideText& fileName) {
+  MacroLibrary library;
+  Bind(library.module, fileName.c_str(), Export{"RunMacro", library.RunMacro},
+       Export{"ComposeMacro", library.ComposeMacro}, Export{"FreeMacroDll", library.FreeMacroDll});
+  return library;
+}
 
 constexpr const WCHAR* kEnglishLibrary = TEXT("macm_english.dll");
 constexpr const WCHAR* kCustomMacros = TEXT("custom.mcr");

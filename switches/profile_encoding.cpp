@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "base/handles.h"
+#include "base/whole_file.h"
 
 namespace veltra {
 namespace {
@@ -14,27 +14,6 @@ constexpr WideChar kByteOrderMark = 0xFEFF;
 
 bool IsUtf16(const std::string& bytes) {
   return bytes.starts_with("\xFF\xFE");
-}
-
-std::optional<std::string> ReadWhole(const WideText& path) {
-  const UniqueFile file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file) return std::nullopt;
-  LARGE_INTEGER size = {};
-  if (!GetFileSizeEx(file.Get(), &size)) return std::nullopt;
-  std::string bytes(static_cast<size_t>(size.QuadPart), '\0');
-  DWORD count = 0;
-  const auto wanted = static_cast<DWORD>(bytes.size());
-  if (!ReadFile(file.Get(), bytes.data(), wanted, &count, nullptr) || count != wanted) return std::nullopt;
-  return bytes;
-}
-
-bool WriteWhole(const WideText& path, WideView text) {
-  const UniqueFile file(
-      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  DWORD count = 0;
-  const auto size = static_cast<DWORD>(text.size() * sizeof(WideChar));
-  return file && WriteFile(file.Get(), text.data(), size, &count, nullptr) && count == size;
 }
 
 WideText Decode(const std::string& bytes) {
@@ -59,14 +38,16 @@ bool FitsCodePage(WideView text) {
 bool MakeProfileUtf16(const WideText& path) {
   std::string bytes;
   if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-    const std::optional<std::string> content = ReadWhole(path);
+    const std::optional<std::string> content = ReadWholeFile(path);
     if (!content) return false;
     bytes = *content;
   }
   if (IsUtf16(bytes)) return true;
   // A new file takes the place of the old one at once: whatever happens, one of them is there.
   const WideText fresh = path + TEXT(".new");
-  if (WriteWhole(fresh, kByteOrderMark + Decode(bytes)) &&
+  const WideText text = kByteOrderMark + Decode(bytes);
+  const auto* units = reinterpret_cast<const uint8_t*>(text.data());
+  if (WriteWholeFile(fresh, {units, text.size() * sizeof(WideChar)}) &&
       MoveFileExW(fresh.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING))
     return true;
   DeleteFileW(fresh.c_str());

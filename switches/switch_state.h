@@ -11,9 +11,9 @@
 
 #include "base/record.h"
 #include "switches/button_action.h"
-#include "switches/joystick_library.h"
-#include "switches/macro_library.h"
-#include "switches/mouse_filter_library.h"
+#include "switches/joystick.h"
+#include "switches/macro_plugin.h"
+#include "switches/mouse_filter.h"
 
 namespace veltra {
 

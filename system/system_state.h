@@ -10,7 +10,7 @@
 #include "base/text.h"
 #include "system/diagnostic_log.h"
 #include "system/folders.h"
-#include "system/tray_state.h"
+#include "system/tray_icons.h"
 
 namespace veltra {
 

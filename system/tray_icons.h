@@ -5,10 +5,23 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <map>
 
+#include "base/handles.h"
 #include "base/text.h"
 
 namespace veltra {
+
+// What the notification area was told last.
+struct TrayState {
+  static constexpr int32_t kNoIcon = -1;
+
+  WideText LastTooltip;  // of icon A
+  int32_t LastIconId = kNoIcon;
+  bool powerIconStands = false;
+  bool toolIconStands = false;
+  std::map<int32_t, UniqueIcon> icons;  // pictures by resource id
+};
 
 constexpr UINT kPowerIconId = 1977;
 constexpr UINT kToolIconId = 1978;

@@ -118,7 +118,9 @@ struct LineUse {
 };
 
 std::vector<uint8_t> MessageOf(MessageType type, std::span<const uint8_t> content) {
-  std::vector<uint8_t> message = {static_cast<uint8_t>(type)};
+  std::vector<uint8_t> message;
+  message.reserve(content.size() + 1);
+  message.push_back(static_cast<uint8_t>(type));
   message.insert(message.end(), content.begin(), content.end());
   return message;
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/ansi_text.h"
+
 namespace probe {
 namespace {
 
@@ -9,46 +11,6 @@ using veltra::WideChar;
 using veltra::Widen;
 using veltra::WideText;
 using veltra::WideView;
-
-// ---- UTF-8 --------------------------------------------------------------------------------------------------
-
-constexpr uint32_t kReplacement = 0xFFFD;
-
-bool IsFirstHalf(uint32_t unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-bool IsSecondHalf(uint32_t unit) {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
-// Takes one character off the front.
-uint32_t TakeCharacter(WideView& text) {
-  const uint32_t unit = static_cast<uint16_t>(text.front());
-  text.remove_prefix(1);
-  if (!IsFirstHalf(unit)) return IsSecondHalf(unit) ? kReplacement : unit;
-  if (text.empty() || !IsSecondHalf(static_cast<uint16_t>(text.front()))) return kReplacement;
-  const uint32_t second = static_cast<uint16_t>(text.front());
-  text.remove_prefix(1);
-  return 0x10000 + ((unit - 0xD800) << 10) + (second - 0xDC00);
-}
-
-uint32_t Printable(uint32_t character) {
-  const bool isControl = character < 0x20 || (character >= 0x7F && character <= 0x9F);
-  return isControl && character != '\n' ? ' ' : character;
-}
-
-void AppendUtf8(std::string& result, uint32_t character) {
-  const auto tail = [&](int shift) { return static_cast<char>(0x80 | ((character >> shift) & 0x3F)); };
-  if (character < 0x80) {
-    result += static_cast<char>(character);
-  } else if (character < 0x800) {
-    result += {static_cast<char>(0xC0 | (character >> 6)), tail(0)};
-  } else if (character < 0x10000) {
-    result += {static_cast<char>(0xE0 | (character >> 12)), tail(6), tail(0)};
-  } else {
-    result += {static_cast<char>(0xF0 | (character >> 18)), tail(12), tail(6), tail(0)};
-  }
-}
 
 // ---- the document -------------------------------------------------------------------------------------------
 
@@ -97,9 +59,10 @@ bool TakeItem(WideView& text, ReportItem& item) {
 }  // namespace
 
 std::string Utf8(WideView text) {
-  std::string result;
-  while (!text.empty()) AppendUtf8(result, Printable(TakeCharacter(text)));
-  return result;
+  WideText printable(text);
+  for (WideChar& c : printable)
+    if ((c < 0x20 && c != '\n') || (c >= 0x7F && c <= 0x9F)) c = ' ';
+  return veltra::ConvertToUtf8(printable);
 }
 
 std::optional<std::vector<ReportItem>> ReadReport(WideView document) {

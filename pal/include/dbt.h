@@ -3,21 +3,16 @@
 
 #include "windef.h"
 
-#define DBT_DEVNODES_CHANGED 0x0007
 #define DBT_DEVICEARRIVAL 0x8000
 #define DBT_DEVICEREMOVECOMPLETE 0x8004
 
-#define DBT_DEVTYP_OEM 0x00000000
-#define DBT_DEVTYP_VOLUME 0x00000002
 #define DBT_DEVTYP_PORT 0x00000003
-#define DBT_DEVTYP_DEVICEINTERFACE 0x00000005
 
 struct DEV_BROADCAST_HDR {
   DWORD dbch_size;
   DWORD dbch_devicetype;
   DWORD dbch_reserved;
 };
-using PDEV_BROADCAST_HDR = DEV_BROADCAST_HDR*;
 
 // The name runs on behind the structure; dbcp_size counts it.
 struct DEV_BROADCAST_PORT_W {
@@ -26,4 +21,3 @@ struct DEV_BROADCAST_PORT_W {
   DWORD dbcp_reserved;
   WCHAR dbcp_name[1];
 };
-using PDEV_BROADCAST_PORT_W = DEV_BROADCAST_PORT_W*;

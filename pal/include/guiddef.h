@@ -13,7 +13,6 @@ struct GUID {
 };
 using IID = GUID;
 using CLSID = GUID;
-using REFGUID = const GUID&;
 using REFIID = const IID&;
 using REFCLSID = const CLSID&;
 using LPCGUID = const GUID*;

@@ -6,7 +6,6 @@
 // ---- errors and handles -------------------------------------------------------------------------------------
 
 DWORD WINAPI GetLastError();
-void WINAPI SetLastError(DWORD error);
 BOOL WINAPI CloseHandle(HANDLE handle);
 void WINAPI OutputDebugStringW(LPCWSTR text);
 
@@ -44,54 +43,33 @@ using LPWIN32_FIND_DATAW = WIN32_FIND_DATAW*;
 
 #define GENERIC_READ 0x80000000u
 #define GENERIC_WRITE 0x40000000u
-#define FILE_APPEND_DATA 0x0004u
 #define FILE_SHARE_READ 0x00000001u
 #define FILE_SHARE_WRITE 0x00000002u
-#define FILE_SHARE_DELETE 0x00000004u
-#define CREATE_NEW 1
 #define CREATE_ALWAYS 2
 #define OPEN_EXISTING 3
 #define OPEN_ALWAYS 4
-#define TRUNCATE_EXISTING 5
-#define FILE_ATTRIBUTE_READONLY 0x00000001u
-#define FILE_ATTRIBUTE_HIDDEN 0x00000002u
-#define FILE_ATTRIBUTE_SYSTEM 0x00000004u
 #define FILE_ATTRIBUTE_DIRECTORY 0x00000010u
-#define FILE_ATTRIBUTE_ARCHIVE 0x00000020u
 #define FILE_ATTRIBUTE_NORMAL 0x00000080u
 #define INVALID_FILE_ATTRIBUTES 0xFFFFFFFFu
 #define FILE_FLAG_OVERLAPPED 0x40000000u
-#define FILE_FLAG_WRITE_THROUGH 0x80000000u
 #define FILE_FLAG_SEQUENTIAL_SCAN 0x08000000u
-#define FILE_BEGIN 0
-#define FILE_CURRENT 1
 #define FILE_END 2
-#define INVALID_FILE_SIZE 0xFFFFFFFFu
-#define INVALID_SET_FILE_POINTER 0xFFFFFFFFu
 #define MOVEFILE_REPLACE_EXISTING 0x00000001u
-#define MOVEFILE_COPY_ALLOWED 0x00000002u
-#define MOVEFILE_WRITE_THROUGH 0x00000008u
 
 HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES security,
                           DWORD disposition, DWORD flagsAndAttributes, HANDLE templateFile);
 BOOL WINAPI ReadFile(HANDLE file, LPVOID buffer, DWORD count, LPDWORD transferred, LPOVERLAPPED overlapped);
 BOOL WINAPI WriteFile(HANDLE file, LPCVOID buffer, DWORD count, LPDWORD transferred, LPOVERLAPPED overlapped);
 BOOL WINAPI GetOverlappedResult(HANDLE file, LPOVERLAPPED overlapped, LPDWORD transferred, BOOL wait);
-BOOL WINAPI CancelIoEx(HANDLE file, LPOVERLAPPED overlapped);
 BOOL WINAPI GetFileSizeEx(HANDLE file, PLARGE_INTEGER size);
 BOOL WINAPI SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER position, DWORD method);
-BOOL WINAPI SetEndOfFile(HANDLE file);
-BOOL WINAPI FlushFileBuffers(HANDLE file);
 BOOL WINAPI CopyFileW(LPCWSTR from, LPCWSTR to, BOOL failIfExists);
 BOOL WINAPI MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags);
 BOOL WINAPI DeleteFileW(LPCWSTR name);
 BOOL WINAPI CreateDirectoryW(LPCWSTR name, LPSECURITY_ATTRIBUTES security);
-BOOL WINAPI RemoveDirectoryW(LPCWSTR name);
 DWORD WINAPI GetFileAttributesW(LPCWSTR name);
-BOOL WINAPI SetFileAttributesW(LPCWSTR name, DWORD attributes);
 DWORD WINAPI GetTempPathW(DWORD length, LPWSTR buffer);
 HANDLE WINAPI FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW found);
-BOOL WINAPI FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW found);
 BOOL WINAPI FindClose(HANDLE search);
 
 // ---- private-profile files ----------------------------------------------------------------------------------
@@ -159,26 +137,12 @@ struct COMSTAT {
 };
 using LPCOMSTAT = COMSTAT*;
 
-#define CBR_57600 57600
 #define NOPARITY 0
 #define ONESTOPBIT 0
-#define ONE5STOPBITS 1
-#define TWOSTOPBITS 2
-#define RTS_CONTROL_DISABLE 0
 #define RTS_CONTROL_ENABLE 1
 #define RTS_CONTROL_HANDSHAKE 2
-#define DTR_CONTROL_DISABLE 0
 #define DTR_CONTROL_ENABLE 1
 #define EV_RXCHAR 0x0001u
-#define EV_TXEMPTY 0x0004u
-#define EV_BREAK 0x0040u
-#define EV_ERR 0x0080u
-#define EV_RING 0x0100u
-#define CE_RXOVER 0x0001u
-#define CE_OVERRUN 0x0002u
-#define CE_RXPARITY 0x0004u
-#define CE_FRAME 0x0008u
-#define CE_BREAK 0x0010u
 #define PURGE_TXABORT 0x0001u
 #define PURGE_RXABORT 0x0002u
 #define PURGE_TXCLEAR 0x0004u
@@ -189,7 +153,6 @@ BOOL WINAPI SetCommTimeouts(HANDLE port, LPCOMMTIMEOUTS timeouts);
 BOOL WINAPI GetCommState(HANDLE port, LPDCB dcb);
 BOOL WINAPI SetCommState(HANDLE port, LPDCB dcb);
 BOOL WINAPI PurgeComm(HANDLE port, DWORD flags);
-BOOL WINAPI GetCommMask(HANDLE port, LPDWORD events);
 BOOL WINAPI SetCommMask(HANDLE port, DWORD events);
 BOOL WINAPI WaitCommEvent(HANDLE port, LPDWORD events, LPOVERLAPPED overlapped);
 BOOL WINAPI ClearCommError(HANDLE port, LPDWORD errors, LPCOMSTAT status);
@@ -198,25 +161,16 @@ BOOL WINAPI ClearCommError(HANDLE port, LPDWORD errors, LPCOMSTAT status);
 
 #define INFINITE 0xFFFFFFFFu
 #define WAIT_OBJECT_0 0u
-#define WAIT_ABANDONED_0 0x80u
 #define WAIT_FAILED 0xFFFFFFFFu
-#define MAXIMUM_WAIT_OBJECTS 64
-#define STILL_ACTIVE 259
 
 using LPTHREAD_START_ROUTINE = DWORD(WINAPI*)(LPVOID);
 
 HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCWSTR name);
-BOOL WINAPI ReleaseMutex(HANDLE mutex);
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState, LPCWSTR name);
 BOOL WINAPI SetEvent(HANDLE event);
-BOOL WINAPI ResetEvent(HANDLE event);
 DWORD WINAPI WaitForSingleObject(HANDLE object, DWORD milliseconds);
-DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* objects, BOOL waitAll, DWORD milliseconds);
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stackSize, LPTHREAD_START_ROUTINE start,
                            LPVOID parameter, DWORD flags, LPDWORD threadId);
-BOOL WINAPI GetExitCodeThread(HANDLE thread, LPDWORD exitCode);
-DWORD WINAPI GetCurrentThreadId();
-DWORD WINAPI GetCurrentProcessId();
 LPWSTR WINAPI GetCommandLineW();
 void WINAPI Sleep(DWORD milliseconds);
 
@@ -240,19 +194,14 @@ using LPSYSTEMTIME = SYSTEMTIME*;
 
 using EXECUTION_STATE = DWORD;
 
-ULONGLONG WINAPI GetTickCount64();
 void WINAPI GetLocalTime(LPSYSTEMTIME time);
-BOOL WINAPI QueryPerformanceCounter(LARGE_INTEGER* count);
-BOOL WINAPI QueryPerformanceFrequency(LARGE_INTEGER* frequency);
 EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags);
 
 // ---- modules and resources ----------------------------------------------------------------------------------
 
 #define LOAD_LIBRARY_AS_DATAFILE 0x00000002u
 #define LOAD_WITH_ALTERED_SEARCH_PATH 0x00000008u
-#define LOAD_LIBRARY_AS_IMAGE_RESOURCE 0x00000020u
 #define LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR 0x00000100u
-#define LOAD_LIBRARY_SEARCH_APPLICATION_DIR 0x00000200u
 #define LOAD_LIBRARY_SEARCH_SYSTEM32 0x00000800u
 #define LOAD_LIBRARY_SEARCH_DEFAULT_DIRS 0x00001000u
 
@@ -289,14 +238,9 @@ using LPOSVERSIONINFOEXW = OSVERSIONINFOEXW*;
 
 #define VER_MINORVERSION 0x00000001u
 #define VER_MAJORVERSION 0x00000002u
-#define VER_BUILDNUMBER 0x00000004u
 #define VER_SERVICEPACKMINOR 0x00000010u
 #define VER_SERVICEPACKMAJOR 0x00000020u
-#define VER_EQUAL 1
-#define VER_GREATER 2
 #define VER_GREATER_EQUAL 3
-#define VER_LESS 4
-#define VER_LESS_EQUAL 5
 
 ULONGLONG WINAPI VerSetConditionMask(ULONGLONG conditions, DWORD typeMask, BYTE condition);
 BOOL WINAPI VerifyVersionInfoW(LPOSVERSIONINFOEXW version, DWORD typeMask, DWORDLONG conditions);

@@ -9,7 +9,6 @@
 #define WINAPI
 #define WINAPIV
 #define CALLBACK
-#define APIENTRY WINAPI
 #define TEXT_WIDE_(text) u##text
 #define TEXT(text) TEXT_WIDE_(text)
 
@@ -24,9 +23,7 @@ using BYTE = uint8_t;
 using UCHAR = uint8_t;
 using CHAR = char;
 using WCHAR = char16_t;
-using TCHAR = WCHAR;
 using SHORT = int16_t;
-using USHORT = uint16_t;
 using WORD = uint16_t;
 using INT = int;
 using UINT = unsigned int;
@@ -60,25 +57,15 @@ using LPCVOID = const void*;
 using LPBOOL = BOOL*;
 using PBOOL = BOOL*;
 using LPBYTE = BYTE*;
-using PBYTE = BYTE*;
-using LPWORD = WORD*;
 using LPDWORD = DWORD*;
-using PDWORD = DWORD*;
 using PUINT = UINT*;
-using LPLONG = LONG*;
-using PLONG = LONG*;
-using PULONG = ULONG*;
 using PDWORD_PTR = DWORD_PTR*;
 using LPSTR = CHAR*;
-using PSTR = CHAR*;
 using LPCSTR = const CHAR*;
-using PCSTR = const CHAR*;
 using LPCCH = const CHAR*;
 using LPWSTR = WCHAR*;
 using PWSTR = WCHAR*;
-using PWCHAR = WCHAR*;
 using LPCWSTR = const WCHAR*;
-using PCWSTR = const WCHAR*;
 using LPCWCH = const WCHAR*;
 
 using HANDLE = void*;
@@ -112,11 +99,8 @@ using FARPROC = INT_PTR(WINAPI*)();
 
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(-1)))
 
-#define LOBYTE(word) (static_cast<BYTE>(static_cast<DWORD_PTR>(word) & 0xFF))
-#define HIBYTE(word) (static_cast<BYTE>((static_cast<DWORD_PTR>(word) >> 8) & 0xFF))
 #define LOWORD(value) (static_cast<WORD>(static_cast<DWORD_PTR>(value) & 0xFFFF))
 #define HIWORD(value) (static_cast<WORD>((static_cast<DWORD_PTR>(value) >> 16) & 0xFFFF))
-#define MAKEWORD(low, high) (static_cast<WORD>(LOBYTE(low) | (LOBYTE(high) << 8)))
 #define MAKELONG(low, high) \
   (static_cast<LONG>(static_cast<DWORD>(LOWORD(low)) | (static_cast<DWORD>(LOWORD(high)) << 16)))
 #define MAKEWPARAM(low, high) (static_cast<WPARAM>(static_cast<DWORD>(MAKELONG(low, high))))

@@ -6,7 +6,6 @@
 #define MAKELANGID(primary, sub) \
   (static_cast<WORD>((static_cast<WORD>(sub) << 10) | static_cast<WORD>(primary)))
 #define PRIMARYLANGID(language) (static_cast<WORD>(static_cast<WORD>(language) & 0x3FF))
-#define SUBLANGID(language) (static_cast<WORD>(static_cast<WORD>(language) >> 10))
 #define MAKELCID(language, sort)                                            \
   (static_cast<DWORD>((static_cast<DWORD>(static_cast<WORD>(sort)) << 16) | \
                       static_cast<DWORD>(static_cast<WORD>(language))))
@@ -14,20 +13,12 @@
 #define SORT_DEFAULT 0x0
 
 #define LANG_NEUTRAL 0x00
-#define LANG_GERMAN 0x07
 #define LANG_ENGLISH 0x09
-#define LANG_SPANISH 0x0A
-#define LANG_FRENCH 0x0C
-#define LANG_ITALIAN 0x10
 #define LANG_DUTCH 0x13
-#define LANG_SWEDISH 0x1D
 #define SUBLANG_NEUTRAL 0x00
-#define SUBLANG_DEFAULT 0x01
-#define SUBLANG_SYS_DEFAULT 0x02
 #define SUBLANG_ENGLISH_US 0x01
 #define SUBLANG_ENGLISH_UK 0x02
 #define SUBLANG_DUTCH 0x01
-#define SUBLANG_DUTCH_BELGIAN 0x02
 
 #define CP_ACP 0u
 #define CP_THREAD_ACP 3u
@@ -43,7 +34,6 @@ int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH text, int text
 int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH text, int textLength, LPWSTR result,
                                int resultSize);
 
-LCID WINAPI GetThreadLocale();
 BOOL WINAPI SetThreadLocale(LCID locale);
 LANGID WINAPI SetThreadUILanguage(LANGID language);
 LANGID WINAPI GetUserDefaultLangID();

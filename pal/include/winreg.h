@@ -20,11 +20,7 @@
 
 #define REG_NONE 0u
 #define REG_SZ 1u
-#define REG_EXPAND_SZ 2u
-#define REG_BINARY 3u
 #define REG_DWORD 4u
-#define REG_MULTI_SZ 7u
-#define REG_QWORD 11u
 
 LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM access, PHKEY opened);
 LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR keyClass, DWORD options,
@@ -34,7 +30,4 @@ LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWOR
                                 LPDWORD size);
 LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
                               DWORD size);
-LSTATUS WINAPI RegDeleteValueW(HKEY key, LPCWSTR name);
-// Only a key without keys below it.
-LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR path);
 LSTATUS WINAPI RegCloseKey(HKEY key);

@@ -38,11 +38,9 @@ struct CREATESTRUCTW {
   LPCWSTR lpszClass;
   DWORD dwExStyle;
 };
-using LPCREATESTRUCTW = CREATESTRUCTW*;
 
 #define CS_VREDRAW 0x0001u
 #define CS_HREDRAW 0x0002u
-#define CS_DBLCLKS 0x0008u
 #define WS_OVERLAPPED 0x00000000
 #define WS_POPUP 0x80000000
 #define WS_CHILD 0x40000000
@@ -56,22 +54,15 @@ using LPCREATESTRUCTW = CREATESTRUCTW*;
 #define WS_OVERLAPPEDWINDOW \
   (WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX)
 #define WS_EX_TOPMOST 0x00000008
-#define WS_EX_TOOLWINDOW 0x00000080
 #define WS_EX_APPWINDOW 0x00040000
 #define CW_USEDEFAULT (static_cast<int>(0x80000000u))
-#define GWL_STYLE (-16)
-#define GWL_EXSTYLE (-20)
 #define GWLP_WNDPROC (-4)
-#define GWLP_HINSTANCE (-6)
-#define GWLP_HWNDPARENT (-8)
 #define GWLP_ID (-12)
 #define GWLP_USERDATA (-21)
 #define HWND_BROADCAST (reinterpret_cast<HWND>(static_cast<ULONG_PTR>(0xFFFF)))
 #define HWND_MESSAGE (reinterpret_cast<HWND>(static_cast<LONG_PTR>(-3)))
-#define COLOR_WINDOW 5
 
 #define MAKEINTRESOURCEW(id) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(id))))
-#define MAKEINTATOM(atom) MAKEINTRESOURCEW(atom)
 #define IS_INTRESOURCE(name) ((reinterpret_cast<ULONG_PTR>(name) >> 16) == 0)
 #define RT_MENU MAKEINTRESOURCEW(4)
 #define RT_DIALOG MAKEINTRESOURCEW(5)
@@ -79,10 +70,8 @@ using LPCREATESTRUCTW = CREATESTRUCTW*;
 #define RT_GROUP_ICON MAKEINTRESOURCEW(14)
 #define RT_VERSION MAKEINTRESOURCEW(16)
 #define IDC_ARROW MAKEINTRESOURCEW(32512)
-#define IDI_APPLICATION MAKEINTRESOURCEW(32512)
 
 ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* windowClass);
-BOOL WINAPI UnregisterClassW(LPCWSTR className, HINSTANCE instance);
 HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y,
                             int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                             LPVOID parameter);
@@ -116,9 +105,7 @@ struct COPYDATASTRUCT {
   DWORD cbData;
   PVOID lpData;
 };
-using PCOPYDATASTRUCT = COPYDATASTRUCT*;
 
-#define WM_NULL 0x0000
 #define WM_CREATE 0x0001
 #define WM_DESTROY 0x0002
 #define WM_SETTEXT 0x000C
@@ -128,7 +115,6 @@ using PCOPYDATASTRUCT = COPYDATASTRUCT*;
 #define WM_QUERYENDSESSION 0x0011
 #define WM_QUIT 0x0012
 #define WM_ENDSESSION 0x0016
-#define WM_SETTINGCHANGE 0x001A
 #define WM_COPYDATA 0x004A
 #define WM_NCCREATE 0x0081
 #define WM_NCDESTROY 0x0082
@@ -152,11 +138,8 @@ using PCOPYDATASTRUCT = COPYDATASTRUCT*;
 
 #define SC_MONITORPOWER 0xF170
 #define PBT_APMSUSPEND 0x0004
-#define PBT_APMRESUMESUSPEND 0x0007
-#define PBT_APMPOWERSTATUSCHANGE 0x000A
 #define PBT_APMRESUMEAUTOMATIC 0x0012
 
-#define PM_NOREMOVE 0x0000u
 #define PM_REMOVE 0x0001u
 #define SMTO_NORMAL 0x0000u
 #define SMTO_BLOCK 0x0001u
@@ -189,12 +172,7 @@ BOOL WINAPI KillTimer(HWND window, UINT_PTR id);
 #define MB_RETRYCANCEL 0x00000005u
 #define MB_TYPEMASK 0x0000000Fu
 #define MB_ICONERROR 0x00000010u
-#define MB_ICONQUESTION 0x00000020u
-#define MB_ICONWARNING 0x00000030u
 #define MB_ICONINFORMATION 0x00000040u
-#define MB_DEFBUTTON2 0x00000100u
-#define MB_SETFOREGROUND 0x00010000u
-#define MB_TOPMOST 0x00040000u
 #define IDOK 1
 #define IDCANCEL 2
 #define IDABORT 3
@@ -218,9 +196,7 @@ BOOL WINAPI MessageBeep(UINT type);
 #define MF_POPUP 0x00000010u
 #define MF_END 0x00000080u
 #define MF_SEPARATOR 0x00000800u
-#define TPM_LEFTALIGN 0x0000u
 #define TPM_RIGHTBUTTON 0x0002u
-#define TPM_CENTERALIGN 0x0004u
 #define TPM_RIGHTALIGN 0x0008u
 #define TPM_BOTTOMALIGN 0x0020u
 
@@ -231,12 +207,6 @@ BOOL WINAPI InsertMenuW(HMENU menu, UINT position, UINT flags, UINT_PTR id, LPCW
 BOOL WINAPI DeleteMenu(HMENU menu, UINT position, UINT flags);
 BOOL WINAPI SetMenuDefaultItem(HMENU menu, UINT item, UINT byPosition);
 BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int reserved, HWND window, const RECT* rect);
-// What a menu has become.
-int WINAPI GetMenuItemCount(HMENU menu);
-UINT WINAPI GetMenuItemID(HMENU menu, int position);
-UINT WINAPI GetMenuState(HMENU menu, UINT item, UINT flags);
-int WINAPI GetMenuStringW(HMENU menu, UINT item, LPWSTR buffer, int size, UINT flags);
-UINT WINAPI GetMenuDefaultItem(HMENU menu, UINT byPosition, UINT flags);
 
 // ---- pictures and metrics -----------------------------------------------------------------------------------
 
@@ -293,10 +263,6 @@ BOOL WINAPI ShutdownBlockReasonDestroy(HWND window);
 #define VK_DOWN 0x28
 #define VK_INSERT 0x2D
 #define VK_DELETE 0x2E
-#define VK_LWIN 0x5B
-#define VK_F1 0x70
-#define VK_F12 0x7B
-#define VK_LSHIFT 0xA0
 
 BOOL WINAPI GetCursorPos(LPPOINT point);
 void WINAPI mouse_event(DWORD flags, DWORD dx, DWORD dy, DWORD data, ULONG_PTR extraInfo);

@@ -7,7 +7,6 @@
 
 #define WS_VSCROLL 0x00200000
 #define WS_TABSTOP 0x00010000
-#define WS_GROUP 0x00020000
 #define SW_HIDE 0
 #define SW_SHOW 5
 #define SWP_NOSIZE 0x0001u
@@ -20,7 +19,6 @@
 #define WM_KILLFOCUS 0x0008
 #define WM_ENABLE 0x000A
 #define WM_PAINT 0x000F
-#define WM_SHOWWINDOW 0x0018
 #define WM_CHAR 0x0102
 
 struct PAINTSTRUCT {
@@ -38,10 +36,8 @@ BOOL WINAPI IsWindowVisible(HWND window);
 BOOL WINAPI EnableWindow(HWND window, BOOL enable);
 BOOL WINAPI IsWindowEnabled(HWND window);
 HWND WINAPI SetFocus(HWND window);
-HWND WINAPI GetFocus();
 HWND WINAPI GetParent(HWND window);
 BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width, int height, UINT flags);
-BOOL WINAPI GetClientRect(HWND window, LPRECT rect);
 BOOL WINAPI SetWindowTextW(HWND window, LPCWSTR text);
 int WINAPI GetWindowTextW(HWND window, LPWSTR buffer, int size);
 int WINAPI GetWindowTextLengthW(HWND window);
@@ -59,9 +55,6 @@ SHORT WINAPI GetAsyncKeyState(int virtualKey);
 #define DWLP_MSGRESULT 0
 #define DWLP_DLGPROC (DWLP_MSGRESULT + static_cast<int>(sizeof(LRESULT)))
 #define DWLP_USER (DWLP_DLGPROC + static_cast<int>(sizeof(DLGPROC)))
-#define DM_GETDEFID (WM_USER + 0)
-#define DC_HASDEFID 0x534B
-#define WM_NEXTDLGCTL 0x0028
 
 // Dialogs come as templates of the extended form, as resources hold them.
 struct DLGTEMPLATE {
@@ -80,9 +73,6 @@ INT_PTR WINAPI DialogBoxIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialo
 HWND WINAPI CreateDialogIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialog, HWND owner,
                                        DLGPROC procedure, LPARAM parameter);
 BOOL WINAPI EndDialog(HWND dialog, INT_PTR result);
-LRESULT WINAPI DefDlgProcW(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-BOOL WINAPI IsDialogMessageW(HWND dialog, LPMSG message);
-HWND WINAPI GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous);
 HWND WINAPI GetDlgItem(HWND dialog, int id);
 int WINAPI GetDlgCtrlID(HWND control);
 BOOL WINAPI SetDlgItemTextW(HWND dialog, int id, LPCWSTR text);
@@ -110,11 +100,9 @@ UINT WINAPI IsDlgButtonChecked(HWND dialog, int id);
 #define STN_CLICKED 0
 #define STN_DBLCLK 1
 #define STM_SETICON 0x0170
-#define STM_GETICON 0x0171
 
 #define ES_AUTOHSCROLL 0x0080
 #define EM_LIMITTEXT 0x00C5
-#define EM_SETLIMITTEXT EM_LIMITTEXT
 
 #define CBS_DROPDOWNLIST 0x0003
 #define CBS_SORT 0x0100
@@ -124,11 +112,9 @@ UINT WINAPI IsDlgButtonChecked(HWND dialog, int id);
 #define CB_GETCOUNT 0x0146
 #define CB_GETCURSEL 0x0147
 #define CB_GETLBTEXT 0x0148
-#define CB_GETLBTEXTLEN 0x0149
 #define CB_RESETCONTENT 0x014B
 #define CB_SETCURSEL 0x014E
 #define CB_GETITEMDATA 0x0150
 #define CB_SETITEMDATA 0x0151
 
 #define WM_HSCROLL 0x0114
-#define WM_VSCROLL 0x0115

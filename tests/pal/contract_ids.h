@@ -16,7 +16,7 @@
 #define PUSH_BUTTON 1005
 #define EDIT 1006
 #define LIST 1007
-#define SORTED_LIST 1008
+#define OTHER_LIST 1008
 #define TRACKBAR 1009
 #define PROGRESS 1010
 #define GROUP 1011

@@ -14,26 +14,20 @@ using contract::OpenDialogRun;
 using Codes = std::vector<int>;
 using Text = std::basic_string<WCHAR>;
 
-TEST(Controls, CommonOnesAreThere) {
-  const INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_BAR_CLASSES | ICC_PROGRESS_CLASS};
-  EXPECT_TRUE(InitCommonControlsEx(&classes));
-}
-
 TEST(Controls, ButtonsTellClicks) {
   OpenDialogRun run([](OpenDialogRun& d) {
-    d.Click(PUSH_BUTTON);
-    EXPECT_EQ(d.TakeCodes(PUSH_BUTTON, {BN_CLICKED}), Codes{BN_CLICKED});
-    d.Click(CHECK_BOX);
-    EXPECT_EQ(IsDlgButtonChecked(d.dialog, CHECK_BOX), static_cast<UINT>(BST_CHECKED));
-    EXPECT_EQ(d.TakeCodes(CHECK_BOX, {BN_CLICKED}), Codes{BN_CLICKED});
-    d.Key(CHECK_BOX, VK_SPACE);
-    EXPECT_EQ(d.Send(CHECK_BOX, BM_GETCHECK), BST_UNCHECKED);
-    EXPECT_EQ(d.TakeCodes(CHECK_BOX, {BN_CLICKED}), Codes{BN_CLICKED});
-    CheckDlgButton(d.dialog, CHECK_BOX, BST_CHECKED);  // by the program: nothing is told
-    EXPECT_EQ(d.Send(CHECK_BOX, BM_GETCHECK), BST_CHECKED);
-    EXPECT_EQ(d.TakeCodes(CHECK_BOX, {BN_CLICKED}), Codes{});
-    d.Send(PUSH_BUTTON, BM_SETCHECK, BST_CHECKED);
-    EXPECT_EQ(d.Send(PUSH_BUTTON, BM_GETCHECK), BST_UNCHECKED);
+    for (const int button : {PUSH_BUTTON, CHECK_BOX}) {
+      d.Click(button);
+      EXPECT_EQ(d.TakeCodes(button, {BN_CLICKED}), Codes{BN_CLICKED});
+      const UINT checked = button == CHECK_BOX ? BST_CHECKED : BST_UNCHECKED;
+      EXPECT_EQ(IsDlgButtonChecked(d.dialog, button), checked);
+      d.Click(button);
+      EXPECT_EQ(IsDlgButtonChecked(d.dialog, button), static_cast<UINT>(BST_UNCHECKED));
+      d.TakeTold();
+      CheckDlgButton(d.dialog, button, BST_CHECKED);  // by the program: nothing is told
+      EXPECT_EQ(d.TakeCodes(button, {BN_CLICKED}), Codes{});
+      EXPECT_EQ(IsDlgButtonChecked(d.dialog, button), checked);
+    }
   });
 }
 
@@ -57,11 +51,10 @@ TEST(Controls, LabelsTellClicksWhenTheyAreAskedTo) {
 
 TEST(Controls, PicturesGiveBackTheOneBefore) {
   OpenDialogRun run([](OpenDialogRun& d) {
-    const HICON icon = LoadIconW(nullptr, IDI_APPLICATION);
+    const HICON icon = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(CONTRACT_ICON));
     EXPECT_EQ(d.Send(PICTURE, STM_SETICON, reinterpret_cast<WPARAM>(icon)), 0);
-    EXPECT_EQ(d.Send(PICTURE, STM_GETICON), reinterpret_cast<LRESULT>(icon));
     EXPECT_EQ(d.Send(PICTURE, STM_SETICON, 0), reinterpret_cast<LRESULT>(icon));
-    EXPECT_EQ(d.Send(PICTURE, STM_GETICON), 0);
+    EXPECT_EQ(d.Send(PICTURE, STM_SETICON, 0), 0);
   });
 }
 
@@ -85,36 +78,17 @@ TEST(Controls, ListsKeepEntriesWithTheirData) {
     EXPECT_EQ(static_cast<int>(d.Send(LIST, CB_GETITEMDATA, 0)), -5);
     EXPECT_EQ(d.Send(LIST, CB_GETITEMDATA, 1), 0);
     EXPECT_EQ(d.Send(LIST, CB_GETITEMDATA, static_cast<WPARAM>(CB_ERR)), CB_ERR);
-    EXPECT_EQ(d.Send(LIST, CB_GETLBTEXTLEN, 1), 5);
     WCHAR text[16] = {};
     EXPECT_EQ(d.Send(LIST, CB_GETLBTEXT, 1, reinterpret_cast<LPARAM>(text)), 5);
     EXPECT_EQ(Text(text), TEXT("apple"));
-
-    EXPECT_EQ(d.Text(LIST), TEXT(""));
     EXPECT_EQ(d.Send(LIST, CB_SETCURSEL, 1), 1);
     EXPECT_EQ(d.Text(LIST), TEXT("apple"));
     EXPECT_EQ(d.TakeCodes(LIST, {CBN_SELCHANGE}), Codes{});  // by the program: nothing is told
     EXPECT_EQ(d.Send(LIST, CB_SETCURSEL, static_cast<WPARAM>(-1)), CB_ERR);
-    EXPECT_EQ(d.Send(LIST, CB_GETCURSEL), CB_ERR);
-    d.Send(LIST, CB_SETCURSEL, 0);
-    d.Key(LIST, VK_DOWN);
-    EXPECT_EQ(d.Send(LIST, CB_GETCURSEL), 1);
-    d.Key(LIST, VK_HOME);
-    EXPECT_EQ(d.Send(LIST, CB_GETCURSEL), 0);
-    EXPECT_EQ(d.TakeCodes(LIST, {CBN_SELCHANGE}), (Codes{CBN_SELCHANGE, CBN_SELCHANGE}));
-
+    EXPECT_EQ(d.Text(LIST), TEXT(""));
     d.Send(LIST, CB_RESETCONTENT);
     EXPECT_EQ(d.Send(LIST, CB_GETCOUNT), 0);
     EXPECT_EQ(d.Send(LIST, CB_GETCURSEL), CB_ERR);
-  });
-}
-
-TEST(Controls, SortedListsPutEntriesInTheirPlace) {
-  OpenDialogRun run([](OpenDialogRun& d) {
-    EXPECT_EQ(d.SendText(SORTED_LIST, CB_ADDSTRING, TEXT("pear")), 0);
-    EXPECT_EQ(d.SendText(SORTED_LIST, CB_ADDSTRING, TEXT("Apple")), 0);
-    EXPECT_EQ(d.SendText(SORTED_LIST, CB_ADDSTRING, TEXT("fig")), 1);
-    EXPECT_EQ(d.Send(SORTED_LIST, CB_GETCOUNT), 3);
   });
 }
 
@@ -122,25 +96,17 @@ TEST(Controls, SortedListsPutEntriesInTheirPlace) {
 TEST(Controls, TrackbarsClampAndTellKeys) {
   OpenDialogRun run([](OpenDialogRun& d) {
     d.Send(TRACKBAR, TBM_SETRANGE, TRUE, MAKELONG(3, 60));
-    EXPECT_EQ(d.Send(TRACKBAR, TBM_GETRANGEMIN), 3);
-    EXPECT_EQ(d.Send(TRACKBAR, TBM_GETRANGEMAX), 60);
     EXPECT_EQ(d.Send(TRACKBAR, TBM_GETPOS), 3);
     d.Send(TRACKBAR, TBM_SETPOS, TRUE, 80);
     EXPECT_EQ(d.Send(TRACKBAR, TBM_GETPOS), 60);
-    d.Send(TRACKBAR, TBM_SETPOS, TRUE, 30);
     EXPECT_TRUE(d.Send(TRACKBAR, TBM_SETTIC, 0, 15));
     EXPECT_FALSE(d.Send(TRACKBAR, TBM_SETTIC, 0, 61));
-    d.Send(TRACKBAR, TBM_SETPAGESIZE, 0, 10);
-    EXPECT_EQ(d.Send(TRACKBAR, TBM_SETPAGESIZE, 0, 5), 10);
-    EXPECT_EQ(d.Send(TRACKBAR, TBM_SETLINESIZE, 0, 1), 1);
     EXPECT_TRUE(d.TakeTold().empty());
-
     const struct {
       WPARAM key;
       int code;
       int position;
-    } keys[] = {{VK_RIGHT, TB_LINEDOWN, 31}, {VK_LEFT, TB_LINEUP, 30}, {VK_NEXT, TB_PAGEDOWN, 35},
-                {VK_PRIOR, TB_PAGEUP, 30},   {VK_HOME, TB_TOP, 3},     {VK_END, TB_BOTTOM, 60}};
+    } keys[] = {{VK_LEFT, TB_LINEUP, 59}, {VK_UP, TB_LINEUP, 58}, {VK_DOWN, TB_LINEDOWN, 59}};
     for (const auto& [key, code, position] : keys) {
       d.Key(TRACKBAR, key);
       EXPECT_EQ(d.Send(TRACKBAR, TBM_GETPOS), position) << key;
@@ -154,16 +120,12 @@ TEST(Controls, TrackbarsClampAndTellKeys) {
   });
 }
 
-TEST(Controls, ProgressBarsStepAndBeginAnew) {
+TEST(Controls, ProgressBarsStepAndBeginAgain) {
   OpenDialogRun run([](OpenDialogRun& d) {
     EXPECT_EQ(d.Send(PROGRESS, PBM_SETRANGE, 0, MAKELONG(0, 3)), MAKELONG(0, 100));
     EXPECT_EQ(d.Send(PROGRESS, PBM_SETSTEP, 1), 10);
-    for (const int before : {0, 1, 2}) EXPECT_EQ(d.Send(PROGRESS, PBM_STEPIT), before);
-    EXPECT_EQ(d.Send(PROGRESS, PBM_GETPOS), 3);
-    EXPECT_EQ(d.Send(PROGRESS, PBM_STEPIT), 3);
-    EXPECT_LT(d.Send(PROGRESS, PBM_GETPOS), 3);  // beyond the end it begins anew
-    EXPECT_EQ(d.Send(PROGRESS, PBM_SETPOS, 2), 1);
-    EXPECT_EQ(d.Send(PROGRESS, PBM_GETPOS), 2);
+    for (const int before : {0, 1, 2, 3}) EXPECT_EQ(d.Send(PROGRESS, PBM_STEPIT), before);
+    EXPECT_LT(d.Send(PROGRESS, PBM_STEPIT), 3);  // beyond the end it began again
   });
 }
 

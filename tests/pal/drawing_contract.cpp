@@ -28,7 +28,7 @@ TEST(Drawing, InvalidAreasArePaintedOnce) {
     EXPECT_NE(context, nullptr);
     UpdateWindow(GetDlgItem(window, TALKING_LABEL));  // the label first, so that it does not paint over
     ValidateRect(GetDlgItem(window, TALKING_LABEL), nullptr);
-    const HBRUSH brush = CreateSolidBrush(RGB(0, 255, 0));
+    const HBRUSH brush = CreateSolidBrush(0x00FF00);
     const HGDIOBJ before = SelectObject(context, brush);
     EXPECT_NE(before, nullptr);
     EXPECT_TRUE(Ellipse(context, 5, 5, 20, 20));

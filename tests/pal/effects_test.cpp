@@ -20,7 +20,7 @@ TEST(Effects, OneShortWordingForEach) {
       {RegistryWrite{u"HKEY_CURRENT_USER\\K", u"Sw1CmdVal", REG_DWORD, {0xFF, 0xFF, 0xFF, 0xFF}},
        "registry Sw1CmdVal = -1"},
       {RegistryWrite{u"K", u"Name", REG_SZ, {'a', 0, 0xE9, 0, 0, 0}}, "registry Name = \"a\xC3\xA9\""},
-      {RegistryWrite{u"K", u"", REG_BINARY, {1, 2}}, "registry (unnamed) = 01 02"},
+      {RegistryWrite{u"K", u"", 3, {1, 2}}, "registry (unnamed) = 01 02"},
       {FileWrite{u"C:\\x\\DevLog.txt", "a\tb\xE9\r\n"}, "file DevLog.txt: a\\tb\xC3\xA9"},
       {SerialOpened{2}, "serial COM2 opened"},
       {SerialClosed{2}, "serial COM2 closed"},

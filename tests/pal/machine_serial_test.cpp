@@ -12,7 +12,6 @@ std::vector<uint8_t> ReadPort(HANDLE port, DWORD* error = nullptr) {
   OVERLAPPED overlapped = {};
   overlapped.hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr);
   DWORD count = 0;
-  SetLastError(0);
   BOOL done = ReadFile(port, bytes.data(), 512, &count, &overlapped);
   if (!done && GetLastError() == ERROR_IO_PENDING)
     done = GetOverlappedResult(port, &overlapped, &count, TRUE);
@@ -154,7 +153,7 @@ TEST_F(SerialMachineTest, ReadsFailInTheCallOrInTheirCompletion) {
   machine.StartProgram([&] {
     port = OpenPort(2);
     for (const bool atOnce : {false, true}) {
-      line.FailNextRead(ERROR_OPERATION_ABORTED, CE_FRAME, atOnce);
+      line.FailNextRead(ERROR_OPERATION_ABORTED, 8, atOnce);
       DWORD error = 0;
       ReadPort(port, &error);
       errors.push_back(error);
@@ -168,15 +167,17 @@ TEST_F(SerialMachineTest, ReadsFailInTheCallOrInTheirCompletion) {
   });
   machine.Advance(1s);
   EXPECT_EQ(errors, (std::vector<DWORD>{ERROR_OPERATION_ABORTED, ERROR_OPERATION_ABORTED}));
-  EXPECT_EQ(flags, (std::vector<DWORD>{CE_FRAME, CE_FRAME}));
+  EXPECT_EQ(flags, (std::vector<DWORD>{8, 8}));
 }
 
 // A thread for each opening, ended by the mask as the tool does it: nothing stays behind.
 TEST_F(SerialMachineTest, AThousandOpeningsLeaveNothing) {
   int opened = 0;
+  HANDLE stopped = nullptr;
   reader = [&] {
     DWORD events = 0;
     while (WaitCommEvent(port, &events, nullptr) && events != 0) ReadPort(port);
+    SetEvent(stopped);
   };
   machine.StartProgram([&] {
     for (int i = 0; i < 1000; ++i) {
@@ -184,11 +185,12 @@ TEST_F(SerialMachineTest, AThousandOpeningsLeaveNothing) {
       if (port == INVALID_HANDLE_VALUE) return 1;
       ++opened;
       SetCommMask(port, EV_RXCHAR);
-      const HANDLE thread = StartThread(reader);
+      stopped = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+      CloseHandle(StartThread(reader));
       if (i % 3 == 0) Sleep(1);
       SetCommMask(port, 0);
-      if (WaitForSingleObject(thread, 1000) != WAIT_OBJECT_0) return 2;
-      CloseHandle(thread);
+      if (WaitForSingleObject(stopped, 1000) != WAIT_OBJECT_0) return 2;
+      CloseHandle(stopped);
       CloseHandle(port);
     }
     Sleep(1000);

@@ -47,7 +47,6 @@ class Profiles : public testing::Test {
   }
   [[nodiscard]] Text Read(const WCHAR* section, const WCHAR* key, DWORD size = 2000) const {
     Text result(size, TEXT('#'));
-    SetLastError(0xDEAD);
     const DWORD length =
         GetPrivateProfileStringW(section, key, TEXT("(default)"), result.data(), size, path_.c_str());
     EXPECT_EQ(result[length], 0);
@@ -59,7 +58,6 @@ class Profiles : public testing::Test {
   }
   // `lines` are separated and ended by NUL characters.
   [[nodiscard]] BOOL Replace(const WCHAR* section, std::basic_string_view<WCHAR> lines) const {
-    SetLastError(0xDEAD);
     return WritePrivateProfileSectionW(section, Text(lines).c_str(), path_.c_str());
   }
 

@@ -55,7 +55,7 @@ TEST(Resources, NamesHaveNoCaseAndWhatIsMissingIsNull) {
   const WCHAR* block = MAKEINTRESOURCEW(FIRST_STRING / 16 + 1);
   const std::string content = "some bytes";
   EXPECT_EQ(Content(TEXT("OwnType"), TEXT("nameddata")), std::vector<BYTE>(content.begin(), content.end()));
-  EXPECT_EQ(FindResourceExW(nullptr, RT_STRING, block, MAKELANGID(LANG_GERMAN, 1)), nullptr);
+  EXPECT_EQ(FindResourceExW(nullptr, RT_STRING, block, MAKELANGID(0x07, 1)), nullptr);
   EXPECT_EQ(FindResourceExW(nullptr, RT_STRING, MAKEINTRESOURCEW(999), kBritish), nullptr);
   EXPECT_EQ(FindResourceExW(nullptr, TEXT("NOTYPE"), block, kBritish), nullptr);
 }

@@ -84,7 +84,6 @@ TEST(Pointer, HasAPlace) {
 }
 
 TEST(Foreground, OnlyAWindowComesThere) {
-  SetLastError(0);
   EXPECT_FALSE(SetForegroundWindow(nullptr));
   EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
 }

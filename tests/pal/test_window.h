@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,10 +13,10 @@ namespace contract {
 
 // True on Wine, which is known not to do there what Windows does: `how` says what it does instead.
 inline bool WineDeviates(const char* /*how*/) {
-  const DWORD error = GetLastError();
-  const HMODULE ntdll = GetModuleHandleW(TEXT("ntdll.dll"));
-  const bool isWine = ntdll && GetProcAddress(ntdll, "wine_get_version") != nullptr;
-  SetLastError(error);  // the caller may look at it
+  static const bool isWine = [] {
+    const HMODULE ntdll = GetModuleHandleW(TEXT("ntdll.dll"));
+    return ntdll && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+  }();
   return isWine;
 }
 
@@ -28,20 +29,19 @@ class TestWindow {
   static constexpr Answer kDefault = std::nullopt;
 
   explicit TestWindow(Handler handler, const WCHAR* className = TEXT("ContractWindow"), HWND parent = nullptr)
-      : handler_(std::move(handler)), className_(className) {
+      : handler_(std::move(handler)) {
     WNDCLASSEXW windowClass = {};
     windowClass.cbSize = sizeof(windowClass);
     windowClass.lpfnWndProc = Procedure;
     windowClass.hInstance = nullptr;
     windowClass.cbWndExtra = 2 * sizeof(LONG_PTR);
     windowClass.lpszClassName = className;
-    RegisterClassExW(&windowClass);
+    RegisterClassExW(&windowClass);  // fails harmlessly when an earlier window had the class
     handle_ = CreateWindowExW(0, className, TEXT("contract title"), WS_OVERLAPPEDWINDOW, 0, 0, 0, 0, parent,
                               nullptr, nullptr, this);
   }
   ~TestWindow() {
     if (IsWindow(handle_)) DestroyWindow(handle_);
-    UnregisterClassW(className_, nullptr);
   }
   TestWindow(const TestWindow&) = delete;
   TestWindow& operator=(const TestWindow&) = delete;
@@ -63,37 +63,58 @@ class TestWindow {
   }
 
   Handler handler_;
-  const WCHAR* className_;
   HWND handle_ = nullptr;
 };
 
 // A thread that runs an action; joined at the end.
 class TestThread {
  public:
-  explicit TestThread(std::function<void()> action) : action_(std::move(action)) {
-    handle_ = CreateThread(nullptr, 0, Procedure, this, 0, &id_);
+  explicit TestThread(std::function<void()> action)
+      : action_(std::move(action)), done_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
+    CloseHandle(CreateThread(nullptr, 0, Procedure, this, 0, nullptr));
   }
   ~TestThread() {
     Join();
-    CloseHandle(handle_);
+    CloseHandle(done_);
   }
   TestThread(const TestThread&) = delete;
   TestThread& operator=(const TestThread&) = delete;
 
-  void Join() const { WaitForSingleObject(handle_, INFINITE); }
-  [[nodiscard]] HANDLE Get() const { return handle_; }
-  [[nodiscard]] DWORD Id() const { return id_; }
+  void Join() const { WaitForSingleObject(done_, INFINITE); }
 
  private:
   static DWORD WINAPI Procedure(void* self) {
     static_cast<TestThread*>(self)->action_();
-    return 17;
+    SetEvent(static_cast<TestThread*>(self)->done_);
+    return 0;
   }
 
   std::function<void()> action_;
-  DWORD id_ = 0;
-  HANDLE handle_ = nullptr;
+  HANDLE done_;
 };
+
+// Of a key or folder that no other test has, nor an earlier run.
+inline std::basic_string<WCHAR> UniqueName() {
+  static int count = 0;
+  SYSTEMTIME time;
+  GetLocalTime(&time);
+  std::basic_string<WCHAR> name;
+  for (const int number : {++count, int{time.wDay}, int{time.wHour}, int{time.wMinute}, int{time.wSecond}})
+    for (const char digit : std::to_string(number) + '-') name.push_back(static_cast<WCHAR>(digit));
+  return name;
+}
+
+// Milliseconds of the day.
+inline int ClockMs() {
+  SYSTEMTIME time;
+  GetLocalTime(&time);
+  return ((time.wHour * 60 + time.wMinute) * 60 + time.wSecond) * 1000 + time.wMilliseconds;
+}
+// Since an earlier moment of the same 24 hours.
+inline int MsSince(int start) {
+  constexpr int kDay = 86'400'000;
+  return (ClockMs() - start + kDay) % kDay;
+}
 
 // Takes and dispatches messages until `done` holds; a due WM_TIMER of a helper keeps the loop awake.
 inline void RunMessagesUntil(const std::function<bool()>& done) {

@@ -89,7 +89,6 @@ TEST(TextConversion, Utf8) {
   EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_UNICODE_TRANSLATION});
   for (const char* wrong : {"a\xFF", "a\xC3", "a\xE2\x82"}) {
     EXPECT_EQ(Decode(CP_UTF8, 0, wrong), Units({'a', 0xFFFD}));
-    SetLastError(0);
     EXPECT_EQ(Decode(CP_UTF8, MB_ERR_INVALID_CHARS, wrong), Text());
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_UNICODE_TRANSLATION});
   }

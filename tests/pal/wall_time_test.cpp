@@ -66,6 +66,7 @@ struct Reader {
   HANDLE port = INVALID_HANDLE_VALUE;
   HWND window = nullptr;
   HANDLE stop = nullptr;
+  HANDLE stopped = nullptr;
   DWORD lastError = 0;
 };
 
@@ -88,6 +89,7 @@ DWORD WINAPI Monitor(void* parameter) {
   }
   reader.lastError = GetLastError();
   CloseHandle(overlapped.hEvent);
+  SetEvent(reader.stopped);
   return 0;
 }
 
@@ -105,6 +107,7 @@ class WallTime : public testing::Test {
       reader.window =
           CreateWindowExW(0, TEXT("WallTime"), TEXT(""), 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
       reader.stop = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+      reader.stopped = CreateEventW(nullptr, TRUE, FALSE, nullptr);
       reader.port = CreateFileW(TEXT("\\\\.\\COM2"), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                 FILE_FLAG_OVERLAPPED, nullptr);
       if (reader.port == INVALID_HANDLE_VALUE) return 1;
@@ -112,16 +115,15 @@ class WallTime : public testing::Test {
       SetCommTimeouts(reader.port, &timeouts);
       DCB dcb = {};
       GetCommState(reader.port, &dcb);
-      dcb.BaudRate = CBR_57600;
+      dcb.BaudRate = 57600;
       if (!SetCommState(reader.port, &dcb)) return 2;
-      const HANDLE thread = CreateThread(nullptr, 0, Monitor, &reader, 0, nullptr);
+      CloseHandle(CreateThread(nullptr, 0, Monitor, &reader, 0, nullptr));
       ready = true;
       MSG message;
       while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
       SetEvent(reader.stop);
       SetCommMask(reader.port, 0);
-      const DWORD ended = WaitForSingleObject(thread, 10'000);
-      CloseHandle(thread);
+      const DWORD ended = WaitForSingleObject(reader.stopped, 10'000);
       CloseHandle(reader.port);
       return ended == WAIT_OBJECT_0 ? static_cast<int>(message.wParam) : 3;
     });

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "pal/machine.h"
+
 namespace probe {
 namespace {
 
 TEST(ProbeText, ReportsReadAsColumns) {
+  const pal::Machine machine;  // knows UTF-8
   const auto items = ReadReport(
       u"<Report Version=\"1\">\r\n"
       u"<Item C=\"HW\" K=\"PIC Firmware\" V=\"9&lt;5&amp;amp;&quot;&apos;&gt;\"/>\r\n"
