@@ -51,7 +51,7 @@ show() {
   await "$2 is closed" is_gone "$2"
 }
 
-utf16_hex() { printf '%s\0' "$1" | iconv -t UTF-16LE | od -An -v -tx1 | tr -d ' \n' | tr a-f A-F; }
+utf16_hex() { printf '%s\0' "$1" | iconv -t UTF-16LE | od -An -v -tx1 | tr -s ' \n' ' '; }
 
 # in_language NAME ID SCALING OPTIONS-CAPTION METER-CAPTION
 in_language() {

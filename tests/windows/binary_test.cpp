@@ -1,5 +1,4 @@
-// The built program itself: what it needs, how it is protected, and that its texts survived the resource
-// compiler.
+// The built program itself: what it needs and how it is protected.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -9,8 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "resources/resource_ids.h"
-#include "tests/windows/wine_world.h"
+#include "tests/windows/process.h"
 
 namespace windows_test {
 namespace {
@@ -62,25 +60,6 @@ TEST_F(BinaryTest, MacroPlugInsHaveNoThreadLocalData) {
     EXPECT_NE(headers.find(" 0000000000000000 00000000 Thread Storage"), headers.npos) << library;
     EXPECT_EQ(headers.find(" .tls "), headers.npos) << library;
   }
-}
-
-TEST_F(BinaryTest, ItsTextsAreThereInBothLanguages) {
-  WineWorld world;
-  const auto read = [&](const char* language, std::string* text) {
-    return world.TryRun(
-        {"string", ProgramPath("veltratool.exe"), std::to_string(IDS_CONFIRM_CLOSE), language}, text);
-  };
-  std::string english, dutch;
-  EXPECT_FALSE(read("0x0809", &english));
-  EXPECT_FALSE(read("0x0013", &dutch));
-  EXPECT_EQ(english,
-            "Some features of the device will stop working if you close this tool. Are you sure you want to "
-            "continue?");
-  EXPECT_EQ(
-      dutch,
-      "Sommige functies van het toestel werken niet meer als u dit programma sluit. Weet u zeker dat u wilt "
-      "doorgaan?");
-  EXPECT_TRUE(read("0x0407", nullptr));  // German
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ class WineProcess {
   WineProcess(const WineProcess&) = delete;
   WineProcess& operator=(const WineProcess&) = delete;
 
-  void WriteLine(const std::string& line);
+  bool WriteLine(const std::string& line);
   // The next line of its output, when it is there by now.
   std::optional<std::string> TakeLine();
   // Everything until the program closes its output.

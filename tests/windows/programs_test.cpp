@@ -87,16 +87,6 @@ TEST_F(ProgramsTest, AMacroIsTypedIntoTheTextField) {
   EXPECT_TRUE(world.WaitUntil(isTyped, kPatience)) << world.Run({"texts", "Letter"});
 }
 
-TEST_F(ProgramsTest, TheMacroEditorRefusesAMistakeAndShowsItsPlace) {
-  world.Run({"compose", "macm_English.dll", "ab{Entr}"});
-  Play(
-      "check dialog Cancel\npress OK\ncheck dialog Character 4: there is no key of this name.\npress Cancel\n"
-      "expect exactly composed nothing\n");
-  world.Run({"compose", "macm_Nederlands.dll", "  x{Links}\""});
-  Play("check dialog Annuleren\npress Invoegen\npress OK\nexpect composed\n");
-  EXPECT_NE(Told().find("composed { } x{Links}\"{Enter}"), std::string::npos) << Told();
-}
-
 // ---- toolprobe
 // ----------------------------------------------------------------------------------------------
 

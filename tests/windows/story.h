@@ -22,9 +22,6 @@ class StoryTest : public testing::Test {
     Play(settings + "set StartupDelay 0\nstart -s\nsettle\nmark\n");
   }
 
-  // The story so far.
-  [[nodiscard]] std::string Told() const { return told_.str(); }
-
   WineWorld world;
 
  private:

@@ -1,10 +1,11 @@
 #include "tests/windows/wine_world.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 #include <thread>
+
+#include "simulator/wire.h"
 
 namespace windows_test {
 namespace {
@@ -12,6 +13,8 @@ namespace {
 using simulator::ControlLook;
 using simulator::DialogLook;
 using Words = std::vector<std::string>;
+
+const std::string kMainWindow(simulator::kMainWindow);
 
 std::filesystem::path Prefix() {
   return std::getenv("WINEPREFIX");
@@ -42,6 +45,21 @@ const char* NameOf(simulator::Root root) {
   return root == simulator::Root::kUser ? "user" : "machine";
 }
 
+// The access keys of the menu items of that label, in whatever language: a menu passes over a key that is not
+// its own.
+std::string AccessKeysOf(std::string_view label) {
+  std::string keys;
+  for (const char* language : {"english", "dutch"}) {
+    std::ifstream menus(std::string(VELTRA_RESOURCES "/menus_").append(language).append(".rc"));
+    for (std::string line; std::getline(menus, line);) {
+      const size_t mark = line.find('&');
+      const char key = mark < line.size() ? line[mark + 1] : '\0';
+      if (key && line.erase(mark, 1).find("\"" + std::string(label) + "\"") != line.npos) keys += key;
+    }
+  }
+  return keys;
+}
+
 // A message box has texts and the usual buttons, and nothing else.
 bool IsOfBox(const ControlLook& control) {
   constexpr int kLastButton = 11;  // IDCONTINUE
@@ -65,11 +83,18 @@ std::span<const simulator::WorldCommand> WineWorld::Commands() const {
 }
 
 WineWorld::WineWorld() : line_(Prefix() / "com2") {
-  KeepSession();
-  observer_ = std::make_unique<WineProcess>("observer.exe");
+  constexpr int kAttempts = 10;
   std::filesystem::remove_all(HostPath(simulator::kDataFolder));
   std::filesystem::remove(ProgramPath("devices.log"));
-  Run({"forget"});
+  // The session of the story before may still be ending, and take along what is started meanwhile.
+  Problem problem = "no observer";
+  for (int n = 0; problem && n < kAttempts; ++n) {
+    KeepSession();
+    observer_ = std::make_unique<WineProcess>("observer.exe");
+    sessionEnded_ = false;
+    problem = TryRun({"forget"});
+  }
+  if (problem) Fail(*problem);
   Run({"watch"});
 }
 
@@ -136,7 +161,7 @@ bool WineWorld::WaitUntil(const std::function<bool()>& condition, Duration limit
 
 // What is expected is waited for anyway.
 void WineWorld::Wait(Duration span) {
-  constexpr Duration kLongest = std::chrono::milliseconds(300);
+  constexpr Duration kLongest = std::chrono::milliseconds(100);
   WaitUntil([] { return false; }, std::min(span, kLongest));
 }
 
@@ -151,8 +176,8 @@ Problem WineWorld::TryRun(const Words& words, std::string* answer) {
   std::string line;
   for (const std::string& word : words) line += (line.empty() ? "" : "\t") + word;
   answer_.reset();
-  observer_->WriteLine(line);
-  if (!WaitUntil([this] { return answer_ || sessionEnded_; }, kPatience * 2) || !answer_)
+  const bool isGiven = observer_->WriteLine(line);
+  if (!isGiven || !WaitUntil([this] { return answer_ || sessionEnded_; }, kPatience * 2) || !answer_)
     return words[0] + ": no answer";
   const std::string given = *std::exchange(answer_, std::nullopt);
   if (given.starts_with("!")) return words[0] + ": " + given.substr(2);
@@ -168,9 +193,10 @@ std::string WineWorld::Run(const Words& words) {
 
 // What a program does to Windows itself cannot be seen from beside it.
 bool WineWorld::Sees(std::string_view line) const {
-  constexpr std::string_view kUnseen[] = {"awake", "stays awake", "may sleep", "session ", "beep",   "sound ",
-                                          "run ",  "macro ",      "timer ",    "registry ", "file ",  "debug ",
-                                          "menu ", "chosen ",     "box ",      "answer ",   "dialog ", "foreground "};
+  constexpr std::string_view kUnseen[] = {"awake",   "stays awake", "may sleep",  "session ", "beep",
+                                          "sound ",  "run ",        "macro ",     "timer ",   "registry ",
+                                          "file ",   "debug ",      "menu ",      "chosen ",  "box ",
+                                          "answer ", "dialog ",     "foreground "};
   return std::ranges::none_of(kUnseen, [&](std::string_view word) { return line.starts_with(word); });
 }
 
@@ -190,35 +216,29 @@ std::optional<int> WineWorld::ExitCode() {
 }
 
 bool WineWorld::HasMainWindow() {
-  return Run({"find", std::string(simulator::kMainWindow)}) == "yes";
+  return Run({"find", kMainWindow}) == "yes";
+}
+
+std::optional<int64_t> WineWorld::AskNumber(const Words& words) {
+  std::string answer;
+  if (TryRun(words, &answer)) return std::nullopt;
+  return std::stoll(answer);
 }
 
 std::optional<int64_t> WineWorld::Ask(uint32_t message, int64_t wParam, int64_t lParam) {
-  std::string answer;
-  if (TryRun({"send", std::string(simulator::kMainWindow), std::to_string(message), std::to_string(wParam),
-              std::to_string(lParam)},
-             &answer))
-    return std::nullopt;
-  return std::stoll(answer);
+  return AskNumber(
+      {"send", kMainWindow, std::to_string(message), std::to_string(wParam), std::to_string(lParam)});
 }
 
 bool WineWorld::Post(uint32_t message, int64_t wParam, int64_t lParam) {
-  return !TryRun({"post", std::string(simulator::kMainWindow), std::to_string(message),
-                  std::to_string(wParam), std::to_string(lParam)});
+  return !TryRun(
+      {"post", kMainWindow, std::to_string(message), std::to_string(wParam), std::to_string(lParam)});
 }
 
 std::optional<int64_t> WineWorld::SendData(std::string_view sender, uint64_t tag, std::string_view payload) {
-  std::string hex;
-  char digits[3];
-  for (const char byte : payload) {
-    std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned char>(byte));
-    hex += digits;
-  }
-  std::string answer;
-  if (TryRun({"copy", std::string(simulator::kMainWindow), std::string(sender), std::to_string(tag), hex},
-             &answer))
-    return std::nullopt;
-  return std::stoll(answer);
+  std::string hex =
+      simulator::DescribeBytes({reinterpret_cast<const uint8_t*>(payload.data()), payload.size()});
+  return AskNumber({"copy", kMainWindow, std::string(sender), std::to_string(tag), hex});
 }
 
 std::optional<std::string> WineWorld::AskReport(int64_t selection) {
@@ -232,12 +252,7 @@ std::optional<std::string> WineWorld::AskReport(int64_t selection) {
 }
 
 std::optional<int64_t> WineWorld::AnnouncePort(bool arrived, std::string_view name) {
-  std::string answer;
-  if (TryRun(
-          {"device", std::string(simulator::kMainWindow), arrived ? "arrived" : "removed", std::string(name)},
-          &answer))
-    return std::nullopt;
-  return std::stoll(answer);
+  return AskNumber({"device", kMainWindow, arrived ? "arrived" : "removed", std::string(name)});
 }
 
 std::optional<int64_t> WineWorld::PlugPort(bool plugged) {
@@ -298,8 +313,8 @@ bool WineWorld::IsApplicationOpen(std::string_view windowClass) {
   return Run({"find", std::string(windowClass)}) == "yes";
 }
 void WineWorld::PlayOtherCopy() {
-  Run({"hold", std::string(simulator::kMainWindow)});
-  Run({"open", std::string(simulator::kMainWindow)});
+  Run({"hold", kMainWindow});
+  Run({"open", kMainWindow});
 }
 
 std::vector<DialogLook> WineWorld::Dialogs() {
@@ -378,11 +393,12 @@ Problem WineWorld::UseTrayIcon(simulator::TrayIcon icon, simulator::MouseAction 
   return TryRun({"tray", std::to_string(static_cast<int>(icon)), kActions[static_cast<int>(action)]});
 }
 
+// A menu that is open takes the keys of its window: the access key of the item, escape without one.
 Problem WineWorld::ChooseMenuItem(std::string_view label) {
-  const Words menu = {"menu", ProgramPath("veltratool.exe"), std::string(simulator::kMainWindow),
-                      std::string(label)};
-  Problem problem = "no menu is open";
-  WaitUntil([&] { return !(problem = TryRun(menu)); }, std::chrono::seconds(3));
+  const std::string keys = label.empty() ? "\x1B" : AccessKeysOf(label);
+  if (keys.empty()) return "no menu has such an item with an access key";
+  Problem problem;
+  WaitUntil([&] { return !(problem = TryRun({"menu", kMainWindow, keys})); }, std::chrono::seconds(3));
   return problem;
 }
 

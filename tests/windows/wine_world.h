@@ -76,6 +76,7 @@ class WineWorld : public simulator::World {
   Problem ChooseMenuItem(std::string_view label) override;
 
  private:
+  std::optional<int64_t> AskNumber(const std::vector<std::string>& words);
   // Looks once at everything that may have happened.
   void Turn();
   void TakeObserverLines();

@@ -6,9 +6,6 @@
 #include <cstring>
 #include <sstream>
 #include <stdexcept>
-#include <thread>
-
-#include "base/handles.h"
 
 namespace observer {
 
@@ -60,8 +57,8 @@ std::string RunPost(const Words& words) {
 
 std::string RunCopy(const Words& words) {
   std::string bytes;
-  for (size_t at = 0; at + 2 <= words[4].size(); at += 2)
-    bytes.push_back(static_cast<char>(std::stoi(words[4].substr(at, 2), nullptr, 16)));
+  std::istringstream hex(words[4]);
+  for (std::string byte; hex >> byte;) bytes.push_back(static_cast<char>(std::stoi(byte, nullptr, 16)));
   COPYDATASTRUCT data = {};
   data.dwData = static_cast<ULONG_PTR>(Number(words[3]));
   data.cbData = static_cast<DWORD>(bytes.size());
@@ -85,45 +82,13 @@ std::string RunDevice(const Words& words) {
                              reinterpret_cast<LPARAM>(port)));
 }
 
-// The editor has a thread of its own: meanwhile commands go on.
-std::string RunCompose(const Words& words) {
-  std::thread([library = Wide(words[1]), text = words[2]] {
-    using ComposeMacro = char* (*)(HWND, char*, char*, char*);
-    const veltra::UniqueModule module(LoadLibraryW(library.c_str()));
-    const auto compose = veltra::FindExport<ComposeMacro>(module.Get(), "ComposeMacro");
-    char model[256] = "Sarvik5";
-    char macro[1024] = {};
-    char file[260] = "C:\\custom.mcr";
-    text.copy(macro, sizeof macro - 1);
-    const char* composed = compose ? compose(nullptr, model, macro, file) : "no plug-in";
-    ReportEvent(std::string("composed ").append(composed ? composed : "nothing"));
-  }).detach();
-  return {};
-}
-
-// A string table stores sixteen texts a block, each behind its length.
-std::string RunString(const Words& words) {
-  const veltra::UniqueModule module(
-      LoadLibraryExW(Wide(words[1]).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
-  if (!module) throw std::runtime_error("the file cannot be opened");
-  const auto id = static_cast<WORD>(Number(words[2]));
-  const HRSRC block = FindResourceExW(module.Get(), MAKEINTRESOURCEW(6) /* RT_STRING */,
-                                      MAKEINTRESOURCEW(id / 16 + 1), static_cast<WORD>(Number(words[3])));
-  if (!block) throw std::runtime_error("no such text in that language");
-  const auto* text = static_cast<const wchar_t*>(LockResource(LoadResource(module.Get(), block)));
-  for (int skipped = id % 16; skipped > 0; --skipped) text += 1 + *text;
-  return Utf8({text + 1, static_cast<size_t>(*text)});
-}
-
 constexpr Command kCommands[] = {
-    {"find", 1, RunFind},        // CLASS: yes or no
-    {"handle", 1, RunHandle},    // CLASS: the number of its window
-    {"send", 4, RunSend},        // CLASS MESSAGE WPARAM LPARAM: the window's result
-    {"post", 4, RunPost},        // CLASS MESSAGE WPARAM LPARAM
-    {"copy", 4, RunCopy},        // CLASS SENDER-CLASS TAG HEX: the window's result
-    {"device", 3, RunDevice},    // CLASS arrived|removed PORT: the window's result
-    {"compose", 2, RunCompose},  // LIBRARY TEXT: the editor of a macro plug-in; its end is an event
-    {"string", 3, RunString},    // FILE ID LANGUAGE: a text of a program's resources
+    {"find", 1, RunFind},      // CLASS: yes or no
+    {"handle", 1, RunHandle},  // CLASS: the number of its window
+    {"send", 4, RunSend},      // CLASS MESSAGE WPARAM LPARAM: the window's result
+    {"post", 4, RunPost},      // CLASS MESSAGE WPARAM LPARAM
+    {"copy", 4, RunCopy},      // CLASS SENDER-CLASS TAG HEX: the window's result
+    {"device", 3, RunDevice},  // CLASS arrived|removed PORT: the window's result
 };
 
 const Command* FindCommand(const std::string& name) {

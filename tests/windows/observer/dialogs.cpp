@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "base/handles.h"
 #include "tests/windows/observer/commands.h"
 
 namespace observer {
@@ -151,51 +150,14 @@ std::string RunCloseDialog(const Words&) {
   return {};
 }
 
-// ---- menus
-// --------------------------------------------------------------------------------------------
-
-struct WantedItem {
-  std::wstring label;
-  std::wstring keys;  // access keys of items of that label
-};
-
-void LookInMenu(HMENU menu, WantedItem& wanted) {
-  for (int n = 0; n < GetMenuItemCount(menu); ++n) {
-    wchar_t text[128] = {};
-    GetMenuStringW(menu, static_cast<UINT>(n), text, static_cast<int>(std::size(text)), MF_BYPOSITION);
-    std::wstring plain = text;
-    const size_t mark = plain.find(L'&');
-    const wchar_t key = mark == plain.npos ? L'\0' : plain[mark + 1];
-    if (key && plain.erase(mark, 1) == wanted.label) wanted.keys += key;
-    if (const HMENU popup = GetSubMenu(menu, n)) LookInMenu(popup, wanted);
-  }
-}
-
-BOOL CALLBACK LookInResource(HMODULE module, LPCWSTR type, LPCWSTR name, WORD language, LONG_PTR wanted) {
-  const HMENU menu =
-      LoadMenuIndirectW(LockResource(LoadResource(module, FindResourceExW(module, type, name, language))));
-  LookInMenu(menu, *reinterpret_cast<WantedItem*>(wanted));
-  DestroyMenu(menu);
-  return TRUE;
-}
-
-// A menu that is open takes the keys of its window. Its items stand in the program's resources; a key that it
-// has no item for does nothing.
+// The menu that is open takes the keys of its window; it passes over those that it has no item for.
 std::string RunMenu(const Words& words) {
-  constexpr int kMenuType = 4;  // RT_MENU
-  constexpr int kNumbers = 256;
   if (!IsWindowVisible(FindWindowW(L"#32768", nullptr))) throw std::runtime_error("no menu is open");
-  const HWND owner = Find(words[2]);
-  const veltra::UniqueModule program(
-      LoadLibraryExW(Wide(words[1]).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
-  WantedItem wanted{Wide(words[3]), {}};
-  for (int menu = 1; menu < kNumbers; ++menu)
-    EnumResourceLanguagesW(program.Get(), MAKEINTRESOURCEW(kMenuType), MAKEINTRESOURCEW(menu), LookInResource,
-                           reinterpret_cast<LONG_PTR>(&wanted));
-  if (words[3].empty()) PressKey(owner, VK_ESCAPE);
-  if (!words[3].empty() && wanted.keys.empty())
-    throw std::runtime_error("no menu has such an item with a key");
-  for (const wchar_t key : wanted.keys) PostMessageW(owner, WM_CHAR, key, 1);
+  for (const char key : words[2])
+    if (key == VK_ESCAPE)
+      PressKey(Find(words[1]), VK_ESCAPE);
+    else
+      PostMessageW(Find(words[1]), WM_CHAR, static_cast<WPARAM>(key), 1);
   return {};
 }
 
@@ -238,7 +200,7 @@ constexpr Command kCommands[] = {
     {"slide", 2, RunSlide},               // ID POSITION
     {"key", 1, RunKey},                   // KEY
     {"close-dialog", 0, RunCloseDialog},
-    {"menu", 3, RunMenu},  // PROGRAM OWNER-CLASS LABEL: chooses in the menu that is open; no label closes it
+    {"menu", 2, RunMenu},        // OWNER-CLASS KEYS
     {"texts", 1, RunTexts},      // CAPTION: yes and the texts of its controls, or no
     {"visible", 1, RunVisible},  // CAPTION: yes or no
     {"rect", 1, RunRect},        // CAPTION: its place on the desktop, as WIDTHxHEIGHT+LEFT+TOP

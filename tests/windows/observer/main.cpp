@@ -39,7 +39,8 @@ LRESULT CALLBACK OnMouse(int code, WPARAM message, LPARAM data) {
   if (code == HC_ACTION)
     for (const MouseAction& row : kMouseActions)
       if (row.message == message) observer::ReportEvent(std::string("mouse ") + row.words);
-  if (code == HC_ACTION && message == WM_MOUSEMOVE) ReportMove(reinterpret_cast<const MSLLHOOKSTRUCT*>(data)->pt);
+  if (code == HC_ACTION && message == WM_MOUSEMOVE)
+    ReportMove(reinterpret_cast<const MSLLHOOKSTRUCT*>(data)->pt);
   return CallNextHookEx(nullptr, code, message, data);
 }
 
