@@ -209,7 +209,7 @@ Description Of(const SerialClosed& e) {
 }
 Description Of(const SerialPurged& e) {
   return {"serial purged",
-          "purged " + Port(e.port) + " " + Hex(e.flags, 1),
+          "purged COM" + Number(e.port) + " " + Hex(e.flags, 1),
           {{"port", e.port}, {"flags", e.flags}}};
 }
 Description Of(const SerialWrite& e) {
