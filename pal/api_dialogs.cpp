@@ -14,11 +14,12 @@ DLGPROC ProcedureOf(HWND dialog) {
 }
 
 void Centre(HWND dialog) {
-  RECT desktop, own;
-  GetWindowRect(GetDesktopWindow(), &desktop);
-  GetWindowRect(dialog, &own);
-  SetWindowPos(dialog, HWND_TOP, (desktop.right - (own.right - own.left)) / 2,
-               (desktop.bottom - (own.bottom - own.top)) / 2, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  const Call call;
+  const RECT& desktop = call->desktop.Find(call->desktop.DesktopWindow())->rect;
+  RECT& own = call->desktop.Find(dialog)->rect;
+  const SIZE size = {own.right - own.left, own.bottom - own.top};
+  const POINT place = {(desktop.right - size.cx) / 2, (desktop.bottom - size.cy) / 2};
+  own = {place.x, place.y, place.x + size.cx, place.y + size.cy};
 }
 
 DialogTemplate ReadTemplate(LPCDLGTEMPLATEW dialog) {

@@ -76,7 +76,8 @@ std::optional<std::u16string> Ask(const OpenFileBox& shown) {
   box->shown = shown;
   box->window = AddBoxWindow(state, self, shown.owner);
   state.dialogs.fileBoxes.push_back(box);
-  state.Emit(FileBoxShown{shown.filters.empty() ? std::u16string() : shown.filters.front().first});
+  state.Emit(FileBoxShown{shown.filters.empty() ? std::u16string() : shown.filters.front().first,
+                          shown.defaultExtension, shown.initialName, shown.flags});
   const std::optional<int> quit =
       RunNestedLoop(state, self, [&] { return box->isAnswered || !state.desktop.Find(box->window); });
   std::erase(state.dialogs.fileBoxes, box);

@@ -9,13 +9,14 @@ namespace {
 
 thread_local DWORD lastError = ERROR_SUCCESS;
 
-HANDLE OpenPort(State& state, int number, DWORD disposition, DWORD flagsAndAttributes) {
+HANDLE OpenPort(State& state, int number, DWORD access, DWORD share, DWORD disposition,
+                DWORD flagsAndAttributes) {
   if (!(flagsAndAttributes & FILE_FLAG_OVERLAPPED)) Die("a port opened without FILE_FLAG_OVERLAPPED");
   Port* port = state.serialPorts.Find(number);
   if (!port) return Refuse(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
   if (disposition != OPEN_EXISTING) return Refuse(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
   HANDLE handle = INVALID_HANDLE_VALUE;
-  if (const DWORD error = port->Open(handle)) return Refuse(error, INVALID_HANDLE_VALUE);
+  if (const DWORD error = port->Open(handle, access, share)) return Refuse(error, INVALID_HANDLE_VALUE);
   return handle;
 }
 
@@ -52,7 +53,7 @@ HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode, LPSECURIT
   if (security || templateFile) Die("CreateFileW with security attributes or a template");
   if (!name) return Refuse(ERROR_PATH_NOT_FOUND, INVALID_HANDLE_VALUE);
   if (const std::optional<int> number = PortNumberOf(name))
-    return OpenPort(call.Get(), *number, disposition, flagsAndAttributes);
+    return OpenPort(call.Get(), *number, access, shareMode, disposition, flagsAndAttributes);
   return OpenDiskFile(call.Get(), name, access, shareMode, disposition, flagsAndAttributes);
 }
 

@@ -9,8 +9,7 @@ using namespace pal;
 namespace {
 
 constexpr DWORD kKnownMouseFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP |
-                                   MOUSEEVENTF_RIGHTDOWN | MOUSEEVENTF_RIGHTUP | MOUSEEVENTF_MIDDLEDOWN |
-                                   MOUSEEVENTF_MIDDLEUP | MOUSEEVENTF_WHEEL | MOUSEEVENTF_ABSOLUTE;
+                                   MOUSEEVENTF_RIGHTDOWN | MOUSEEVENTF_RIGHTUP;
 
 // The United States layout: where each virtual key lies on the keyboard.
 struct Key {

@@ -14,7 +14,7 @@ BOOL WINAPI SetThreadLocale(LCID locale) {
   if (call.Fails()) return FALSE;
   if (LANGIDFROMLCID(locale) == 0) return Refuse(ERROR_INVALID_PARAMETER, FALSE);
   CurrentThreadLanguage().locale = locale;
-  call->Emit(LanguageSet{LANGIDFROMLCID(locale)});
+  call->Emit(LanguageSet{LANGIDFROMLCID(locale), true});
   return TRUE;
 }
 

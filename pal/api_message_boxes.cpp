@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::u16string_view kDefaultCaption = u"Error";
 
-// The buttons of MB_OK to MB_RETRYCANCEL.
+// The boxes that the program shows.
 struct Buttons {
   UINT type;
   std::vector<int> ids;
@@ -18,17 +18,13 @@ struct Buttons {
 };
 const std::vector<Buttons> kButtons = {
     {MB_OK, {IDOK}, IDOK},
-    {MB_OKCANCEL, {IDOK, IDCANCEL}, IDCANCEL},
-    {MB_ABORTRETRYIGNORE, {IDABORT, IDRETRY, IDIGNORE}, 0},
-    {MB_YESNOCANCEL, {IDYES, IDNO, IDCANCEL}, IDCANCEL},
     {MB_YESNO, {IDYES, IDNO}, 0},
-    {MB_RETRYCANCEL, {IDRETRY, IDCANCEL}, IDCANCEL},
 };
 
 const Buttons& ButtonsOf(UINT type) {
-  const UINT wanted = type & MB_TYPEMASK;
-  if (wanted >= kButtons.size()) Die("MessageBoxW of an unknown type");
-  return kButtons[wanted];
+  const auto wanted = std::ranges::find(kButtons, type & MB_TYPEMASK, &Buttons::type);
+  if (wanted == kButtons.end()) Die("MessageBoxW of an unknown type");
+  return *wanted;
 }
 
 bool HasButton(const OpenMessageBox& box, int button) {
@@ -93,7 +89,7 @@ int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
   const OpenMessageBox shown{owner, text ? text : u"", std::u16string(caption ? caption : kDefaultCaption),
                              type};
   ButtonsOf(type);
-  state.Emit(BoxShown{shown.text, shown.caption, type});
+  state.Emit(BoxShown{shown.text, shown.caption, type, state.desktop.ClassOf(shown.owner)});
 
   auto box = std::make_shared<WaitingBox>(WaitingBox{nullptr, shown, state.boxes.automaticAnswer});
   std::optional<int> quit;

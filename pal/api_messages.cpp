@@ -31,7 +31,7 @@ bool CanOnlyBeSent(UINT message) {
 }
 
 void EmitBroadcast(State& state, UINT message, WPARAM wParam, LPARAM lParam) {
-  state.Emit(ForeignMessageSent{u"*", message, wParam, lParam, 0, {}});
+  state.Emit(ForeignMessageSent{u"*", message, wParam, lParam, 0, {}, true});
 }
 
 // Runs the handler of a window of another program soon.
@@ -72,6 +72,7 @@ std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND win
 struct Patience {
   std::optional<Time> deadline = std::nullopt;
   UINT flags = SMTO_NORMAL;
+  UINT limitMs = 0;
 };
 
 // Waits, handling meanwhile what others send to the caller; 0 or the error.
@@ -108,7 +109,7 @@ std::optional<LRESULT> SendToOther(State& state, const Window& window, UINT mess
       return Refuse(error, std::optional<LRESULT>());
   const Window* found = state.desktop.Find(handle);
   if (!found) return Refuse(ERROR_INVALID_WINDOW_HANDLE, std::optional<LRESULT>());
-  return SendToForeign(state, *found, message, wParam, lParam);
+  return SendToForeign(state, *found, message, wParam, lParam, patience.flags, patience.limitMs);
 }
 
 // Sends and waits for the answer. Empty, with a last error, when there is none.
@@ -222,7 +223,7 @@ LRESULT WINAPI SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPA
   if (window == HWND_BROADCAST) Die("SendMessageTimeoutW to all windows");
   const std::optional<Time> deadline = Deadline(call->scheduler.Now(), timeoutMs);
   const std::optional<LRESULT> answer =
-      SendAndWait(call.Get(), window, message, wParam, lParam, {deadline, flags});
+      SendAndWait(call.Get(), window, message, wParam, lParam, {deadline, flags, timeoutMs});
   if (!answer) return 0;
   if (result) *result = static_cast<DWORD_PTR>(*answer);
   return TRUE;
@@ -267,7 +268,7 @@ UINT_PTR WINAPI SetTimer(HWND window, UINT_PTR id, UINT periodMs, TIMERPROC call
   const UINT period = std::clamp<UINT>(periodMs, USER_TIMER_MINIMUM, USER_TIMER_MAXIMUM);
   const Time length = std::chrono::milliseconds(period);
   self.queue.SetTimer({window, id, call->scheduler.Now() + length, length, callback});
-  call->Emit(TimerSet{id, period});
+  call->Emit(TimerSet{id, period, call->desktop.ClassOf(window)});
   return id != 0 ? id : 1;
 }
 
@@ -275,6 +276,6 @@ BOOL WINAPI KillTimer(HWND window, UINT_PTR id) {
   const Call call("KillTimer");
   if (call.Fails()) return FALSE;
   if (!CallingThread("KillTimer").queue.KillTimer(window, id)) return Refuse(ERROR_INVALID_PARAMETER, FALSE);
-  call->Emit(TimerKilled{id});
+  call->Emit(TimerKilled{id, call->desktop.ClassOf(window)});
   return TRUE;
 }

@@ -78,7 +78,7 @@ HMODULE Load(const Call& call, LPCWSTR fileName, DWORD flags) {
   const auto module = std::make_shared<LoadedModule>(file);
   module->handle = static_cast<HMODULE>(call->handles.Add(module));
   modules.Remember(module);
-  call->Emit(ModuleLoaded{file->path});
+  call->Emit(ModuleLoaded{file->path, flags});
   return module->handle;
 }
 

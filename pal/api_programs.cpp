@@ -49,8 +49,8 @@ BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info) {
   if (info->cbSize != sizeof(*info)) Die("SHELLEXECUTEINFOW of another size");
   if (info->fMask & ~SEE_MASK_NOCLOSEPROCESS) Die("ShellExecuteExW with an unknown flag");
   call->Emit(ProgramExecuted{TextOrNothing(info->lpVerb), TextOrNothing(info->lpFile),
-                             TextOrNothing(info->lpParameters), TextOrNothing(info->lpDirectory),
-                             info->nShow});
+                             TextOrNothing(info->lpParameters), TextOrNothing(info->lpDirectory), info->nShow,
+                             info->fMask});
   info->hProcess = info->fMask & SEE_MASK_NOCLOSEPROCESS ? StartProcess(call.Get()) : nullptr;
   return TRUE;
 }

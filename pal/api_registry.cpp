@@ -41,7 +41,8 @@ Reached Reach(State& state, HKEY handle, REGSAM access) {
   return {open->Key()};
 }
 
-HKEY AddHandle(State& state, std::shared_ptr<RegistryKey> key, REGSAM access) {
+HKEY AddHandle(State& state, std::shared_ptr<RegistryKey> key, REGSAM access, bool isNew) {
+  state.Emit(RegistryOpened{key->path, access, isNew});
   return static_cast<HKEY>(state.handles.Add(std::make_shared<OpenKey>(std::move(key), access)));
 }
 
@@ -71,7 +72,7 @@ LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM acces
   if (!base.key) return base.error;
   const auto found = RegistryStore::Find(base.key, CheckPath(OrEmpty(path)));
   if (!found) return ERROR_FILE_NOT_FOUND;
-  *opened = AddHandle(call.Get(), found, access);
+  *opened = AddHandle(call.Get(), found, access, false);
   return ERROR_SUCCESS;
 }
 
@@ -89,13 +90,14 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR ke
   const Reached base = Reach(call.Get(), key, 0);
   if (!base.key) return base.error;
   std::shared_ptr<RegistryKey> found = RegistryStore::Find(base.key, keyPath);
-  if (disposition) *disposition = found ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
-  if (!found) {
+  const bool isNew = !found;
+  if (disposition) *disposition = isNew ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
+  if (isNew) {
     const Reached parent = Reach(call.Get(), key, KEY_CREATE_SUB_KEY);
     if (!parent.key) return parent.error;
     found = RegistryStore::Create(parent.key, keyPath);
   }
-  *opened = AddHandle(call.Get(), found, access);
+  *opened = AddHandle(call.Get(), found, access, isNew);
   return ERROR_SUCCESS;
 }
 

@@ -16,7 +16,9 @@ bool IsInside(State& state, HWND outer, HWND inner) {
 void EmitShown(State& state, const Window& window, bool isShown) {
   if (window.procedure != DialogProcedure || window.parent) return;
   if (isShown)
-    state.Emit(DialogShown{window.title});
+    state.Emit(DialogShown{window.title, window.rect.left, window.rect.top,
+                           window.rect.right - window.rect.left, window.rect.bottom - window.rect.top,
+                           (window.exStyle & WS_EX_TOPMOST) != 0, state.desktop.ClassOf(window.owner)});
   else
     state.Emit(DialogHidden{window.title});
 }
@@ -112,6 +114,7 @@ BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width,
   if (!(flags & SWP_NOMOVE)) rect = {x, y, x + size.cx, y + size.cy};
   if (!(flags & SWP_NOSIZE)) rect = {rect.left, rect.top, rect.left + width, rect.top + height};
   if (reorders && insertAfter == HWND_TOPMOST) found->exStyle |= WS_EX_TOPMOST;
+  call->Emit(WindowPlaced{found->title, x, y, width, height, reorders && insertAfter == HWND_TOPMOST, flags});
   return TRUE;
 }
 

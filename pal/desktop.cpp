@@ -62,6 +62,11 @@ Window* Desktop::Find(HWND handle) {
   return found == windows_.end() ? nullptr : &found->second;
 }
 
+std::u16string Desktop::ClassOf(HWND handle) const {
+  const auto found = windows_.find(handle);
+  return found == windows_.end() ? std::u16string() : found->second.windowClass->name;
+}
+
 void Desktop::Remove(HWND handle) {
   windows_.erase(handle);
   if (focus_ == handle) focus_ = nullptr;

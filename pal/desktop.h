@@ -64,6 +64,8 @@ class Desktop {
   Window& Add(Window window);  // gives it its handle
   [[nodiscard]] Window* Find(HWND handle);
   void Remove(HWND handle);
+  // The name of the window's class; empty when there is no such window.
+  [[nodiscard]] std::u16string ClassOf(HWND handle) const;
   // The newest first, as they lie on the desktop.
   [[nodiscard]] std::vector<HWND> TopLevel() const;
   [[nodiscard]] std::vector<HWND> Children(HWND parent) const;  // in the order of their creation

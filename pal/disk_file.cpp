@@ -62,6 +62,7 @@ HANDLE Open(State& state, const DiskPath& path, const Request& request) {
   if (!opening) return Refuse(ERROR_SHARING_VIOLATION, INVALID_HANDLE_VALUE);
   if (request.Empties()) std::filesystem::resize_file(path.host, 0);
   const bool openedAnyway = path.exists && request.Makes();
+  state.Emit(FileOpened{path.windows, request.access, request.share, request.disposition, request.flags});
   const HANDLE handle = state.handles.Add(std::make_shared<DiskFile>(std::move(opening), path.windows));
   return Refuse(openedAnyway ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS, handle);
 }

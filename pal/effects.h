@@ -1,9 +1,11 @@
-// What the program did to the machine: one typed record for each thing, in one ordered stream.
+// What the program did to the machine: one typed record for each thing, in one ordered stream. effects.cpp
+// describes each kind once: its name, its words and its fields; text, JSON and comparison come from there.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <variant>
 #include <vector>
@@ -34,8 +36,18 @@ struct TrayBalloon {
 // clang-format off
 struct DebugOutput { std::u16string text; };
 struct RegistryWrite { std::u16string key; std::u16string name; uint32_t type = 0; std::vector<uint8_t> data; };
+// A key that the program opened, or made; `access` is KEY_...
+struct RegistryOpened { std::u16string key; uint32_t access = 0; bool isNew = false; };
+struct FileOpened {
+  std::u16string path;
+  uint32_t access = 0;  // GENERIC_...
+  uint32_t share = 0;   // FILE_SHARE_...
+  uint32_t disposition = 0;
+  uint32_t flags = 0;
+};
 struct FileWrite { std::u16string path; std::string bytes; };
-struct SerialOpened { int port = 0; };
+struct SerialOpened { int port = 0; uint32_t access = 0; uint32_t share = 0; };
+struct SerialPurged { int port = 0; uint32_t flags = 0; };
 struct SerialClosed { int port = 0; };
 struct SerialWrite { int port = 0; std::vector<uint8_t> bytes; };
 struct MouseInput { uint32_t flags = 0; int32_t dx = 0, dy = 0; uint32_t data = 0; };
@@ -45,12 +57,29 @@ struct WindowsExit { uint32_t flags = 0; uint32_t reason = 0; };
 // The end of the session is asked to wait; an empty reason: not any more.
 struct SessionHeld { std::u16string reason; };
 struct Beep { uint32_t type = 0; };
-struct BoxShown { std::u16string text; std::u16string caption; uint32_t type = 0; };
+struct BoxShown { std::u16string text; std::u16string caption; uint32_t type = 0; std::u16string owner = {}; };  // its class
 struct BoxAnswered { int button = 0; };
-struct DialogShown { std::u16string title; };
+struct DialogShown {
+  std::u16string title;
+  int x = 0, y = 0, width = 0, height = 0;
+  bool isTopmost = false;
+  std::u16string owner = {};  // its class
+};
 struct DialogHidden { std::u16string title; };
 struct EllipseDrawn { int left = 0, top = 0, right = 0, bottom = 0; uint32_t colour = 0; };
-struct FileBoxShown { std::u16string filter; };  // the name of the first filter
+// SetWindowPos; `flags` say what of it counts.
+struct WindowPlaced {
+  std::u16string title;
+  int x = 0, y = 0, width = 0, height = 0;
+  bool isTopmost = false;
+  uint32_t flags = 0;
+};
+struct FileBoxShown {
+  std::u16string filter;  // the name of the first filter
+  std::u16string extension = {};
+  std::u16string name = {};  // that it begins with
+  uint32_t flags = 0;
+};
 struct FileBoxAnswered { std::u16string path; };  // empty: cancelled
 // A message that left the program: to a window of another program, or to all of them (className "*").
 struct ForeignMessageSent {
@@ -60,6 +89,9 @@ struct ForeignMessageSent {
   int64_t lParam = 0;
   uint64_t copyDataTag = 0;
   std::vector<uint8_t> payload;
+  bool isPosted = false;  // nobody waits for an answer
+  uint32_t patience = 0;  // SMTO_..., and the limit, of a wait for the answer that has one
+  uint32_t limitMs = 0;
 };
 // An icon of the notification area. What was not told stays empty; a picture is the number of an icon resource,
 // 0 for none.
@@ -71,10 +103,11 @@ struct TrayChange {
   std::optional<std::u16string> tooltip;
   std::optional<TrayBalloon> balloon;
 };
-struct TimerSet { uint64_t id = 0; uint32_t periodMs = 0; };
-struct TimerKilled { uint64_t id = 0; };
-struct LanguageSet { uint16_t language = 0; };
-struct ModuleLoaded { std::u16string path; };
+// `window` is the class of the window; empty for a timer without one.
+struct TimerSet { uint64_t id = 0; uint32_t periodMs = 0; std::u16string window = {}; };
+struct TimerKilled { uint64_t id = 0; std::u16string window = {}; };
+struct LanguageSet { uint16_t language = 0; bool isLocale = false; };  // of the thread's locale, or its interface
+struct ModuleLoaded { std::u16string path; uint32_t flags = 0; };
 struct ModuleFreed { std::u16string path; };
 // What a simulated device behind a module was told: "joystick", "mouse filter", "board".
 struct DeviceCall { std::string device; std::string call; };
@@ -93,6 +126,7 @@ struct ProgramExecuted {
   std::u16string parameters;
   std::u16string directory;
   int show = 0;
+  uint32_t flags = 0;  // SEE_MASK_...
 };
 // Whether a 32-bit program on a 64-bit Windows sees its own system directory in place of the real one.
 struct RedirectionSet { bool isOn = true; };
@@ -104,8 +138,11 @@ struct ProgramEnded { int exitCode = 0; };
 using AnyEffect = std::variant<
     DebugOutput,
     RegistryWrite,
+    RegistryOpened,
+    FileOpened,
     FileWrite,
     SerialOpened,
+    SerialPurged,
     SerialClosed,
     SerialWrite,
     MouseInput,
@@ -118,6 +155,7 @@ using AnyEffect = std::variant<
     BoxAnswered,
     DialogShown,
     DialogHidden,
+    WindowPlaced,
     EllipseDrawn,
     FileBoxShown,
     FileBoxAnswered,
@@ -162,6 +200,26 @@ struct Effect {
 std::string Describe(const Effect& effect);
 // One JSON object without a line end: {"t_us":..., "kind":"mouse", ...}.
 std::string ToJson(const Effect& effect);
+
+// Whether they are of one kind with the same fields.
+bool AreSame(const EffectDetail& a, const EffectDetail& b);
+
+template <class Detail, class Kinds>
+inline constexpr bool kIsOneOf = false;
+template <class Detail, class... Kinds>
+inline constexpr bool kIsOneOf<Detail, std::variant<Kinds...>> = (std::is_same_v<Detail, Kinds> || ...);
+template <class Detail>
+concept EffectKind = kIsOneOf<Detail, AnyEffect>;
+
+template <EffectKind Detail>
+bool operator==(const Detail& a, const Detail& b) {
+  return AreSame(a, b);
+}
+// For tests that compare effects.
+template <EffectKind Detail>
+void PrintTo(const Detail& detail, std::ostream* out) {
+  *out << ToJson({Time(0), detail});
+}
 
 // All effects of one kind.
 template <class Detail>

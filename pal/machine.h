@@ -181,7 +181,8 @@ class Machine {
   // ---- desktop ------------------------------------------------------------------------------------------
   HWND AddForeignWindow(std::u16string_view className, ForeignWindowHandler handler = {});
   void RemoveForeignWindow(HWND window);
-  // The program of that window looks at no messages from now on, or does so again: who sends it something waits.
+  // The program of that window looks at no messages from now on, or does so again: who sends it something
+  // waits.
   void SetHung(HWND window, bool hung);
   void AddForeignMutex(std::u16string_view name);  // another process holds it
   // The person. A message box stays open until it is answered, unless an automatic answer is set.

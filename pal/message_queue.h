@@ -79,7 +79,7 @@ class MessageQueue {
 
  private:
   [[nodiscard]] size_t FindPosted(const MessageFilter& filter) const;  // posted_.size() when there is none
-  [[nodiscard]] HWND FindToPaint(const MessageFilter& filter) const;       // null when there is none
+  [[nodiscard]] HWND FindToPaint(const MessageFilter& filter) const;   // null when there is none
   [[nodiscard]] size_t FindDueTimer(const MessageFilter& filter,
                                     Time now) const;  // timers_.size() when there is none
 

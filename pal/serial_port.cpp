@@ -187,6 +187,7 @@ DWORD PortHandle::Purge(DWORD flags) {
   if (const DWORD refusal = Refusal()) return refusal;
   if (flags & ~(PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR))
     return ERROR_INVALID_PARAMETER;
+  port_.state_.Emit(SerialPurged{port_.number_, flags});
   if (!(flags & PURGE_RXCLEAR)) return ERROR_SUCCESS;
   if (tty_) tty_->DiscardInput();
   port_.input_.clear();
@@ -228,7 +229,7 @@ Port::Port(State& state, int number) : state_(state), number_(number) {
   dcb_.ByteSize = 8;
 }
 
-DWORD Port::Open(HANDLE& handle) {
+DWORD Port::Open(HANDLE& handle, DWORD access, DWORD share) {
   if (!handle_.expired())
     return ERROR_ACCESS_DENIED;  // also while a handle of the device that vanished is open
   if (!present_) return ERROR_FILE_NOT_FOUND;
@@ -242,7 +243,7 @@ DWORD Port::Open(HANDLE& handle) {
   timeouts_ = {};
   commErrors_ = 0;
   handle = state_.handles.Add(std::move(opened));
-  state_.Emit(SerialOpened{number_});
+  state_.Emit(SerialOpened{number_, access, share});
   return ERROR_SUCCESS;
 }
 

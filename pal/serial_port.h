@@ -84,7 +84,7 @@ class Port final : public SerialPort {
   void SetDriverDefaults(const DCB& dcb) override;
 
   // CreateFileW: 0 and a handle in the machine's table, or the error.
-  DWORD Open(HANDLE& handle);
+  DWORD Open(HANDLE& handle, DWORD access, DWORD share);
   void UseTty(std::filesystem::path tty) { ttyPath_ = std::move(tty); }
 
  private:

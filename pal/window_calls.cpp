@@ -16,11 +16,12 @@ ForeignMessage CopyForForeign(UINT message, WPARAM wParam, LPARAM lParam) {
   return copy;
 }
 
-void EmitForeign(State& state, const Window& window, const ForeignMessage& message) {
+void EmitForeign(State& state, const Window& window, const ForeignMessage& message, bool isPosted,
+                 UINT patience, UINT limitMs) {
   // The pointer of copied data says nothing, and differs from run to run.
   const int64_t lParam = message.message == WM_COPYDATA ? 0 : message.lParam;
   state.Emit(ForeignMessageSent{window.windowClass->name, message.message, message.wParam, lParam,
-                                message.copyDataTag, message.payload});
+                                message.copyDataTag, message.payload, isPosted, patience, limitMs});
 }
 
 template <class Action>
@@ -137,9 +138,10 @@ DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lPar
   return ERROR_SUCCESS;
 }
 
-LRESULT SendToForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT SendToForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam,
+                      UINT patience, UINT limitMs) {
   const ForeignMessage copy = CopyForForeign(message, wParam, lParam);
-  EmitForeign(state, window, copy);
+  EmitForeign(state, window, copy, false, patience, limitMs);
   if (!window.foreign) return 0;
   const ForeignWindowHandler handler = window.foreign;
   const MachineMutex::Open open(state.mutex);
@@ -148,7 +150,7 @@ LRESULT SendToForeign(State& state, const Window& window, UINT message, WPARAM w
 
 void NotifyForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam) {
   ForeignMessage copy = CopyForForeign(message, wParam, lParam);
-  EmitForeign(state, window, copy);
+  EmitForeign(state, window, copy, true, 0, 0);
   if (!window.foreign) return;
   state.scheduler.At(state.scheduler.Now(),
                      [handler = window.foreign, copy = std::move(copy)] { handler(copy); });

@@ -33,7 +33,8 @@ Window* FindOr1400(State& state, HWND handle);
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 // A message to a window of another program becomes an effect, and its handler runs: at once and for its
 // result, or soon, as an event.
-LRESULT SendToForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT SendToForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam,
+                      UINT patience, UINT limitMs);
 void NotifyForeign(State& state, const Window& window, UINT message, WPARAM wParam, LPARAM lParam);
 
 // The procedure of dialogs, which asks that of the program first.

@@ -28,8 +28,6 @@ TEST(Effects, OneShortWordingForEach) {
       {MouseInput{MOUSEEVENTF_LEFTDOWN, 0, 0, 0}, "mouse left down"},
       {MouseInput{MOUSEEVENTF_RIGHTUP, 0, 0, 0}, "mouse right up"},
       {MouseInput{MOUSEEVENTF_MOVE, 0, -1, 0}, "mouse move 0 -1"},
-      {MouseInput{MOUSEEVENTF_WHEEL, 0, 0, static_cast<uint32_t>(-120)}, "mouse wheel -120"},
-      {MouseInput{0x0080, 0, 0, 0}, "mouse flags 0x0080"},
       {KeyInput{VK_ESCAPE, 1, KEYEVENTF_KEYUP}, "key 0x1B up"},
       {KeyInput{VK_LEFT, 0x4B, KEYEVENTF_EXTENDEDKEY}, "key 0x25 down extended"},
       {ExecutionState{3}, "awake"},
@@ -71,7 +69,7 @@ TEST(Effects, TracesAreJson) {
             "left down\"}");
   EXPECT_EQ(ToJson({Time(0), BoxShown{u"a \"b\"\n\\", u"\u00e9", 0}}),
             "{\"t_us\":0,\"kind\":\"box\",\"caption\":\"\xC3\xA9\",\"message\":\"a "
-            "\\\"b\\\"\\u000A\\\\\",\"type\":0,"
+            "\\\"b\\\"\\u000A\\\\\",\"type\":0,\"owner\":\"\","
             "\"text\":\"box \\\"\xC3\xA9\\\": a \\\"b\\\"\\\\n\\\\\"}");
   const MenuItem inner = {u"English", 40212, false, true, false, false, {}};
   const MenuShown menu = {{{u"&Options", 40211, false, false, false, true, {}},
