@@ -199,7 +199,6 @@ EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags);
 
 // ---- modules and resources ----------------------------------------------------------------------------------
 
-#define LOAD_LIBRARY_AS_DATAFILE 0x00000002u
 #define LOAD_WITH_ALTERED_SEARCH_PATH 0x00000008u
 #define LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR 0x00000100u
 #define LOAD_LIBRARY_SEARCH_SYSTEM32 0x00000800u
