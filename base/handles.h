@@ -49,7 +49,7 @@ struct RegistryKeyKind {
   static Handle Invalid() { return nullptr; }
   static void Close(Handle handle) { RegCloseKey(handle); }
 };
-struct ModuleKind {  // LoadLibraryW
+struct ModuleKind {  // LoadLibraryExW
   using Handle = HMODULE;
   static Handle Invalid() { return nullptr; }
   static void Close(Handle handle) { FreeLibrary(handle); }

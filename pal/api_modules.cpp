@@ -122,11 +122,6 @@ DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size) {
   return Refuse(ERROR_SUCCESS, static_cast<DWORD>(path.size()));
 }
 
-HMODULE WINAPI LoadLibraryW(LPCWSTR fileName) {
-  const Call call("LoadLibraryW");
-  return call.Fails() ? nullptr : Load(call, fileName, 0);
-}
-
 HMODULE WINAPI LoadLibraryExW(LPCWSTR fileName, HANDLE file, DWORD flags) {
   const Call call("LoadLibraryExW");
   if (file) Die("LoadLibraryExW with a file handle");

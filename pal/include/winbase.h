@@ -209,7 +209,6 @@ BOOL WINAPI IsWow64Process(HANDLE process, PBOOL isWow64);
 BOOLEAN WINAPI Wow64EnableWow64FsRedirection(BOOLEAN enable);
 HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size);
-HMODULE WINAPI LoadLibraryW(LPCWSTR name);
 HMODULE WINAPI LoadLibraryExW(LPCWSTR name, HANDLE file, DWORD flags);
 BOOL WINAPI FreeLibrary(HMODULE module);
 FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name);

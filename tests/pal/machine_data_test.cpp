@@ -153,7 +153,7 @@ TEST_F(MachineData, ModulesAreLoadedByTheirFullPath) {
   machine_.AddModule(u"Device.dll", {MakeExport("Answer")});
   Run([this] {
     const std::u16string path = std::u16string(Machine::kProgramDirectory) + u"DEVICE.DLL";
-    EXPECT_EQ(LoadLibraryW(u"device.dll"), nullptr);
+    EXPECT_EQ(LoadLibraryExW(u"device.dll", nullptr, 0), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
     const HMODULE module = LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     ASSERT_NE(module, nullptr);
@@ -164,14 +164,14 @@ TEST_F(MachineData, ModulesAreLoadedByTheirFullPath) {
     EXPECT_EQ(GetProcAddress(module, "answer"), nullptr);
 
     // Each load wants its own release; meanwhile the file may go.
-    EXPECT_EQ(LoadLibraryW(path.c_str()), module);
+    EXPECT_EQ(LoadLibraryExW(path.c_str(), nullptr, 0), module);
     EXPECT_EQ(GetModuleHandleW(u"device"), module);
     machine_.RemoveModule(u"device.dll");
     EXPECT_TRUE(FreeLibrary(module));
     EXPECT_NE(GetProcAddress(module, "Answer"), nullptr);
     EXPECT_TRUE(FreeLibrary(module));
     EXPECT_FALSE(FreeLibrary(module));
-    EXPECT_EQ(LoadLibraryW(path.c_str()), nullptr);
+    EXPECT_EQ(LoadLibraryExW(path.c_str(), nullptr, 0), nullptr);
   });
   EXPECT_EQ(EffectsOf<pal::ModuleLoaded>().size(), 1U);
   EXPECT_EQ(EffectsOf<pal::ModuleFreed>().size(), 1U);

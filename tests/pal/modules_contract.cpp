@@ -40,7 +40,7 @@ TEST(Modules, TheKernelIsAlwaysThere) {
   EXPECT_EQ(GetProcAddress(kernel, "setthreaduilanguage"), nullptr);  // names of exports have a case
   EXPECT_EQ(GetProcAddress(kernel, "NoSuchExport"), nullptr);
   EXPECT_EQ(GetLastError(), DWORD{ERROR_PROC_NOT_FOUND});
-  EXPECT_EQ(LoadLibraryW(TEXT("kernel32.dll")), kernel);
+  EXPECT_EQ(LoadLibraryExW(TEXT("kernel32.dll"), nullptr, 0), kernel);
   EXPECT_TRUE(FreeLibrary(kernel));
   EXPECT_EQ(GetModuleHandleW(TEXT("kernel32.dll")), kernel);
 }
@@ -49,7 +49,7 @@ TEST(Modules, MissingModules) {
   WCHAR path[MAX_PATH] = {};
   GetModuleFileNameW(nullptr, path, MAX_PATH);
   const Text directory = Text(path).substr(0, Text(path).rfind('\\') + 1);
-  EXPECT_EQ(LoadLibraryW(TEXT("no such module.dll")), nullptr);
+  EXPECT_EQ(LoadLibraryExW(TEXT("no such module.dll"), nullptr, 0), nullptr);
   EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
   const Text missing = directory + TEXT("no such module.dll");
   EXPECT_EQ(LoadLibraryExW(missing.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH), nullptr);
