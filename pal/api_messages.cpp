@@ -8,17 +8,10 @@ using namespace pal;
 
 namespace {
 
-// With this for a window, GetMessage and PeekMessage give the messages that belong to no window.
-const HWND kNoWindow = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1));
-
 // Empty when there is no such window.
 std::optional<MessageFilter> MakeFilter(State& state, HWND window, UINT first, UINT last) {
   MessageFilter filter{{}, first, last};
   if (!window) return filter;
-  if (window == kNoWindow) {
-    filter.windows = {nullptr};
-    return filter;
-  }
   if (!state.desktop.Find(window)) return std::nullopt;
   filter.windows = state.desktop.WithDescendants(window);
   return filter;
@@ -28,32 +21,6 @@ std::optional<MessageFilter> MakeFilter(State& state, HWND window, UINT first, U
 bool CanOnlyBeSent(UINT message) {
   constexpr UINT kWithPointers[] = {WM_CREATE, WM_NCCREATE, WM_SETTEXT, WM_GETTEXT, WM_COPYDATA};
   return std::find(std::begin(kWithPointers), std::end(kWithPointers), message) != std::end(kWithPointers);
-}
-
-void EmitBroadcast(State& state, UINT message, WPARAM wParam, LPARAM lParam) {
-  state.Emit(ForeignMessageSent{u"*", message, wParam, lParam, 0, {}, true});
-}
-
-// Runs the handler of a window of another program soon.
-void RunHandlerSoon(State& state, const Window& window, const ForeignMessage& message) {
-  if (!window.foreign) return;
-  state.scheduler.At(state.scheduler.Now(), [handler = window.foreign, message] { handler(message); });
-}
-
-// A message to every top-level window: one effect, and `toOwn` for each window of the program.
-template <class ToOwn>
-void Broadcast(State& state, UINT message, WPARAM wParam, LPARAM lParam, ToOwn toOwn) {
-  if (CanOnlyBeSent(message)) Die("a broadcast of a message with a pointer");
-  EmitBroadcast(state, message, wParam, lParam);
-  for (const HWND handle : state.desktop.TopLevel()) {
-    const Window* window = state.desktop.Find(handle);
-    if (!window) continue;  // an earlier one destroyed it
-    if (window->thread) {
-      toOwn(handle);
-    } else {
-      RunHandlerSoon(state, *window, {message, wParam, lParam, 0, {}});
-    }
-  }
 }
 
 std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND window, UINT message,
@@ -142,6 +109,22 @@ DWORD NotifyOwn(State& state, HWND window, UINT message, WPARAM wParam, LPARAM l
   return ERROR_SUCCESS;
 }
 
+// To every top-level window: one effect, and each is told.
+void Broadcast(State& state, UINT message, WPARAM wParam, LPARAM lParam) {
+  state.Emit(ForeignMessageSent{u"*", message, wParam, lParam, 0, {}, true});
+  for (const HWND handle : state.desktop.TopLevel()) {
+    const Window* window = state.desktop.Find(handle);
+    if (!window) continue;  // an earlier one destroyed it
+    if (window->thread) {
+      NotifyOwn(state, handle, message, wParam, lParam);
+    } else if (window->foreign) {
+      state.scheduler.At(state.scheduler.Now(), [handler = window->foreign, message, wParam, lParam] {
+        handler({message, wParam, lParam, 0, {}});
+      });
+    }
+  }
+}
+
 }  // namespace
 
 BOOL WINAPI GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
@@ -195,11 +178,7 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam
   const Call call("PostMessageW");
   if (call.Fails()) return FALSE;
   if (CanOnlyBeSent(message)) return Refuse(ERROR_MESSAGE_SYNC_ONLY, FALSE);
-  if (window == HWND_BROADCAST) {
-    Broadcast(call.Get(), message, wParam, lParam,
-              [&](HWND own) { PostTo(call.Get(), own, message, wParam, lParam); });
-    return TRUE;
-  }
+  if (window == HWND_BROADCAST) Die("PostMessageW to all windows");
   const DWORD error = PostTo(call.Get(), window, message, wParam, lParam);
   return error == ERROR_SUCCESS ? TRUE : Refuse(error, FALSE);
 }
@@ -207,11 +186,7 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam
 LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   const Call call("SendMessageW");
   if (call.Fails()) return 0;
-  if (window != HWND_BROADCAST)
-    return SendAndWait(call.Get(), window, message, wParam, lParam, {}).value_or(0);
-  Broadcast(call.Get(), message, wParam, lParam,
-            [&](HWND own) { SendAndWait(call.Get(), own, message, wParam, lParam, {}); });
-  return TRUE;
+  return SendAndWait(call.Get(), window, message, wParam, lParam, {}).value_or(0);
 }
 
 LRESULT WINAPI SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT flags,
@@ -234,8 +209,7 @@ BOOL WINAPI SendNotifyMessageW(HWND window, UINT message, WPARAM wParam, LPARAM 
   if (call.Fails()) return FALSE;
   if (CanOnlyBeSent(message)) return Refuse(ERROR_MESSAGE_SYNC_ONLY, FALSE);
   if (window == HWND_BROADCAST) {
-    Broadcast(call.Get(), message, wParam, lParam,
-              [&](HWND own) { NotifyOwn(call.Get(), own, message, wParam, lParam); });
+    Broadcast(call.Get(), message, wParam, lParam);
     return TRUE;
   }
   const DWORD error = NotifyOwn(call.Get(), window, message, wParam, lParam);

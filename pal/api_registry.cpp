@@ -36,7 +36,6 @@ Reached Reach(State& state, HKEY handle, REGSAM access) {
   if (const auto root = state.data->registry.Root(handle)) return {root};
   const auto open = state.handles.Find<OpenKey>(handle);
   if (!open) return {nullptr, ERROR_INVALID_HANDLE};
-  if (open->Key()->deleted) return {nullptr, ERROR_KEY_DELETED};
   if ((open->Access() & access) != access) return {nullptr, ERROR_ACCESS_DENIED};
   return {open->Key()};
 }

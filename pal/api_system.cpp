@@ -80,7 +80,6 @@ HRESULT WINAPI SHGetFolderPathW(HWND /*owner*/, int folder, HANDLE token, DWORD 
     Die("SHGetFolderPathW: only the common documents are known");
   if (call.Fails()) return E_FAIL;
   *path = 0;
-  if (!call->data->hasCommonDocuments) return kFileNotFound;
   const Disk& disk = call->data->disk;
   const bool exists = disk.Locate(Machine::kCommonDocuments).isDirectory;
   if (!exists && (folder & CSIDL_FLAG_CREATE) == 0) return kFileNotFound;

@@ -20,7 +20,6 @@ struct DataState {
   ResourceTable resources;
   Modules modules;
   WindowsVersion windowsVersion;
-  bool hasCommonDocuments = true;
   bool isWow64 = false;  // the program is a 32-bit one, Windows is not
 };
 

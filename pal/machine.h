@@ -146,8 +146,6 @@ class Machine {
   [[nodiscard]] std::optional<uint32_t> RegistryDword(HKEY root, std::u16string_view path,
                                                       std::u16string_view name) const;
   [[nodiscard]] std::vector<std::u16string> RegistryValueNames(HKEY root, std::u16string_view path) const;
-  void DeleteRegistryKey(HKEY root, std::u16string_view path);
-  void DeleteRegistryValue(HKEY root, std::u16string_view path, std::u16string_view name);
 
   // ---- disk ---------------------------------------------------------------------------------------------
   // Windows paths live below a temporary directory of the host: "C:\\a\\b" is <root>/C/a/b, names compared
@@ -162,8 +160,6 @@ class Machine {
   static constexpr std::u16string_view kProgramDirectory = u"C:\\Program Files\\Veltra\\";
   static constexpr std::u16string_view kProgramFile = u"C:\\Program Files\\Veltra\\veltratool.exe";
   static constexpr std::u16string_view kCommonDocuments = u"C:\\Users\\Public\\Documents";
-  // False: the shell has no common documents folder (SHGetFolderPathW fails).
-  void SetCommonDocuments(bool present);
   // What the resource compiler made for the program: string tables, version, menus, dialogs, icons, sounds.
   void LoadResources(const std::filesystem::path& file);
 
@@ -189,7 +185,6 @@ class Machine {
   [[nodiscard]] std::vector<OpenMessageBox> OpenMessageBoxes() const;  // innermost last
   void AnswerMessageBox(int button);                                   // the innermost
   void AnswerMessageBoxesWith(std::optional<int> button);
-  [[nodiscard]] HWND ForegroundWindow() const;  // as SetForegroundWindow left it, null at first
   // Windows version as the version test reports it; default 6.1 with service pack 1.
   void SetWindowsVersion(WORD major, WORD minor, WORD servicePack);
   // True: the program is a 32-bit one on a 64-bit Windows.
@@ -201,9 +196,6 @@ class Machine {
   void StopShell();
   void StartShell();
   void RestartShell();
-  // In the order of their adding. The icon of a program that left it behind stays until the pointer comes
-  // near.
-  [[nodiscard]] std::vector<TrayIcon> TrayIcons() const;
   [[nodiscard]] std::optional<TrayIcon> FindTrayIcon(UINT id) const;  // the newest of that number
   // The person. False when no such icon stands. The pointer stays where the icon is.
   bool ClickTrayIcon(UINT id);
@@ -215,13 +207,10 @@ class Machine {
   [[nodiscard]] std::optional<std::vector<MenuItem>> OpenMenu() const;
   // False when no menu is open or has such an item to choose. A label is the text without its "&".
   bool ChooseMenuItem(std::u16string_view label);
-  bool ChooseMenuCommand(UINT command);
   bool DismissMenu();
-  void SetCursor(POINT place);
 
   // ---- playback -----------------------------------------------------------------------------------------
   [[nodiscard]] PlaybackVolume Playback() const;
-  void SetPlayback(PlaybackVolume volume);  // by somebody else
 
  private:
   std::unique_ptr<State> state_;

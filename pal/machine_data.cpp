@@ -69,16 +69,6 @@ std::vector<std::u16string> Machine::RegistryValueNames(HKEY root, std::u16strin
   return names;
 }
 
-void Machine::DeleteRegistryKey(HKEY root, std::u16string_view path) {
-  const MachineLock lock(state_->mutex);
-  RegistryStore::Delete(RootOf(*state_, root), path);
-}
-
-void Machine::DeleteRegistryValue(HKEY root, std::u16string_view path, std::u16string_view name) {
-  const MachineLock lock(state_->mutex);
-  if (const auto key = RegistryStore::Find(RootOf(*state_, root), path)) key->DeleteValue(name);
-}
-
 // ---- disk ---------------------------------------------------------------------------------------------------
 
 std::filesystem::path Machine::HostPath(std::u16string_view windowsPath) const {
@@ -111,11 +101,6 @@ void Machine::SetReadOnly(std::u16string_view windowsPath, bool readOnly) {
 void Machine::HoldForWriting(std::u16string_view windowsPath, bool held) {
   const MachineLock lock(state_->mutex);
   state_->data->disk.Hold(windowsPath, held);
-}
-
-void Machine::SetCommonDocuments(bool present) {
-  const MachineLock lock(state_->mutex);
-  state_->data->hasCommonDocuments = present;
 }
 
 void Machine::LoadResources(const std::filesystem::path& file) {

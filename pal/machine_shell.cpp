@@ -81,11 +81,6 @@ void Machine::RestartShell() {
   StartShell();
 }
 
-std::vector<TrayIcon> Machine::TrayIcons() const {
-  const MachineLock lock(state_->mutex);
-  return state_->notificationArea.icons;
-}
-
 std::optional<TrayIcon> Machine::FindTrayIcon(UINT id) const {
   const MachineLock lock(state_->mutex);
   const auto& icons = state_->notificationArea.icons;
@@ -122,11 +117,6 @@ bool Machine::ChooseMenuItem(std::u16string_view label) {
   return Choose(*state_, [&](const MenuItem& item) { return SameName(MenuLabel(item.text), label); });
 }
 
-bool Machine::ChooseMenuCommand(UINT command) {
-  const MachineLock lock(state_->mutex);
-  return Choose(*state_, [&](const MenuItem& item) { return item.command == command; });
-}
-
 bool Machine::DismissMenu() {
   const MachineLock lock(state_->mutex);
   if (!state_->menus.open) return false;
@@ -136,24 +126,9 @@ bool Machine::DismissMenu() {
 
 // ---- pointer, foreground and playback -------------------------------------------------------------------------
 
-void Machine::SetCursor(POINT place) {
-  const MachineLock lock(state_->mutex);
-  state_->cursor = place;
-}
-
-HWND Machine::ForegroundWindow() const {
-  const MachineLock lock(state_->mutex);
-  return state_->foreground;
-}
-
 PlaybackVolume Machine::Playback() const {
   const MachineLock lock(state_->mutex);
   return state_->playback.volume;
-}
-
-void Machine::SetPlayback(PlaybackVolume volume) {
-  const MachineLock lock(state_->mutex);
-  state_->playback.volume = volume;
 }
 
 }  // namespace pal

@@ -29,11 +29,6 @@ std::shared_ptr<RegistryKey> FindChild(const RegistryKey& key, std::u16string_vi
   return found == key.keys.end() ? nullptr : *found;
 }
 
-void MarkDeleted(RegistryKey& key) {
-  key.deleted = true;
-  for (const auto& child : key.keys) MarkDeleted(*child);
-}
-
 }  // namespace
 
 RegistryValue* RegistryKey::FindValue(std::u16string_view valueName) {
@@ -50,11 +45,6 @@ void RegistryKey::SetValue(std::u16string_view valueName, DWORD type, std::vecto
   }
   value->type = type;
   value->data = std::move(data);
-}
-
-bool RegistryKey::DeleteValue(std::u16string_view valueName) {
-  return std::erase_if(values,
-                       [&](const RegistryValue& value) { return EqualFolded(value.name, valueName); }) > 0;
 }
 
 RegistryStore::RegistryStore()
@@ -83,17 +73,6 @@ std::shared_ptr<RegistryKey> RegistryStore::Create(std::shared_ptr<RegistryKey> 
     key = std::move(child);
   }
   return key;
-}
-
-void RegistryStore::Delete(const std::shared_ptr<RegistryKey>& key, std::u16string_view path) {
-  while (path.ends_with(kSeparator)) path.remove_suffix(1);
-  const size_t last = path.rfind(kSeparator);
-  const bool nested = last != std::u16string_view::npos;
-  const auto parent = nested ? Find(key, path.substr(0, last)) : key;
-  const auto child = parent ? FindChild(*parent, nested ? path.substr(last + 1) : path) : nullptr;
-  if (!child) return;
-  MarkDeleted(*child);
-  std::erase(parent->keys, child);
 }
 
 }  // namespace pal

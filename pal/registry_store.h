@@ -23,11 +23,9 @@ struct RegistryKey {
   std::u16string name;
   std::vector<RegistryValue> values;  // in the order in which they were first written
   std::vector<std::shared_ptr<RegistryKey>> keys;
-  bool deleted = false;  // a handle of it is still open
 
   [[nodiscard]] RegistryValue* FindValue(std::u16string_view valueName);
   void SetValue(std::u16string_view valueName, DWORD type, std::vector<uint8_t> data);
-  bool DeleteValue(std::u16string_view valueName);  // false when there is none
 };
 
 class RegistryStore {
@@ -40,8 +38,6 @@ class RegistryStore {
   static std::shared_ptr<RegistryKey> Find(std::shared_ptr<RegistryKey> key, std::u16string_view path);
   // Makes what is missing on the way.
   static std::shared_ptr<RegistryKey> Create(std::shared_ptr<RegistryKey> key, std::u16string_view path);
-  // With everything below it; does nothing when there is none.
-  static void Delete(const std::shared_ptr<RegistryKey>& key, std::u16string_view path);
 
  private:
   std::shared_ptr<RegistryKey> currentUser_;

@@ -15,7 +15,7 @@ struct DecodedText {
 };
 DecodedText DecodeUtf8(std::string_view bytes);
 
-// As file names, registry and resources are compared: Latin, Greek and Cyrillic letters, one unit for one.
+// As file names, registry and resources are compared: one unit for one.
 std::u16string FoldCase(std::u16string_view text);
 bool EqualFolded(std::u16string_view a, std::u16string_view b);
 
