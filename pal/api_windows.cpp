@@ -97,15 +97,9 @@ HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWO
   CREATESTRUCTW create{parameter, instance,  menu,   parent, height, width, y, x, static_cast<LONG>(style),
                        title,     className, exStyle};
   const auto lParam = reinterpret_cast<LPARAM>(&create);
-  if (!CallWindow(state, handle, WM_NCCREATE, 0, lParam)) {
-    CallWindow(state, handle, WM_NCDESTROY, 0, 0);
-    state.desktop.Remove(handle);
-    return nullptr;
-  }
-  if (CallWindow(state, handle, WM_CREATE, 0, lParam) == -1) {
-    DestroyTree(state, handle);
-    return nullptr;
-  }
+  if (!CallWindow(state, handle, WM_NCCREATE, 0, lParam) ||
+      CallWindow(state, handle, WM_CREATE, 0, lParam) == -1)
+    Die("a procedure that refuses its window");
   return state.desktop.Find(handle) ? handle : nullptr;
 }
 

@@ -61,7 +61,9 @@ DecodedText DecodeUtf8(std::string_view text) {
     decoded.text.push_back(u'\uFFFD');
     at = std::find_if_not(at + 1, end, IsTail);
   }
-  return decoded;
+  // The library lets an encoded half of a surrogate pair pass.
+  const std::string again = decoded.valid ? ToUtf8(decoded.text) : std::string(text);
+  return again == text ? decoded : DecodedText{DecodeUtf8(again).text, false};
 }
 
 std::u16string FoldCase(std::u16string_view text) {

@@ -10,55 +10,33 @@ namespace {
 
 using namespace pal;
 
+// Those that no scenario looks for.
 TEST(Effects, OneShortWordingForEach) {
   struct Row {
     EffectDetail detail;
     std::string words;
   };
   const Row rows[] = {
-      {DebugOutput{u"OnDeviceChange 00000007\r\n"}, "debug OnDeviceChange 00000007"},
-      {RegistryWrite{u"HKEY_CURRENT_USER\\K", u"Sw1CmdVal", REG_DWORD, {0xFF, 0xFF, 0xFF, 0xFF}},
-       "registry Sw1CmdVal = -1"},
       {RegistryWrite{u"K", u"Name", REG_SZ, {'a', 0, 0xE9, 0, 0, 0}}, "registry Name = \"a\xC3\xA9\""},
       {RegistryWrite{u"K", u"", 3, {1, 2}}, "registry (unnamed) = 01 02"},
+      {RegistryOpened{u"HKEY_CURRENT_USER\\K", KEY_READ, true},
+       "new registry key HKEY_CURRENT_USER\\K access 0x20019"},
+      {FileOpened{u"C:\\x\\a.txt", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0},
+       "opened file a.txt access 0x80000000 share 0x1 disposition 3"},
       {FileWrite{u"C:\\x\\DevLog.txt", "a\tb\xE9\r\n"}, "file DevLog.txt: a\\tb\xC3\xA9"},
-      {SerialOpened{2}, "serial COM2 opened"},
-      {SerialClosed{2}, "serial COM2 closed"},
-      {SerialWrite{2, {0x55, 0x55, 0x0A, 0x52}}, "serial COM2 55 55 0A 52"},
-      {MouseInput{MOUSEEVENTF_LEFTDOWN, 0, 0, 0}, "mouse left down"},
-      {MouseInput{MOUSEEVENTF_RIGHTUP, 0, 0, 0}, "mouse right up"},
+      {SerialPurged{2, 15}, "purged COM2 0xF"},
+      {WindowPlaced{u"Options", 1, 2, 0, 0, true, SWP_NOSIZE}, "placed window \"Options\" topmost"},
       {MouseInput{MOUSEEVENTF_MOVE, 0, -1, 0}, "mouse move 0 -1"},
-      {KeyInput{VK_ESCAPE, 1, KEYEVENTF_KEYUP}, "key 0x1B up"},
       {KeyInput{VK_LEFT, 0x4B, KEYEVENTF_EXTENDEDKEY}, "key 0x25 down extended"},
-      {ExecutionState{3}, "awake"},
-      {ExecutionState{ES_CONTINUOUS}, "may sleep"},
-      {SessionHeld{u"an update runs"}, "session held: an update runs"},
+      {ExecutionState{7}, "execution state 0x00000007"},
+      {WindowsExit{1, 2}, "exit windows 0x01, reason 0x00002"},
       {SessionHeld{}, "session may end"},
-      {Beep{MB_OK}, "beep"},
-      {BoxShown{u"I2C failed", u"Error", MB_OK}, "box \"Error\": I2C failed"},
-      {BoxAnswered{IDYES}, "answer yes"},
-      {ForeignMessageSent{u"Talk Builder", 0x8064, 0, 68, 0, {}}, "message 0x8064 to Talk Builder 0 68"},
-      {ForeignMessageSent{u"*", 0xC000, 1, -1, 0, {}}, "notify 0xC000 1 -1"},
-      {ForeignMessageSent{u"Lexora", WM_COPYDATA, 5, 0, 9, {0x41, 0x00}}, "data 9 to Lexora: 41 00"},
-      {TimerSet{10, 30000}, "timer 10 set 30000 ms"},
-      {TimerKilled{10}, "timer 10 killed"},
-      {LanguageSet{0x0413}, "language 0x0413"},
-      {ModuleLoaded{u"C:\\x\\keapi.dll"}, "library keapi.dll loaded"},
-      {ModuleFreed{u"C:\\x\\keapi.dll"}, "library keapi.dll freed"},
-      {DeviceCall{"joystick", "button 1 down"}, "joystick button 1 down"},
-      {TrayChange{TrayChange::Action::kAdded, 1978, 170, u"Model", {}},
-       "tray 1978 added picture 170 tooltip \"Model\""},
-      {TrayChange{TrayChange::Action::kChanged, 1977, {}, {}, TrayBalloon{u"Model", u"Low.", 2, 10000}},
-       "tray 1977 balloon \"Model\": Low."},
+      {EllipseDrawn{1, 2, 3, 4, 0xFF00}, "ellipse 1 2 3 4 colour 0x00FF00"},
+      {FileBoxAnswered{}, "file box cancelled"},
       {MenuChosen{40211, u"&Options\tF2"}, "chosen 40211 Options"},
-      {MenuChosen{}, "menu closed"},
-      {SoundPlayed{163, u"", SND_RESOURCE | SND_ASYNC}, "sound 163"},
-      {SoundStopped{}, "sound stopped"},
-      {PlaybackLevel{90}, "playback level 90 %"},
-      {PlaybackMute{false}, "playback not muted"},
+      {SoundPlayed{0, u"C:\\a.wav", SND_LOOP, true}, "sound C:\\a.wav (missing) again and again"},
       {ForegroundSet{u"Sarvik5"}, "foreground Sarvik5"},
-      {ProgramStarted{u"\"a.exe\" -s"}, "program starts: \"a.exe\" -s"},
-      {ProgramEnded{6}, "program ends with 6"},
+      {RedirectionSet{false}, "system directory real"},
   };
   for (const Row& row : rows) EXPECT_EQ(Describe({Time(0), row.detail}), row.words);
 }
@@ -84,14 +62,21 @@ TEST(Effects, TracesAreJson) {
             "{\"text\":\"Language\",\"items\":[{\"text\":\"English\",\"command\":40212,\"checked\":true}]}],"
             "\"x\":5,"
             "\"y\":6,\"flags\":42,\"text\":\"menu Options (default) | - | Language > [English (checked)]\"}");
-  EXPECT_EQ(
-      ToJson({Time(0), TrayChange{TrayChange::Action::kChanged, 1977, 157, u"65%", {}}}),
-      "{\"t_us\":0,\"kind\":\"tray\",\"id\":1977,\"action\":\"changed\",\"picture\":157,\"tooltip\":\"65%\","
-      "\"text\":\"tray 1977 picture 157 tooltip \\\"65%\\\"\"}");
   // Bytes that are no text at all still give a line of JSON.
   EXPECT_EQ(ToJson({Time(0), FileWrite{u"C:\\f", "\xFF"}}),
             "{\"t_us\":0,\"kind\":\"file\",\"path\":\"C:\\\\f\",\"bytes\":\"\xC3\xBF\",\"text\":\"file f: "
             "\xC3\xBF\"}");
+}
+
+TEST(Effects, AreComparedWhole) {
+  EXPECT_EQ((TimerSet{1, 2, u"a"}), (TimerSet{1, 2, u"a"}));
+  EXPECT_FALSE((TimerSet{1, 2, u"a"} == TimerSet{1, 2, u"b"}));
+  EXPECT_FALSE(AreSame(SerialClosed{1}, SerialOpened{1}));
+  const TrayChange quiet = {TrayChange::Action::kChanged, 1, 2, u"tip", {}};
+  TrayChange loud = quiet;
+  EXPECT_EQ(loud, quiet);
+  loud.balloon = TrayBalloon{u"Model", u"Low.", 2, 10000};
+  EXPECT_FALSE(loud == quiet);
 }
 
 }  // namespace

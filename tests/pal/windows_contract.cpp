@@ -47,17 +47,6 @@ TEST(Windows, LifeBeginsAndEndsInOrder) {
   EXPECT_FALSE(DestroyWindow(window.Get()));
 }
 
-TEST(Windows, CreationCanBeRefused) {
-  for (const UINT refusing : {static_cast<UINT>(WM_NCCREATE), static_cast<UINT>(WM_CREATE)}) {
-    TestWindow window([&](HWND, UINT message, WPARAM, LPARAM) {
-      if (message != refusing) return TestWindow::kDefault;
-      return TestWindow::Answer(message == WM_CREATE ? -1 : FALSE);
-    });
-    EXPECT_EQ(window.Get(), nullptr);
-    EXPECT_EQ(FindWindowW(TEXT("ContractWindow"), nullptr), nullptr);
-  }
-}
-
 TEST(Windows, ClassesAreRegisteredOnce) {
   const HINSTANCE none = nullptr;
   EXPECT_EQ(CreateWindowExW(0, TEXT("NoSuchClass"), TEXT(""), 0, 0, 0, 0, 0, nullptr, nullptr, none, nullptr),
