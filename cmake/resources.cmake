@@ -15,8 +15,7 @@ function(veltra_resources target script)
 
   if(WIN32)
     target_sources(${target} PRIVATE ${script})
-    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:RC>:-c65001>)
-    set_source_files_properties(${script} PROPERTIES OBJECT_DEPENDS "${used}")
+    set_source_files_properties(${script} PROPERTIES COMPILE_OPTIONS "-c;65001" OBJECT_DEPENDS "${used}")
     return()
   endif()
 

@@ -32,6 +32,7 @@ TEST(MessageBoxes, ReturnTheButton) {
                         {MB_YESNO, WM_COMMAND, IDNO, IDNO},
                         {MB_OK, WM_CLOSE, 0, IDOK}};
   for (const Case& c : cases) {
+    if (c.message == WM_CLOSE && contract::WineDeviates("closing a box with one button cancels")) continue;
     const TestThread person([&] { AnswerBox(c.message, c.wParam); });
     EXPECT_EQ(MessageBoxW(nullptr, TEXT("text"), kCaption, c.type | MB_ICONINFORMATION), c.result) << c.type;
     EXPECT_EQ(FindWindowW(TEXT("#32770"), kCaption), nullptr);

@@ -59,6 +59,7 @@ TEST_F(Registry, KeysAreMadeWithAllAboveThem) {
 // The last write wins, with whatever type and size it has; what does not fit is left out whole.
 TEST_F(Registry, ValuesComeBackWithTypeAndSize) {
   const DWORD number = 0xFFFFFFFE;
+  constexpr DWORD kBytes = 3;       // REG_BINARY
   const WCHAR text[] = TEXT("10");  // 6 bytes with its terminator
   const struct {
     DWORD type;
@@ -68,7 +69,7 @@ TEST_F(Registry, ValuesComeBackWithTypeAndSize) {
     DWORD read;
   } rows[] = {{REG_DWORD, &number, 4, ERROR_SUCCESS, number},
               {REG_SZ, text, 6, ERROR_MORE_DATA, 0x55555555},
-              {REG_SZ, text + 1, 2, ERROR_SUCCESS, 0x55550030}};
+              {kBytes, text, 2, ERROR_SUCCESS, 0x55550031}};
   for (const auto& row : rows) {
     ASSERT_EQ(Set(Key(), row.type, row.data, row.size), ERROR_SUCCESS);
     DWORD buffer = 0x55555555;
