@@ -109,6 +109,9 @@ veltra_room(tool BELOW report switches firmware power SOURCES
   app/dialogs/power_meter.cpp
 )
 
+veltra_by_itself(firmware/hex_file.cpp app/dialogs/firmware_dialog.cpp app/dialogs/options_dialog.cpp
+  app/dialogs/power_meter.cpp)
+
 if(WIN32)
   # The entry is in the executable itself: nothing refers to it, so that a library would not bring it.
   add_executable(veltratool WIN32 app/entry.cpp)
