@@ -31,7 +31,7 @@ DialogTemplate ReadTemplate(LPCDLGTEMPLATEW dialog) {
 HWND CreateDialogWindow(HINSTANCE instance, const DialogTemplate& made, HWND owner, DLGPROC procedure) {
   const RECT& rect = made.rect;
   const HWND dialog = CreateWindowExW(made.exStyle, TEXT("#32770"), made.caption.c_str(),
-                                      made.style & ~WS_VISIBLE, rect.left, rect.top, rect.right - rect.left,
+                                      made.style & ~DWORD{WS_VISIBLE}, rect.left, rect.top, rect.right - rect.left,
                                       rect.bottom - rect.top, owner, nullptr, instance, nullptr);
   if (!dialog) return nullptr;
   SetWindowLongPtrW(dialog, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(procedure));

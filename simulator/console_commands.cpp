@@ -52,7 +52,7 @@ Problem RunStart(Console& console, Words words) {
 Problem RunSettle(Console& console, Words) {
   World& world = console.TheWorld();
   const std::vector<ReceivedRequest>& requests = world.Pic().Requests();
-  constexpr std::string_view kLast = "EnableGsm=";
+  static constexpr std::string_view kLast = "EnableGsm=";
   const auto isLast = [](const ReceivedRequest& request) {
     return std::string_view(reinterpret_cast<const char*>(request.message.data()), request.message.size())
                .find(kLast) == 1;

@@ -186,7 +186,7 @@ std::vector<Setting> TabletWorld::Settings() {
   for (const std::u16string& name :
        machine.RegistryValueNames(HKEY_CURRENT_USER, SimulatedTablet::kUserKey)) {
     const auto value = machine.RegistryDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, name);
-    Setting& setting = settings.emplace_back(Ascii(name), std::nullopt);
+    Setting& setting = settings.emplace_back(Setting{Ascii(name), std::nullopt});
     if (value) setting.number = static_cast<int32_t>(*value);
   }
   return settings;

@@ -7,6 +7,7 @@
 #include <mmdeviceapi.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "pal/machine.h"
 #include "pal/person.h"
@@ -201,6 +202,7 @@ TEST_F(MachineTest, AProgramThatReturnsTakesItsThreadsAndHandlesWithIt) {
   bool windowFound = true;
   DWORD mutexError = 99;
   HANDLE file = nullptr;
+  std::optional<TestWindow> window;  // the program leaves it open
   const auto open = [&] {
     windowFound = FindWindowW(TEXT("MachineTest"), nullptr) != nullptr;
     CreateMutexW(nullptr, TRUE, TEXT("held"));
@@ -210,7 +212,7 @@ TEST_F(MachineTest, AProgramThatReturnsTakesItsThreadsAndHandlesWithIt) {
   Run(
       [&] {
         open();
-        new TestWindow(Ignore, TEXT("MachineTest"));
+        window.emplace(Ignore, TEXT("MachineTest"));
         SetTimer(FindWindowW(TEXT("MachineTest"), nullptr), 1, 1000, nullptr);
         CreateEventW(nullptr, TRUE, FALSE, nullptr);
         StartThread(helper);
