@@ -33,6 +33,7 @@
 #include "switches/switch_events.h"
 #include "system/folders.h"
 #include "system/language.h"
+#include "system/message_box.h"
 #include "system/numbers.h"
 #include "system/tray_icons.h"
 #include "system/windows_version.h"
@@ -145,12 +146,13 @@ Result OnToolIcon(const WindowMessage& m) {
 
 void ConfirmClose(HWND window) {
   const WideText question = LoadResString(IDS_CONFIRM_CLOSE);
-  if (MessageBoxW(window, question.c_str(), GetDeviceModelName().c_str(), MB_YESNO) == IDYES)
+  if (ShowMessageBox(BoxKind::kConfirmClose, window, question, GetDeviceModelName(), MB_YESNO) == IDYES)
     SendMessageW(window, WM_CLOSE, 0, 0);
 }
 
 void ShowBatteryDetails(HWND window) {
-  MessageBoxW(window, BatteryDetailsText().c_str(), GetDeviceModelName().c_str(), MB_OK | MB_ICONINFORMATION);
+  ShowMessageBox(BoxKind::kBatteryDetails, window, BatteryDetailsText(), GetDeviceModelName(),
+                 MB_OK | MB_ICONINFORMATION);
 }
 
 void ChooseLanguage(size_t index) {

@@ -11,6 +11,7 @@
 
 #include "base/debug_output.h"
 #include "base/text.h"
+#include "system/message_box.h"
 
 namespace veltra {
 namespace {
@@ -32,7 +33,8 @@ template <class Interface>
 using ComPointer = std::unique_ptr<Interface, Releaser>;
 
 void ShowFatalError() {
-  MessageBoxW(nullptr, TEXT("The program will exit."), TEXT("Fatal error"), MB_OK);
+  ShowMessageBox(BoxKind::kEndpointNotSet, nullptr, TEXT("The program will exit."), TEXT("Fatal error"),
+                 MB_OK);
 }
 
 // The steps up to the first that fails; its result.
@@ -70,8 +72,8 @@ bool SetEndpointVolume(int32_t percent, bool showError) {
   if (SUCCEEDED(result)) return true;
   Trace(TEXT("Audio codec error %d"), static_cast<int32_t>(result));
   if (showError)
-    MessageBoxW(nullptr, TEXT("A problem with the audio codec was detected."), TEXT("Error termination"),
-                MB_OK);
+    ShowMessageBox(BoxKind::kEndpointUnreached, nullptr, TEXT("A problem with the audio codec was detected."),
+                   TEXT("Error termination"), MB_OK);
   return false;
 }
 

@@ -33,6 +33,7 @@ veltra_room(system BELOW base SOURCES
   system/language.cpp
   system/library_binding.cpp
   system/maker_applications.cpp
+  system/message_box.cpp
   system/power_off.cpp
   system/registry.cpp
   system/sounds.cpp

@@ -5,6 +5,8 @@
 namespace veltra {
 namespace {
 
+constexpr size_t kLongestFrame = 1024 * 1024;  // bytes, unescaped, the checksum included
+
 uint8_t AddBytes(uint8_t a, uint8_t b) {
   return static_cast<uint8_t>(a + b);
 }
@@ -36,7 +38,7 @@ std::vector<uint8_t> EncodeFrame(std::span<const uint8_t> message) {
 FrameReceiver::Outcome FrameReceiver::EndFrame() {
   sum_ = std::accumulate(buffer_.begin() + static_cast<ptrdiff_t>(summedLength_),
                          buffer_.begin() + static_cast<ptrdiff_t>(length_), sum_, AddBytes);
-  const bool good = sum_ == 0;
+  const bool good = sum_ == 0 && length_ < kLongestFrame;
   if (good) {
     --length_;
     sum_ = static_cast<uint8_t>(sum_ - buffer_[length_]);
@@ -46,8 +48,12 @@ FrameReceiver::Outcome FrameReceiver::EndFrame() {
   return good ? Outcome::kMessage : Outcome::kBadChecksum;
 }
 
+// What is too long already only keeps its end.
 void FrameReceiver::Grow() {
-  buffer_.resize(2 * buffer_.size());
+  if (buffer_.size() < kLongestFrame)
+    buffer_.resize(2 * buffer_.size());
+  else
+    --length_;
 }
 
 }  // namespace veltra

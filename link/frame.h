@@ -20,13 +20,14 @@ constexpr uint8_t kFrameHeader = 0x55;
 std::vector<uint8_t> EncodeFrame(std::span<const uint8_t> message);
 
 // Takes the line byte by byte. Costs a constant time for every byte on average, whatever comes, and allocates
-// only when a frame is longer than every frame before it.
+// only when a frame is longer than every frame before it. A frame of 1 MiB and more is a bad one, and its
+// bytes past that are not kept.
 class FrameReceiver {
  public:
   enum class Outcome {
     kNothing,      // in the middle of a frame, or noise
     kMessage,      // a frame ended and its checksum is right: Message() is what it carried
-    kBadChecksum,  // a frame ended and its checksum is wrong
+    kBadChecksum,  // a frame ended and its checksum is wrong, or it was too long
   };
 
   Outcome OnByte(uint8_t byte) {

@@ -2,6 +2,7 @@
 
 #include "link/frame.h"
 #include "link/link_state.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -21,6 +22,10 @@ void SendFrame(Bytes message) {
 
 void EnqueueRequest(HWND replyTarget, Bytes content, MessageType type) {
   if (!Link().picPort) return;
+  if (Link().picQueue.size() >= kMostRequests) {
+    Log().WriteError(TEXT("Send queue"), TEXT("full, refused: ") + Widen(TextOf(content)));
+    return;
+  }
   PicRequest request;
   request.replyTarget = replyTarget;
   request.bytes.reserve(content.size() + 1);

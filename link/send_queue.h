@@ -12,14 +12,17 @@
 
 namespace veltra {
 
-constexpr size_t kLongestRequest =
-    1024;  // bytes, type included; a longer one is queued but never transmitted
+// Bytes, type included; a longer one is queued but never transmitted.
+constexpr size_t kLongestRequest = 1024;
+// With this many waiting, the next one is refused with an error line.
+constexpr size_t kMostRequests = 1000;
 
 // Frames and writes one message past the queue: the first byte alone, 5 ms later the rest. Nothing when the
 // port is closed.
 void SendFrame(Bytes message);
 
 // Appends a request and transmits it when it is the only one. Nothing at all when the port is closed.
+// Refused with an error line when the queue is full.
 void EnqueueRequest(HWND replyTarget, Bytes content, MessageType type);
 
 // EnqueueRequest of the tool's own text.

@@ -11,6 +11,7 @@ namespace {
 
 constexpr LONGLONG kLargestLog = 150 * 1024;  // bytes; a longer file becomes the previous generation
 constexpr size_t kTagWidth = 19;
+constexpr size_t kLongestMessage = 64 * 1024;  // characters; the rest is left out
 
 UniqueFile OpenShared(const WideText& path, DWORD disposition) {
   return UniqueFile(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
@@ -61,8 +62,8 @@ void DiagnosticLog::Write(const WideText& tag, const WideText& message) {
     if (!file) return;
   }
   SetFilePointerEx(file.Get(), {}, nullptr, FILE_END);
-  for (const WideText& piece :
-       {TimePrefix(), TagField(tag), WideText(TEXT(" ")), message, WideText(TEXT("\r\n"))})
+  for (const WideText& piece : {TimePrefix(), TagField(tag), WideText(TEXT(" ")),
+                                message.substr(0, kLongestMessage), WideText(TEXT("\r\n"))})
     Append(file, piece);
 }
 

@@ -3,8 +3,8 @@
 //   k19 140509 3 Resume . . . . . .  ***    Device resuming
 //
 // is month (a to l), day, hour minute second, tenth, the tag over a 19-character filler, a blank and the
-// message, one byte for each character (the low 8 bits), ended by CR LF. A line that cannot be written is
-// lost; nobody is told.
+// message (its first 64 Ki characters), one byte for each character (the low 8 bits), ended by CR LF. A line
+// that cannot be written is lost; nobody is told.
 #pragma once
 
 #include "base/text.h"

@@ -4,12 +4,14 @@
 
 #include <windows.h>
 
+#include <set>
 #include <vector>
 
 #include "base/record.h"
 #include "base/text.h"
 #include "system/diagnostic_log.h"
 #include "system/folders.h"
+#include "system/message_box.h"
 #include "system/tray_icons.h"
 
 namespace veltra {
@@ -23,6 +25,7 @@ struct SystemState {
   HINSTANCE hInstance = nullptr;
   HWND hMainWnd = nullptr;
   TrayState tray;
+  std::set<BoxKind> standingBoxes;  // message boxes that wait for the person
   bool Suspended = false;  // from the suspend notification until the resume has been handled
 
   LANGID CurrentLangID = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK);

@@ -93,6 +93,7 @@ TEST_F(CopiedData, ManyRequestsAreServedOneByOneBesideTheSwitches) {
   Start();
   for (size_t n = 0; n < kMany; ++n)
     ASSERT_EQ(tablet.SendData(asker, n % 2, ToBytes("IRSend=" + std::to_string(n))), 1);
+  tablet.Ask(SimulatedTablet::kStatusLedRequest, 3);  // the queue is full
   EXPECT_LE(PressToClick(), 20ms);
   EXPECT_TRUE(tablet.Quit(false));
   tablet.Ask(SimulatedTablet::kStatusLedRequest, 2);
@@ -102,6 +103,7 @@ TEST_F(CopiedData, ManyRequestsAreServedOneByOneBesideTheSwitches) {
   ASSERT_EQ(requests.size(), kMany + 1);
   EXPECT_EQ(requests[kMany - 1], "IRSend=999");
   EXPECT_EQ(requests[kMany], "SetStatusLed=2");
+  EXPECT_NE(Log().find("Send queue . . . .  >_<    full, refused: SetStatusLed=3\r\n"), std::string::npos);
   EXPECT_EQ(tablet.Pic().Violations(), Texts());
 }
 

@@ -72,6 +72,11 @@ TEST_F(Log, DetailLinesFollowTheMarkerFile) {
   EXPECT_EQ(Content(), "k19 140509 3 a. . . . . . . . .  ***    while\r\n");
 }
 
+TEST_F(Log, ALineEndsWhereItIsTooLong) {
+  Do([](DiagnosticLog& log) { log.Write(u"t", WideText(65536, 'x') + u"end"); });
+  EXPECT_EQ(Content(), "k19 140509 3 t. . . . . . . . .  " + std::string(65536, 'x') + "\r\n");
+}
+
 TEST_F(Log, GrowsToItsLimitAndStartsAgain) {
   const std::string full(153600, 'x');
   const auto write = [](DiagnosticLog& log) { log.Write(u"t", u"line"); };

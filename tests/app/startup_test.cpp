@@ -59,6 +59,22 @@ TEST_F(Startup, Boxes) {
          MB_YESNO, tablet.MainWindow());
 }
 
+TEST_F(Startup, OfOneKindOneBoxStands) {
+  SetUserValue(u"Sw1CmdVal", -1);
+  Start();
+  for (int n = 0; n < 300; ++n)
+    for (const WPARAM command : {40205, 128}) machine.Post(tablet.MainWindow(), WM_COMMAND, command, 0);
+  tablet.Advance(1s);
+  EXPECT_EQ(machine.OpenMessageBoxes().size(), 2U);
+  Press(simulator::Button::kSwitch1);
+  EXPECT_EQ(New<pal::MouseInput>().size(), 1U);
+  machine.AnswerMessageBox(IDNO);
+  tablet.Advance(1s);
+  machine.Post(tablet.MainWindow(), WM_COMMAND, 128, 0);
+  tablet.Advance(1s);
+  EXPECT_EQ(machine.OpenMessageBoxes().size(), 2U);  // it may be asked again
+}
+
 // Nobody finds it by its class.
 TEST_F(Startup, AWindowClassThatIsRefusedKeepsTheToolFromNothing) {
   SetUserValue(u"Sw1CmdVal", -1);

@@ -99,5 +99,25 @@ TEST(FrameReceiver, AgreesWithThePlainRulesOnAnyBytes) {
   EXPECT_GT(longest, 2048U);
 }
 
+// Neither zeros without a header nor a frame of any length keep what comes after them from being heard.
+TEST(FrameReceiver, WhatIsTooLongIsBad) {
+  constexpr size_t kLimit = 1 << 20;
+  const std::pair<size_t, Outcome> cases[] = {{65536, Outcome::kMessage},
+                                              {kLimit - 2, Outcome::kMessage},
+                                              {kLimit - 1, Outcome::kBadChecksum},
+                                              {3 * kLimit, Outcome::kBadChecksum}};
+  FrameReceiver receiver;
+  const auto receive = [&](const Frame& bytes) {
+    Outcome last = Outcome::kNothing;
+    for (const uint8_t byte : bytes) last = receiver.OnByte(byte);
+    return last;
+  };
+  for (const auto& [size, outcome] : cases) {
+    EXPECT_EQ(receive(Frame(size)), Outcome::kNothing);
+    EXPECT_EQ(receive(EncodeFrame(Frame(size))), outcome) << size;
+    EXPECT_EQ(receive(EncodeFrame(Frame{0x08})), Outcome::kMessage) << size;
+  }
+}
+
 }  // namespace
 }  // namespace veltra
