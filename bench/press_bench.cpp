@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "link/frame.h"
-#include "pal/machine.h"
+#include "pal/machine/machine.h"
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int);
 

@@ -5,7 +5,7 @@
 
 #include "base/profile_section.h"
 #include "base/text.h"
-#include "pal/private_profile.h"
+#include "pal/store/private_profile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const pal::ProfileText profile = pal::DecodeProfile(veltra::TextOf({data, size}));

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "pal/machine.h"
+#include "pal/machine/machine.h"
 
 namespace simulator {
 

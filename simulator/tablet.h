@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "pal/machine.h"
+#include "pal/machine/machine.h"
 #include "simulator/controller.h"
 #include "simulator/desk.h"
 #include "system/numbers.h"

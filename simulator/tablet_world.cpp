@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "pal/person.h"
-#include "pal/unicode.h"
+#include "pal/machine/person.h"
+#include "pal/text/unicode.h"
 
 namespace simulator {
 namespace {

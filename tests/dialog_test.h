@@ -1,7 +1,7 @@
 // The tool's dialogs, used by the person.
 #pragma once
 
-#include "pal/person.h"
+#include "pal/machine/person.h"
 #include "resources/resource_ids.h"
 #include "tests/tool_test.h"
 

@@ -1,7 +1,7 @@
 // Everything that the tool tells the board, as it crosses the I2C bus of the simulated tablet.
-#include "simulator/board.h"
-#include "pal/person.h"
+#include "pal/machine/person.h"
 #include "resources/resource_ids.h"
+#include "simulator/board.h"
 #include "tests/board/bus_text.h"
 #include "tests/tool_test.h"
 

@@ -2,7 +2,7 @@
 // flash holds.
 #include <algorithm>
 
-#include "pal/person.h"
+#include "pal/machine/person.h"
 #include "simulator/firmware_file.h"
 #include "tests/tool_test.h"
 

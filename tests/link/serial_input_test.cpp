@@ -5,7 +5,7 @@
 #include <cstring>
 #include <random>
 
-#include "pal/machine.h"
+#include "pal/machine/machine.h"
 
 namespace veltra {
 namespace {

@@ -1,5 +1,5 @@
 // How effects read, for people and in traces.
-#include "pal/effects.h"
+#include "pal/machine/effects.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

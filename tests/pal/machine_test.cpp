@@ -9,8 +9,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "pal/machine.h"
-#include "pal/person.h"
+#include "pal/machine/machine.h"
+#include "pal/machine/person.h"
 #include "tests/pal/contract_ids.h"
 #include "tests/pal/contract_menu.h"
 #include "tests/pal/test_dialog.h"

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "pal/machine.h"
+#include "pal/machine/machine.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);

@@ -9,7 +9,7 @@
 #include <atomic>
 #include <numeric>
 
-#include "pal/machine.h"
+#include "pal/machine/machine.h"
 
 namespace {
 

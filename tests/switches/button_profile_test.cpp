@@ -7,8 +7,8 @@
 #include <functional>
 
 #include "app/app_state.h"
-#include "pal/machine.h"
-#include "pal/private_profile.h"
+#include "pal/machine/machine.h"
+#include "pal/store/private_profile.h"
 #include "simulator/desk.h"
 #include "simulator/macro_plugin.h"
 #include "switches/function_tables.h"

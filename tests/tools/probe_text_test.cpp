@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "pal/machine.h"
+#include "pal/machine/machine.h"
 
 namespace probe {
 namespace {

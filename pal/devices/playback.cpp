@@ -1,0 +1,114 @@
+// Each step from the enumerator to the volume can be made to fail, by its name and with an HRESULT.
+#include "pal/devices/playback.h"
+
+#include <endpointvolume.h>
+
+#include <cmath>
+
+#include "pal/machine/state.h"
+
+namespace pal {
+namespace {
+
+constexpr IID kDeviceInterface = {
+    0xD666063F, 0x1587, 0x4E43, {0x81, 0xF1, 0xB9, 0x48, 0xE8, 0x07, 0x36, 0x3F}};
+constexpr IID kVolumeInterface = {
+    0x5CDF2C82, 0x841E, 0x4546, {0x97, 0x22, 0x0C, 0xF7, 0x40, 0x78, 0x22, 0x9A}};
+
+HRESULT ErrorOf(const Call& call) {
+  return static_cast<HRESULT>(call.Error());
+}
+
+template <class Interface>
+class Counted : public Interface, public ComObject {
+ public:
+  explicit Counted(const IID& ownId) : ownId_(ownId) {}
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID interfaceId, void** object) override {
+    const Call call;
+    const bool isOwn = interfaceId == IID_IUnknown || interfaceId == ownId_;
+    *object = isOwn ? static_cast<Interface*>(this) : nullptr;
+    if (isOwn) ++references_;
+    return isOwn ? S_OK : E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override {
+    const Call call;
+    return ++references_;
+  }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const Call call;
+    if (--references_ > 0) return references_;
+    const ComObject* self = this;
+    std::erase_if(call->playback.objects, [self](const auto& object) { return object.get() == self; });
+    return 0;
+  }
+
+ private:
+  const IID ownId_;
+  ULONG references_ = 1;
+};
+
+template <class Object>
+Object* AddTo(Playback& playback) {
+  auto object = std::make_unique<Object>();
+  Object* added = object.get();
+  playback.objects.push_back(std::move(object));
+  return added;
+}
+
+class Volume final : public Counted<IAudioEndpointVolume> {
+ public:
+  Volume() : Counted(kVolumeInterface) {}
+
+  HRESULT STDMETHODCALLTYPE SetMasterVolumeLevelScalar(float level, LPCGUID /*context*/) override {
+    const Call call("SetMasterVolumeLevelScalar");
+    if (call.Fails()) return ErrorOf(call);
+    if (!(level >= 0.0F && level <= 1.0F)) return E_INVALIDARG;
+    call->playback.volume.level = level;
+    call->Emit(PlaybackLevel{static_cast<int>(std::lround(level * 100.0F))});
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE SetMute(BOOL muted, LPCGUID /*context*/) override {
+    const Call call("SetMute");
+    if (call.Fails()) return ErrorOf(call);
+    const bool changes = call->playback.volume.isMuted != (muted != FALSE);
+    call->playback.volume.isMuted = muted != FALSE;
+    call->Emit(PlaybackMute{muted != FALSE});
+    return changes ? S_OK : S_FALSE;
+  }
+};
+
+class Device final : public Counted<IMMDevice> {
+ public:
+  Device() : Counted(kDeviceInterface) {}
+
+  HRESULT STDMETHODCALLTYPE Activate(REFIID interfaceId, DWORD /*context*/, void* parameters,
+                                     void** activated) override {
+    const Call call("Activate");
+    if (call.Fails()) return ErrorOf(call);
+    if (interfaceId != kVolumeInterface || parameters) Die("Activate of an unknown interface");
+    *activated = static_cast<IAudioEndpointVolume*>(AddTo<Volume>(call->playback));
+    return S_OK;
+  }
+};
+
+class Enumerator final : public Counted<IMMDeviceEnumerator> {
+ public:
+  Enumerator() : Counted(kDeviceEnumeratorInterface) {}
+
+  HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow flow, ERole role, IMMDevice** device) override {
+    const Call call("GetDefaultAudioEndpoint");
+    if (call.Fails()) return ErrorOf(call);
+    if (flow != eRender || role != eConsole) Die("GetDefaultAudioEndpoint of another device");
+    *device = AddTo<Device>(call->playback);
+    return S_OK;
+  }
+};
+
+}  // namespace
+
+IMMDeviceEnumerator* MakeDeviceEnumerator(Playback& playback) {
+  return AddTo<Enumerator>(playback);
+}
+
+}  // namespace pal

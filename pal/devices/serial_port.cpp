@@ -1,0 +1,323 @@
+#include "pal/devices/serial_port.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "pal/kernel/sync_objects.h"
+#include "pal/machine/state.h"
+
+namespace pal {
+namespace {
+
+constexpr std::u16string_view kDevicePrefix = u"\\\\.\\";
+constexpr std::u16string_view kPortPrefix = u"COM";
+
+// While a transfer is under way OVERLAPPED::Internal holds STATUS_PENDING, as on Windows; afterwards it holds
+// the error number rather than a status.
+constexpr ULONG_PTR kUnderWay = 0x103;
+
+bool ReadsReturnAtOnce(const COMMTIMEOUTS& timeouts) {
+  return timeouts.ReadIntervalTimeout == MAXDWORD && timeouts.ReadTotalTimeoutMultiplier == 0 &&
+         timeouts.ReadTotalTimeoutConstant == 0;
+}
+
+void SetCompletionEvent(State& state, const OVERLAPPED& overlapped, bool signaled) {
+  if (const auto event = state.handles.Find<EventObject>(overlapped.hEvent)) event->Set(signaled);
+}
+
+}  // namespace
+
+std::optional<int> PortNumberOf(std::u16string_view name) {
+  if (name.starts_with(kDevicePrefix)) name.remove_prefix(kDevicePrefix.size());
+  if (!SameName(name.substr(0, kPortPrefix.size()), kPortPrefix)) return std::nullopt;
+  name.remove_prefix(kPortPrefix.size());
+  if (name.empty() || name.size() > 3) return std::nullopt;
+  int number = 0;
+  for (const char16_t digit : name) {
+    if (digit < u'0' || digit > u'9') return std::nullopt;
+    number = number * 10 + (digit - u'0');
+  }
+  return number > 0 ? std::optional(number) : std::nullopt;
+}
+
+void BeginOverlapped(State& state, OVERLAPPED& overlapped) {
+  overlapped.Internal = kUnderWay;
+  overlapped.InternalHigh = 0;
+  SetCompletionEvent(state, overlapped, false);
+}
+
+void CompleteOverlapped(State& state, OVERLAPPED& overlapped, DWORD error, DWORD transferred) {
+  overlapped.Internal = error;
+  overlapped.InternalHigh = transferred;
+  SetCompletionEvent(state, overlapped, true);
+  state.scheduler.Notify();
+}
+
+bool IsUnderWay(const OVERLAPPED& overlapped) {
+  return overlapped.Internal == kUnderWay;
+}
+
+// ---- the program's handle -----------------------------------------------------------------------------------
+
+DWORD PortHandle::Refusal() const {
+  if (closed_) return ERROR_INVALID_HANDLE;
+  return deviceGone_ ? ERROR_BAD_COMMAND : ERROR_SUCCESS;
+}
+
+void PortHandle::OnClose() {
+  closed_ = true;
+  EndWait({ERROR_OPERATION_ABORTED, 0});
+  port_.input_.clear();
+  port_.handle_.reset();
+  port_.state_.Emit(SerialClosed{port_.number_});
+  port_.state_.scheduler.Notify();
+}
+
+void PortHandle::DeviceGone() {
+  deviceGone_ = true;
+  EndWait({ERROR_OPERATION_ABORTED, 0});
+}
+
+// The driver ends a wait at the moment of the event, even when the waiting thread comes to run later.
+void PortHandle::EndWait(Outcome outcome) {
+  if (!wait_ || wait_->outcome) return;
+  wait_->outcome = outcome;
+  port_.state_.scheduler.Notify();
+}
+
+void PortHandle::Raise(DWORD events) {
+  events &= mask_;
+  if (events == 0) return;
+  if (wait_ && !wait_->outcome) {
+    EndWait({ERROR_SUCCESS, events});
+  } else {
+    raised_ |= events;
+  }
+}
+
+// What waits in the host is fetched when the queue is empty: on the road of a press a call of the host less
+// counts.
+void PortHandle::FetchFromTty() {
+  if (!tty_ || deviceGone_ || !port_.input_.empty()) return;
+  std::vector<uint8_t> bytes;
+  const bool alive = tty_->Read(bytes);
+  port_.Receive(bytes);
+  if (!alive) DeviceGone();
+}
+
+DWORD PortHandle::Read(std::span<uint8_t> buffer, OVERLAPPED* overlapped, DWORD& transferred) {
+  if (const DWORD refusal = Refusal()) return refusal;
+  if (!overlapped) return ERROR_INVALID_PARAMETER;  // the handle is an overlapped one
+  if (!ReadsReturnAtOnce(port_.timeouts_)) Die("ReadFile on a port whose reads wait");
+  FetchFromTty();
+  BeginOverlapped(port_.state_, *overlapped);
+  if (const auto failure = std::exchange(port_.readFailure_, std::nullopt)) {
+    port_.commErrors_ |= failure->commErrors;
+    CompleteOverlapped(port_.state_, *overlapped, failure->error, 0);
+    return failure->atOnce ? failure->error : ERROR_IO_PENDING;
+  }
+  const size_t count = std::min(buffer.size(), port_.input_.size());
+  const auto end = port_.input_.begin() + static_cast<std::ptrdiff_t>(count);
+  std::copy(port_.input_.begin(), end, buffer.begin());
+  port_.input_.erase(port_.input_.begin(), end);
+  transferred = static_cast<DWORD>(count);
+  CompleteOverlapped(port_.state_, *overlapped, ERROR_SUCCESS, transferred);
+  return ERROR_SUCCESS;
+}
+
+DWORD PortHandle::Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, DWORD& transferred) {
+  if (const DWORD refusal = Refusal()) return refusal;
+  if (!overlapped) return ERROR_INVALID_PARAMETER;
+  BeginOverlapped(port_.state_, *overlapped);
+  std::optional<size_t> taken = bytes.size();
+  if (tty_) {
+    const COMMTIMEOUTS& timeouts = port_.timeouts_;
+    const auto limit = static_cast<int>(timeouts.WriteTotalTimeoutConstant +
+                                        timeouts.WriteTotalTimeoutMultiplier * bytes.size());
+    taken = tty_->Write(bytes, limit);
+    if (!taken) DeviceGone();
+  }
+  const DWORD error = taken ? ERROR_SUCCESS : ERROR_OPERATION_ABORTED;
+  transferred = static_cast<DWORD>(taken.value_or(0));
+  if (transferred > 0) port_.Transmit(bytes.first(transferred));
+  CompleteOverlapped(port_.state_, *overlapped, error, transferred);
+  return error;
+}
+
+DWORD PortHandle::SetMask(DWORD events) {
+  if (const DWORD refusal = Refusal()) return refusal;
+  if (events & ~EV_RXCHAR) Die("SetCommMask with an unknown event");
+  EndWait({ERROR_SUCCESS, 0});
+  mask_ = events;
+  raised_ &= events;
+  return ERROR_SUCCESS;
+}
+
+DWORD PortHandle::WaitEvent(DWORD* events) {
+  if (const DWORD refusal = Refusal()) return refusal;
+  if (mask_ == 0 || wait_) return ERROR_INVALID_PARAMETER;
+  wait_.emplace();
+  if (raised_ != 0) EndWait({ERROR_SUCCESS, std::exchange(raised_, 0)});
+  const std::function<bool()> isOver = [this] { return wait_->outcome.has_value(); };
+  for (;;) {
+    FetchFromTty();
+    const Waited waited = port_.state_.scheduler.Wait(isOver, std::nullopt, tty_ ? tty_->Descriptor() : -1);
+    if (waited == Waited::kReadable) continue;
+    if (waited == Waited::kProgramEnds) EndWait({ERROR_OPERATION_ABORTED, 0});
+    break;
+  }
+  const Outcome outcome = *wait_->outcome;
+  wait_.reset();
+  if (events) *events = outcome.events;
+  return outcome.error;
+}
+
+DWORD PortHandle::TakeErrors(DWORD& errors, COMSTAT* status) {
+  if (const DWORD refusal = Refusal()) return refusal;
+  FetchFromTty();
+  errors = std::exchange(port_.commErrors_, 0);
+  if (status) {
+    *status = {};
+    status->cbInQue = static_cast<DWORD>(port_.input_.size());
+  }
+  return ERROR_SUCCESS;
+}
+
+DWORD PortHandle::Purge(DWORD flags) {
+  if (const DWORD refusal = Refusal()) return refusal;
+  if (flags & ~(PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR))
+    return ERROR_INVALID_PARAMETER;
+  port_.state_.Emit(SerialPurged{port_.number_, flags});
+  if (!(flags & PURGE_RXCLEAR)) return ERROR_SUCCESS;
+  if (tty_) tty_->DiscardInput();
+  port_.input_.clear();
+  return ERROR_SUCCESS;
+}
+
+DWORD PortHandle::SetSettings(const DCB& dcb) {
+  if (const DWORD refusal = Refusal()) return refusal;
+  if (dcb.ByteSize < 5 || dcb.ByteSize > 8 || dcb.BaudRate == 0) return ERROR_INVALID_PARAMETER;
+  if (tty_ && !tty_->Configure(dcb)) return ERROR_INVALID_PARAMETER;
+  port_.dcb_ = dcb;
+  return ERROR_SUCCESS;
+}
+
+DWORD PortHandle::GetSettings(DCB& dcb) const {
+  if (const DWORD refusal = Refusal()) return refusal;
+  dcb = port_.dcb_;
+  return ERROR_SUCCESS;
+}
+
+DWORD PortHandle::SetTimeouts(const COMMTIMEOUTS& timeouts) {
+  if (const DWORD refusal = Refusal()) return refusal;
+  port_.timeouts_ = timeouts;
+  return ERROR_SUCCESS;
+}
+
+DWORD PortHandle::GetTimeouts(COMMTIMEOUTS& timeouts) const {
+  if (const DWORD refusal = Refusal()) return refusal;
+  timeouts = port_.timeouts_;
+  return ERROR_SUCCESS;
+}
+
+// ---- the port -----------------------------------------------------------------------------------------------
+
+Port::Port(State& state, int number) : state_(state), number_(number) {
+  dcb_.DCBlength = sizeof(dcb_);
+  dcb_.BaudRate = 9600;
+  dcb_.fBinary = TRUE;
+  dcb_.ByteSize = 8;
+}
+
+DWORD Port::Open(HANDLE& handle, DWORD access, DWORD share) {
+  if (!handle_.expired())
+    return ERROR_ACCESS_DENIED;  // also while a handle of the device that vanished is open
+  if (!present_) return ERROR_FILE_NOT_FOUND;
+  std::unique_ptr<TtyLine> tty;
+  if (!ttyPath_.empty()) {
+    tty = TtyLine::Open(ttyPath_);
+    if (!tty) return ERROR_FILE_NOT_FOUND;
+  }
+  auto opened = std::make_shared<PortHandle>(*this, std::move(tty));
+  handle_ = opened;
+  timeouts_ = {};
+  commErrors_ = 0;
+  handle = state_.handles.Add(std::move(opened));
+  state_.Emit(SerialOpened{number_, access, share});
+  return ERROR_SUCCESS;
+}
+
+void Port::OnWrite(std::function<void(std::span<const uint8_t>)> device) {
+  const MachineLock lock(state_.mutex);
+  device_ = std::move(device);
+}
+
+void Port::Transmit(std::span<const uint8_t> bytes) {
+  std::vector<uint8_t> copy(bytes.begin(), bytes.end());
+  if (device_) state_.scheduler.At(state_.scheduler.Now(), [device = device_, copy] { device(copy); });
+  state_.Emit(SerialWrite{number_, std::move(copy)});
+}
+
+void Port::Deliver(std::span<const uint8_t> bytes) {
+  const MachineLock lock(state_.mutex);
+  Receive(bytes);
+}
+
+// What arrives while nobody has the port open is lost.
+void Port::Receive(std::span<const uint8_t> bytes) {
+  const std::shared_ptr<PortHandle> handle = handle_.lock();
+  if (bytes.empty() || !handle || !handle->IsAlive()) return;
+  input_.insert(input_.end(), bytes.begin(), bytes.end());
+  handle->Raise(EV_RXCHAR);
+}
+
+void Port::Vanish() {
+  const MachineLock lock(state_.mutex);
+  present_ = false;
+  input_.clear();
+  if (const std::shared_ptr<PortHandle> handle = handle_.lock()) handle->DeviceGone();
+}
+
+void Port::Return() {
+  const MachineLock lock(state_.mutex);
+  present_ = true;
+}
+
+bool Port::IsOpen() const {
+  const MachineLock lock(state_.mutex);
+  const std::shared_ptr<PortHandle> handle = handle_.lock();
+  return handle && handle->IsAlive();
+}
+
+void Port::FailNextRead(DWORD error, DWORD commErrors, bool atOnce) {
+  const MachineLock lock(state_.mutex);
+  readFailure_ = {error, commErrors, atOnce};
+}
+
+DCB Port::Settings() const {
+  const MachineLock lock(state_.mutex);
+  return dcb_;
+}
+
+COMMTIMEOUTS Port::Timeouts() const {
+  const MachineLock lock(state_.mutex);
+  return timeouts_;
+}
+
+void Port::SetDriverDefaults(const DCB& dcb) {
+  const MachineLock lock(state_.mutex);
+  dcb_ = dcb;
+}
+
+Port& SerialPorts::Add(State& state, int number) {
+  std::unique_ptr<Port>& port = ports_[number];
+  if (!port) port = std::make_unique<Port>(state, number);
+  return *port;
+}
+
+Port* SerialPorts::Find(int number) const {
+  const auto found = ports_.find(number);
+  return found == ports_.end() ? nullptr : found->second.get();
+}
+
+}  // namespace pal

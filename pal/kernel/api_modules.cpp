@@ -1,0 +1,151 @@
+// The program, the modules that it loads, and what they export.
+#include <algorithm>
+#include <optional>
+#include <span>
+
+#include "pal/machine/data_state.h"
+#include "pal/machine/state.h"
+#include "pal/store/disk_path.h"
+#include "pal/text/unicode.h"
+
+using namespace pal;
+
+namespace {
+
+constexpr DWORD kKnownFlags = LOAD_WITH_ALTERED_SEARCH_PATH | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR |
+                              LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
+constexpr std::u16string_view kKernel = u"kernel32.dll";
+constexpr std::u16string_view kSystemDirectory = u"C:\\Windows\\System32\\";
+
+HMODULE KernelModule() {
+  return reinterpret_cast<HMODULE>(static_cast<ULONG_PTR>(0x7FF800000000));
+}
+
+template <class Function>
+Machine::Export MakeExport(const char* name, Function* function) {
+  return {name, reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function))};
+}
+
+// The kernel's exports that programs look up by name.
+std::span<const Machine::Export> KernelExports() {
+  static const Machine::Export exports[] = {
+      MakeExport("IsWow64Process", IsWow64Process),
+      MakeExport("SetThreadUILanguage", SetThreadUILanguage),
+      MakeExport("Wow64EnableWow64FsRedirection", Wow64EnableWow64FsRedirection),
+  };
+  return exports;
+}
+
+// Windows takes a name without an extension for that of a DLL.
+std::u16string WithExtension(std::u16string_view name) {
+  std::u16string whole(name);
+  if (FileNameOf(name).find(u'.') == name.npos) whole += u".dll";
+  return whole;
+}
+
+bool IsFullPath(std::u16string_view name) {
+  return name.size() > 2 && name[1] == u':';
+}
+
+std::u16string InFull(const std::u16string& name) {
+  const PathParts parts = TakePathApart(name, Machine::kProgramDirectory);
+  return parts.error == ERROR_SUCCESS ? JoinPath(parts) : name;
+}
+
+// The handle of a module that is there without being loaded by the program.
+HMODULE FindBuiltIn(const std::u16string& name) {
+  const auto is = [&name](std::u16string_view file) {
+    return EqualFolded(name, file) || EqualFolded(name, FileNameOf(file));
+  };
+  if (is(std::u16string(kSystemDirectory) + std::u16string(kKernel))) return KernelModule();
+  return is(Machine::kProgramFile) ? ProgramInstance() : nullptr;
+}
+
+HMODULE Load(const Call& call, LPCWSTR fileName, DWORD flags) {
+  if ((flags & ~kKnownFlags) != 0) Die("LoadLibraryExW: unknown flags");
+  if (!fileName || *fileName == 0) return Refuse(ERROR_INVALID_PARAMETER, HMODULE{});
+  std::u16string name = WithExtension(fileName);
+  if (IsFullPath(name)) name = InFull(name);
+  if (const HMODULE builtIn = FindBuiltIn(name)) return builtIn;
+  Modules& modules = call->data->modules;
+  if (const auto loaded = modules.FindLoaded(name)) {
+    ++loaded->references;
+    return loaded->handle;
+  }
+  // Nothing is searched for: a name alone would find whatever a stranger left somewhere on the way.
+  const auto file = IsFullPath(name) ? modules.FindFile(name) : nullptr;
+  if (!file) return Refuse(ERROR_MOD_NOT_FOUND, HMODULE{});
+  const auto module = std::make_shared<LoadedModule>(file);
+  module->handle = static_cast<HMODULE>(call->handles.Add(module));
+  modules.Remember(module);
+  call->Emit(ModuleLoaded{file->path, flags});
+  return module->handle;
+}
+
+// What the module exports; empty when there is no such module.
+std::optional<std::span<const Machine::Export>> ExportsOf(const Call& call, HMODULE module) {
+  if (!module || module == ProgramInstance()) return std::span<const Machine::Export>();
+  if (module == KernelModule()) return KernelExports();
+  const auto loaded = call->handles.Find<LoadedModule>(module);
+  if (!loaded) return std::nullopt;
+  return std::span(loaded->File().exports);
+}
+
+}  // namespace
+
+HMODULE WINAPI GetModuleHandleW(LPCWSTR name) {
+  const Call call("GetModuleHandleW");
+  if (call.Fails()) return nullptr;
+  if (!name) return ProgramInstance();
+  std::u16string whole = WithExtension(name);
+  if (IsFullPath(whole)) whole = InFull(whole);
+  if (const HMODULE builtIn = FindBuiltIn(whole)) return builtIn;
+  const auto loaded = call->data->modules.FindLoaded(whole);
+  return loaded ? loaded->handle : Refuse(ERROR_MOD_NOT_FOUND, HMODULE{});
+}
+
+DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size) {
+  const Call call("GetModuleFileNameW");
+  if (call.Fails()) return 0;
+  std::u16string path(Machine::kProgramFile);
+  if (module == KernelModule()) {
+    path = std::u16string(kSystemDirectory) + std::u16string(kKernel);
+  } else if (module && module != ProgramInstance()) {
+    const auto loaded = call->handles.Find<LoadedModule>(module);
+    if (!loaded) return Refuse<DWORD>(ERROR_MOD_NOT_FOUND, 0);
+    path = loaded->File().path;
+  }
+  if (size == 0) return Refuse<DWORD>(ERROR_INSUFFICIENT_BUFFER, 0);
+  const std::u16string_view fitting = std::u16string_view(path).substr(0, size - 1);
+  *std::ranges::copy(fitting, name).out = 0;
+  if (path.size() >= size) return Refuse(ERROR_INSUFFICIENT_BUFFER, size);
+  return Refuse(ERROR_SUCCESS, static_cast<DWORD>(path.size()));
+}
+
+HMODULE WINAPI LoadLibraryExW(LPCWSTR fileName, HANDLE file, DWORD flags) {
+  const Call call("LoadLibraryExW");
+  if (file) Die("LoadLibraryExW with a file handle");
+  return call.Fails() ? nullptr : Load(call, fileName, flags);
+}
+
+BOOL WINAPI FreeLibrary(HMODULE module) {
+  const Call call("FreeLibrary");
+  if (call.Fails()) return FALSE;
+  if (module == ProgramInstance() || module == KernelModule()) return TRUE;
+  const auto loaded = call->handles.Find<LoadedModule>(module);
+  if (!loaded) return Refuse(ERROR_MOD_NOT_FOUND, FALSE);
+  if (--loaded->references > 0) return TRUE;
+  call->handles.Close(module);
+  call->Emit(ModuleFreed{loaded->File().path});
+  return TRUE;
+}
+
+FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name) {
+  const Call call("GetProcAddress");
+  if (call.Fails()) return nullptr;
+  if (reinterpret_cast<ULONG_PTR>(name) <= 0xFFFF) Die("GetProcAddress by number");
+  const auto exports = ExportsOf(call, module);
+  if (!exports) return Refuse(ERROR_MOD_NOT_FOUND, FARPROC{});
+  const auto found = std::ranges::find(*exports, std::string_view(name), &Machine::Export::name);
+  return found == exports->end() ? Refuse(ERROR_PROC_NOT_FOUND, FARPROC{}) : found->address;
+}

@@ -1,0 +1,63 @@
+#include "pal/machine/state.h"
+
+#include <algorithm>
+
+namespace pal {
+namespace {
+
+std::atomic<State*> currentState{nullptr};
+
+constexpr SYSTEMTIME kDefaultLocalTime = {2024, 11, 2, 19, 14, 5, 0, 0};  // a Tuesday
+
+}  // namespace
+
+State::State(Clock clock)
+    : scheduler(clock, mutex,
+                {[this](Thread& thread) { ReleaseThread(thread); },
+                 [this](int exitCode) {
+                   ReleaseProgram();
+                   Emit(ProgramEnded{exitCode});
+                 }}),
+      data(MakeDataState()),
+      localTimeAtStart(kDefaultLocalTime) {
+  State* none = nullptr;
+  if (!currentState.compare_exchange_strong(none, this)) Die("a second machine at the same time");
+}
+
+State::~State() {
+  currentState = nullptr;
+}
+
+void State::Emit(EffectDetail detail) {
+  const Effect& effect = effects.emplace_back(Effect{scheduler.Now(), std::move(detail)});
+  if (effectListener) effectListener(effect);
+  scheduler.NotifyOutside();
+}
+
+void State::ReleaseThread(Thread& thread) {
+  for (const HWND window : desktop.OfThread(thread)) desktop.Remove(window);
+  std::erase_if(boxes.open, [&](const auto& box) { return !desktop.Find(box->window); });
+  thread.queue.Clear();
+  scheduler.Notify();
+}
+
+void State::ReleaseProgram() {
+  handles.CloseAll();
+  desktop.ForgetProgram();
+  menus.Clear();
+  pictures.Clear();
+  playback.objects.clear();
+  dialogs = {};
+  drawing = {};
+  ReleaseProgramData(*this);
+  executionState = ES_CONTINUOUS;
+  mayShutDown = false;
+}
+
+State& CurrentState() {
+  State* state = currentState.load(std::memory_order_acquire);
+  if (!state) Die("a call of the Windows API without a machine");
+  return *state;
+}
+
+}  // namespace pal

@@ -1,0 +1,125 @@
+// GetOpenFileNameW: the person chooses a file when it pleases them.
+#include <commdlg.h>
+
+#include <algorithm>
+
+#include "pal/windows/window_calls.h"
+
+using namespace pal;
+
+namespace {
+
+constexpr DWORD kKnownFlags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
+
+std::u16string TextOrNone(const WCHAR* text) {
+  return text ? std::u16string(text) : std::u16string();
+}
+
+// Pairs of texts up to an empty one.
+std::vector<std::pair<std::u16string, std::u16string>> FiltersOf(const WCHAR* list) {
+  std::vector<std::pair<std::u16string, std::u16string>> filters;
+  while (list && *list) {
+    std::u16string name = list;
+    list += name.size() + 1;
+    std::u16string pattern = list;
+    list += pattern.size() + 1;
+    filters.emplace_back(std::move(name), std::move(pattern));
+  }
+  return filters;
+}
+
+WaitingFileBox* FindBox(State& state, HWND window) {
+  for (const auto& box : state.dialogs.fileBoxes)
+    if (box->window == window) return box.get();
+  return nullptr;
+}
+
+void Answer(State& state, WaitingFileBox& box, std::optional<std::u16string> path) {
+  box.isAnswered = true;
+  box.path = std::move(path);
+  state.scheduler.Notify();
+}
+
+// Another program may close the box, or accept the name that it began with.
+LRESULT CALLBACK FileBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  {
+    const Call call;
+    WaitingFileBox* box = FindBox(call.Get(), window);
+    const bool cancels = message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL);
+    const bool accepts = message == WM_COMMAND && LOWORD(wParam) == IDOK;
+    if (box && cancels) Answer(call.Get(), *box, std::nullopt);
+    if (box && accepts && !box->shown.initialName.empty()) Answer(call.Get(), *box, box->shown.initialName);
+    if (cancels || accepts) return 0;
+  }
+  return DefWindowProcW(window, message, wParam, lParam);
+}
+
+HWND AddBoxWindow(State& state, Thread& self, HWND owner) {
+  static const auto boxClass =
+      std::make_shared<const WindowClass>(WindowClass{u"#32770", 0x8002, FileBoxProcedure, 0, {}});
+  Window window;
+  window.windowClass = boxClass;
+  window.thread = &self;
+  window.procedure = FileBoxProcedure;
+  window.title = u"Open";
+  window.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_VISIBLE;
+  window.owner = owner;
+  return state.desktop.Add(std::move(window)).handle;
+}
+
+// Empty: cancelled.
+std::optional<std::u16string> Ask(const OpenFileBox& shown) {
+  const Call call;
+  State& state = call.Get();
+  Thread& self = CallingThread("GetOpenFileNameW");
+  const auto box = std::make_shared<WaitingFileBox>();
+  box->shown = shown;
+  box->window = AddBoxWindow(state, self, shown.owner);
+  state.dialogs.fileBoxes.push_back(box);
+  state.Emit(FileBoxShown{shown.filters.empty() ? std::u16string() : shown.filters.front().first,
+                          shown.defaultExtension, shown.initialName, shown.flags});
+  const std::optional<int> quit =
+      RunNestedLoop(state, self, [&] { return box->isAnswered || !state.desktop.Find(box->window); });
+  std::erase(state.dialogs.fileBoxes, box);
+  DestroyTree(state, box->window);
+  if (quit) self.queue.PostQuit(*quit);
+  state.Emit(FileBoxAnswered{box->path.value_or(u"")});
+  return box->path;
+}
+
+}  // namespace
+
+BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW box) {
+  {
+    const Call call("GetOpenFileNameW");
+    if (call.Fails()) return FALSE;
+  }
+  if (box->lStructSize != sizeof(OPENFILENAMEW) || !box->lpstrFile) return FALSE;
+  if (box->Flags & ~kKnownFlags) Die("GetOpenFileNameW with an unknown flag");
+  const bool disables = box->hwndOwner && IsWindowEnabled(box->hwndOwner);
+  if (disables) EnableWindow(box->hwndOwner, FALSE);
+  const std::optional<std::u16string> path =
+      Ask({box->hwndOwner, FiltersOf(box->lpstrFilter), TextOrNone(box->lpstrDefExt),
+           TextOrNone(box->lpstrFile), box->Flags});
+  if (disables) EnableWindow(box->hwndOwner, TRUE);
+  if (!path || path->size() >= box->nMaxFile) return FALSE;
+  *std::ranges::copy(*path, box->lpstrFile).out = 0;
+  return TRUE;
+}
+
+namespace pal::person {
+
+std::vector<OpenFileBox> OpenFileBoxes() {
+  const Call call;
+  std::vector<OpenFileBox> boxes;
+  for (const auto& box : call->dialogs.fileBoxes) boxes.push_back(box->shown);
+  return boxes;
+}
+
+void AnswerFileBox(std::optional<std::u16string> path) {
+  const Call call;
+  if (call->dialogs.fileBoxes.empty()) Die("no box for choosing a file is open");
+  Answer(call.Get(), *call->dialogs.fileBoxes.back(), std::move(path));
+}
+
+}  // namespace pal::person

@@ -1,0 +1,92 @@
+// Conversions between UTF-16 and 8-bit texts.
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "pal/machine/state.h"
+#include "pal/text/code_page.h"
+#include "pal/text/unicode.h"
+
+using namespace pal;
+
+namespace {
+
+constexpr UINT kLatinCodePage = 1252;
+
+// The layer knows UTF-8, and the code page that the machine's programs and threads have.
+void CheckCodePage(UINT codePage) {
+  if (codePage != CP_ACP && codePage != CP_THREAD_ACP && codePage != kLatinCodePage && codePage != CP_UTF8)
+    Die("unknown code page " + std::to_string(codePage));
+}
+
+// The common end of both conversions: the length, and the result when there is room for it.
+template <class Unit>
+int Deliver(std::basic_string_view<Unit> converted, Unit* result, int resultSize) {
+  if (resultSize == 0) return static_cast<int>(converted.size());
+  if (converted.size() > static_cast<size_t>(resultSize)) return Refuse(ERROR_INSUFFICIENT_BUFFER, 0);
+  std::ranges::copy(converted, result);
+  return static_cast<int>(converted.size());
+}
+
+struct Encoded {
+  std::string bytes;
+  bool usedDefault = false;
+};
+
+Encoded EncodeLatin(std::u16string_view text, bool fits, char defaultChar) {
+  Encoded encoded;
+  for (const char16_t unit : text) {
+    std::optional<uint8_t> byte = EncodeCodePage(unit);
+    if (!byte && fits) byte = FitToCodePage(unit);
+    encoded.usedDefault = encoded.usedDefault || !byte;
+    encoded.bytes.push_back(byte ? static_cast<char>(*byte) : defaultChar);
+  }
+  return encoded;
+}
+
+}  // namespace
+
+int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH text, int textLength, LPSTR result,
+                               int resultSize, LPCCH defaultChar, LPBOOL usedDefaultChar) {
+  const Call call("WideCharToMultiByte");
+  if (call.Fails()) return 0;
+  CheckCodePage(codePage);
+  if (!text || textLength == 0 || resultSize < 0 || (!result && resultSize > 0))
+    return Refuse(ERROR_INVALID_PARAMETER, 0);
+  const std::u16string_view units = textLength < 0
+                                        ? std::u16string_view(text, std::u16string_view(text).size() + 1)
+                                        : std::u16string_view(text, static_cast<size_t>(textLength));
+  const DWORD knownFlags = codePage == CP_UTF8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
+  if ((flags & ~knownFlags) != 0) return Refuse(ERROR_INVALID_FLAGS, 0);
+  if (codePage != CP_UTF8) {
+    const bool fits = (flags & WC_NO_BEST_FIT_CHARS) == 0;
+    const Encoded encoded = EncodeLatin(units, fits, defaultChar ? *defaultChar : kDefaultChar);
+    if (usedDefaultChar) *usedDefaultChar = encoded.usedDefault ? TRUE : FALSE;
+    return Deliver<char>(encoded.bytes, result, resultSize);
+  }
+  if (defaultChar || usedDefaultChar) return Refuse(ERROR_INVALID_PARAMETER, 0);
+  const std::string bytes = ToUtf8(units);
+  if ((flags & WC_ERR_INVALID_CHARS) != 0 && DecodeUtf8(bytes).text != units)
+    return Refuse(ERROR_NO_UNICODE_TRANSLATION, 0);
+  return Deliver<char>(bytes, result, resultSize);
+}
+
+int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH text, int textLength, LPWSTR result,
+                               int resultSize) {
+  const Call call("MultiByteToWideChar");
+  if (call.Fails()) return 0;
+  CheckCodePage(codePage);
+  if (!text || textLength == 0 || resultSize < 0 || (!result && resultSize > 0))
+    return Refuse(ERROR_INVALID_PARAMETER, 0);
+  const std::string_view bytes = textLength < 0 ? std::string_view(text, std::strlen(text) + 1)
+                                                : std::string_view(text, static_cast<size_t>(textLength));
+  const DWORD knownFlags = MB_ERR_INVALID_CHARS | (codePage == CP_UTF8 ? 0 : MB_PRECOMPOSED);
+  if ((flags & ~knownFlags) != 0) return Refuse(ERROR_INVALID_FLAGS, 0);
+  DecodedText decoded;
+  if (codePage == CP_UTF8)
+    decoded = DecodeUtf8(bytes);
+  else
+    for (const char byte : bytes) decoded.text.push_back(DecodeCodePage(static_cast<uint8_t>(byte)));
+  if ((flags & MB_ERR_INVALID_CHARS) != 0 && !decoded.valid) return Refuse(ERROR_NO_UNICODE_TRANSLATION, 0);
+  return Deliver<WCHAR>(decoded.text, result, resultSize);
+}

@@ -1,0 +1,103 @@
+// Windows of the program and of others, window classes and registered messages.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "pal/dialogs/controls.h"
+#include "pal/machine/machine.h"
+
+namespace pal {
+
+struct Thread;
+
+struct WindowClass {
+  std::u16string name;
+  ATOM atom = 0;
+  WNDPROC procedure = nullptr;
+  int windowExtra = 0;
+  ControlState control = {};  // what its windows begin with
+};
+
+struct Window {
+  HWND handle = nullptr;
+  std::shared_ptr<const WindowClass> windowClass;
+  Thread* thread = nullptr;                      // null for a window of another program
+  ForeignWindowHandler foreign;                  // of a window of another program
+  std::optional<Time> hungSince = std::nullopt;  // its program looks at no messages since then
+  WNDPROC procedure = nullptr;
+  std::u16string title;
+  DWORD style = 0;
+  DWORD exStyle = 0;
+  HWND parent = nullptr;  // of a child window
+  HWND owner = nullptr;   // of a top-level window; it goes with its owner
+  bool isDesktop = false;
+  bool isBeingDestroyed = false;
+  RECT rect{};      // of a child window: in the client area of its parent
+  LONG_PTR id = 0;  // of a child window
+  LONG_PTR userData = 0;
+  std::vector<uint8_t> extra;  // cbWndExtra bytes
+  ControlState control;        // of a control of Windows
+
+  [[nodiscard]] bool IsTopLevel() const { return !parent && !isDesktop; }
+};
+
+// Names are compared without regard to case, as Windows does for classes and registered messages.
+bool SameName(std::u16string_view a, std::u16string_view b);
+
+class Desktop {
+ public:
+  Desktop();
+
+  // Null when a class of that name exists.
+  const WindowClass* AddClass(WindowClass windowClass);
+  // By name or by MAKEINTATOM; null when there is none.
+  [[nodiscard]] std::shared_ptr<const WindowClass> FindClass(const WCHAR* name) const;
+
+  Window& Add(Window window);  // gives it its handle
+  [[nodiscard]] Window* Find(HWND handle);
+  void Remove(HWND handle);
+  // The name of the window's class; empty when there is no such window.
+  [[nodiscard]] std::u16string ClassOf(HWND handle) const;
+  // The newest first, as they lie on the desktop.
+  [[nodiscard]] std::vector<HWND> TopLevel() const;
+  [[nodiscard]] std::vector<HWND> Children(HWND parent) const;  // in the order of their creation
+  [[nodiscard]] std::vector<HWND> Owned(HWND owner) const;
+  [[nodiscard]] std::vector<HWND> OfThread(const Thread& thread) const;
+  // The window and all that lie inside it.
+  [[nodiscard]] std::vector<HWND> WithDescendants(HWND window) const;
+  // Where the window lies on the screen. Windows have no frame here: the client area is the whole window.
+  [[nodiscard]] RECT ScreenRect(const Window& window) const;
+  // Whether it and all around it have the style WS_VISIBLE.
+  [[nodiscard]] bool IsShown(HWND window) const;
+  [[nodiscard]] HWND DesktopWindow() const { return desktopWindow_; }
+  [[nodiscard]] int CountOfProgram() const;
+
+  // The window that gets the keyboard; null when there is none.
+  [[nodiscard]] HWND Focus() const { return focus_; }
+  void SetFocus(HWND window) { focus_ = window; }
+
+  // The number of a registered message, the same for the same name.
+  UINT RegisterMessage(std::u16string_view name);
+
+  // The program is gone, the windows of others stay.
+  void ForgetProgram();
+
+ private:
+  std::vector<std::shared_ptr<const WindowClass>> classes_;
+  std::map<HWND, Window> windows_;  // in the order of their creation
+  std::vector<std::u16string> messages_;
+  ATOM lastAtom_ = 0xC000;
+  uintptr_t lastHandle_ = 0x10000;
+  HWND desktopWindow_ = nullptr;
+  HWND focus_ = nullptr;
+};
+
+}  // namespace pal
