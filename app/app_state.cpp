@@ -1,7 +1,7 @@
 #include "app/app_state.h"
 
 #include "base/called_by_windows.h"
-#include "switches/switch_outputs.h"
+#include "switches/switch_events.h"
 
 namespace veltra {
 namespace {

@@ -47,7 +47,14 @@ void StoreAndLog(const IdentityField& field, const WCHAR* tag, std::string_view 
   if (StoreIdentity(field, value)) Log().WriteDetail(tag, Widen(value));
 }
 
+bool IsAnswerTo(std::string_view request) {
+  const PicRequest* head = HeadRequest();
+  return head && head->transmitted && head->Text() == request;
+}
+
+// Said unasked, it means that the controller has started anew.
 void OnFirmware(std::string_view value) {
+  if (!IsAnswerTo("Ready")) ForgetHeldSwitches();
   StoreAndLog(kFirmwareVersion, TEXT("Pic version recv"), value);
 }
 void OnSerial(std::string_view value) {
@@ -90,16 +97,28 @@ constexpr PrefixRow kPrefixRows[] = {
     {"TouchSerial=", 13, OnTouchSerial},
 };
 
+// An update leaves no release to come: side buttons rest from its start on.
+void OnSwitchEvent(const SwitchEvent& event) {
+  if (IsSideButton(event.button) && Firmware().bootloader.IsRunning()) return;
+  HandleSwitchEvent(event);
+}
+
 void OnText(std::string_view text) {
   for (const PrefixRow& row : kPrefixRows)
     if (text.size() >= row.shortest && StartsWithIgnoringAsciiCase(text, row.prefix))
       return row.handle(text.substr(row.prefix.size()));
   if (EqualIgnoringAsciiCase(text, "Resend")) return TransmitHead();
   for (const SwitchEvent& event : kSwitchEvents)
-    if (EqualIgnoringAsciiCase(text, event.text)) return HandleSwitchEvent(event);
+    if (EqualIgnoringAsciiCase(text, event.text)) return OnSwitchEvent(event);
 }
 
 // ---- replies (type 0x0B) ----------------------------------------------------------------------------------
+
+// What was pressed since the update began is not released any more.
+void OnBootloaderEntered(Bytes) {
+  ForgetHeldSwitches();
+  Firmware().bootloader.OnEnterBootloader();
+}
 
 struct ReplyRow {
   std::string_view request;
@@ -108,7 +127,7 @@ struct ReplyRow {
 
 constexpr ReplyRow kReplyRows[] = {
     {"IRRecord", StoreInfraredRecording},
-    {"GotoBootloader", [](Bytes) { Firmware().bootloader.OnEnterBootloader(); }},
+    {"GotoBootloader", OnBootloaderEntered},
     {"EnableGsm=1", [](Bytes) { SetPortB(kExpanderMobilePhone); }},
 };
 

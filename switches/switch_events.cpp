@@ -140,6 +140,13 @@ void HandleSwitchEvent(const SwitchEvent& event) {
   OnSwitch(event);
 }
 
+void ForgetHeldSwitches() {
+  ReleaseHeldSwitches();
+  Switches().switchIndicator.pressedMask = 0;
+  for (const SideButton& button : kSideButtons)
+    if (std::exchange(Switches().*button.held, false)) KillTimer(MainWindow(), button.timer);
+}
+
 void OnLongPressTimer(UINT_PTR timer) {
   for (const SideButton& button : kSideButtons) {
     if (timer != button.timer) continue;

@@ -26,6 +26,14 @@ constexpr SwitchEvent kSwitchEvents[] = {
 
 void HandleSwitchEvent(const SwitchEvent& event);
 
+constexpr bool IsSideButton(SwitchButton button) {
+  return button >= SwitchButton::kMiddle;
+}
+
+// No release can come any more: lets go of what the switches hold down, none counts as held, and a side button
+// that was pressed does nothing, neither short nor long.
+void ForgetHeldSwitches();
+
 // The long-press timer of a side button fired; `timer` is its id.
 void OnLongPressTimer(UINT_PTR timer);
 

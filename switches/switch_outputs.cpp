@@ -83,9 +83,4 @@ void ReleaseHeldSwitches() {
   ReleaseHeldSwitch(kSwitch2);
 }
 
-void ForgetHeldSwitches() {
-  ReleaseHeldSwitches();
-  Switches().switchIndicator.pressedMask = 0;
-}
-
 }  // namespace veltra

@@ -13,7 +13,5 @@ void ReleaseSwitch(SwitchIndex index);
 // act on. The break that may still follow does nothing more than its notification.
 void ReleaseHeldSwitch(SwitchIndex index);
 void ReleaseHeldSwitches();
-// The same when the line is gone: no switch counts as held any more.
-void ForgetHeldSwitches();
 
 }  // namespace veltra

@@ -8,6 +8,7 @@
 #include "app/app_state.h"
 #include "app/dialogs/dialog_items.h"
 #include "resources/resource_ids.h"
+#include "switches/switch_events.h"
 #include "system/language.h"
 #include "system/numbers.h"
 #include "system/power_off.h"
@@ -105,6 +106,7 @@ void StartFirmwareUpdate(const WideText& path) {
   if (!dialog) return Log().WriteError(kFirmwareLogTag, TEXT("refused, its dialog is not there: ") + path);
   ShowOnTop(dialog);
   ShowRunning(dialog);
+  ForgetHeldSwitches();  // the bootloader tells of no release
   const std::optional<uint32_t> stepCount = Firmware().bootloader.Start(path);
   if (!stepCount) return ShowEnd(dialog, kNoStartText);
   SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, *stepCount));
