@@ -18,7 +18,7 @@
 #include "switches/button_profile.h"
 #include "switches/joystick.h"
 #include "switches/macro_plugin.h"
-#include "switches/switch_outputs.h"
+#include "switches/switch_events.h"
 #include "system/tray_icons.h"
 
 namespace veltra {
@@ -119,7 +119,7 @@ int RunTool(HINSTANCE instance) {
   const int exitCode = RunMessageLoop();
 
   if (HasAppState()) {  // else the session has ended, and the shut-down has run
-    ReleaseHeldSwitches();
+    ForgetHeldSwitches();
     StopVirtualJoystick();
     RunShutdownSequence();
   }

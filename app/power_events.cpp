@@ -7,7 +7,7 @@
 #include "board/codec.h"
 #include "board/expander.h"
 #include "power/battery_alarms.h"
-#include "switches/switch_outputs.h"
+#include "switches/switch_events.h"
 #include "system/numbers.h"
 
 namespace veltra {
@@ -22,7 +22,7 @@ void PowerDownBoard() {
 void OnSuspend() {
   Log().WriteDetail(TEXT("Suspend"), TEXT("Device going to suspend"));
   StopBatteryTimer();
-  ReleaseHeldSwitches();
+  ForgetHeldSwitches();
   if (!std::exchange(System().Suspended, true)) PowerDownBoard();
 }
 

@@ -16,7 +16,7 @@
 #include "power/battery_details.h"
 #include "power/flight_mode_notice.h"
 #include "switches/macro_plugin.h"
-#include "switches/switch_outputs.h"
+#include "switches/switch_events.h"
 
 namespace veltra {
 namespace {
@@ -103,7 +103,7 @@ void RunStartupSequence(bool resume) {
 // The port is not stopped here but left to the end of the process: its monitor thread may hang in a driver,
 // and the end of a session must not wait for that.
 void RunShutdownSequence() {
-  ReleaseHeldSwitches();
+  ForgetHeldSwitches();
   UnloadMacroLibrary();
   CodecPowerDown();
   const BoardLibrary board = std::exchange(Board().library, {});

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "link/pic_comm.h"
 #include "switches/actions.h"
 #include "switches/button_action.h"
 #include "switches/mouse_filter.h"
@@ -62,18 +63,28 @@ constexpr SideButton kSideButtons[] = {
      LongAction<kBottomLong>},
 };
 
+// A press may wait in the message queue when the port is closed or the tablet is about to sleep.
+bool CanReleaseCome() {
+  return IsPicPortOpen() && !IsSuspended();
+}
+
+// Whether its press was still waiting for the release or the time of a long press.
+bool Disarm(const SideButton& button) {
+  KillTimer(MainWindow(), button.timer);
+  return std::exchange(Switches().*button.held, false);
+}
+
 void OnSideButton(const SideButton& button, bool pressed) {
   if (button.needsAllowEscape && !Switches().AllowEscape) return;
   if (Switches().SwitchInputMessage != 0)
     SendNotifyMessageW(HWND_BROADCAST, Switches().SwitchInputMessage, button.source, pressed ? 1 : 0);
-  if (pressed) {
-    SetTimer(MainWindow(), button.timer, kLongPressMs, nullptr);
-    Switches().*button.held = true;
+  if (!pressed) {
+    if (Disarm(button)) button.shortPress();
     return;
   }
-  KillTimer(MainWindow(), button.timer);
-  const bool wasHeld = std::exchange(Switches().*button.held, false);
-  if (wasHeld) button.shortPress();
+  if (!CanReleaseCome()) return;
+  SetTimer(MainWindow(), button.timer, kLongPressMs, nullptr);
+  Switches().*button.held = true;
 }
 
 // ---- switches ---------------------------------------------------------------------------------------------
@@ -82,15 +93,15 @@ SwitchIndex IndexOf(SwitchButton button) {
   return button == SwitchButton::kSwitch1 ? kSwitch1 : kSwitch2;
 }
 
-// Of the same event of the other switch.
-WCHAR SwappedLetter(const SwitchEvent& event) {
-  const SwitchButton other =
-      event.button == SwitchButton::kSwitch1 ? SwitchButton::kSwitch2 : SwitchButton::kSwitch1;
-  return std::ranges::find_if(kSwitchEvents,
-                              [&](const SwitchEvent& candidate) {
-                                return candidate.button == other && candidate.pressed == event.pressed;
-                              })
+WCHAR LetterOf(SwitchButton button, bool pressed) {
+  return std::ranges::find_if(
+             kSwitchEvents,
+             [&](const SwitchEvent& event) { return event.button == button && event.pressed == pressed; })
       ->letter;
+}
+
+SwitchButton OtherSwitch(SwitchButton button) {
+  return button == SwitchButton::kSwitch1 ? SwitchButton::kSwitch2 : SwitchButton::kSwitch1;
 }
 
 void NoteHeld(const SwitchEvent& event) {
@@ -99,36 +110,46 @@ void NoteHeld(const SwitchEvent& event) {
   mask = event.pressed ? mask | bit : mask & ~bit;
 }
 
-// Whether somebody else takes the event: the maker's communication or keyboard application, or the options
-// dialog.
-bool HandToOthers(const SwitchEvent& event) {
-  if (const HWND talkBuilder = FindWindowW(kTalkBuilderClass, nullptr)) {
-    SendMessageW(talkBuilder, kSwitchLetterMessage, 0, event.letter);
-    return true;
+// The maker's communication or keyboard application takes a switch before all others; false when neither
+// runs. What an earlier press did elsewhere is taken back first: this release is none of it.
+bool GiveToApplication(const SwitchEvent& event) {
+  const WCHAR* const windowClass = FindWindowW(kTalkBuilderClass, nullptr) ? kTalkBuilderClass : kLexoraClass;
+  const HWND application = FindWindowW(windowClass, nullptr);
+  if (!application) return false;
+  const bool swapped = windowClass == kLexoraClass && Switches().LexoraRevSw;
+  const SwitchButton button = swapped ? OtherSwitch(event.button) : event.button;
+  const SwitchIndex index = IndexOf(event.button);
+  HeldOutput& held = Switches().heldOutputs[index];
+  if (held.application != windowClass) ReleaseHeldSwitch(index);
+  held = {};
+  if (event.pressed) {
+    held.application = windowClass;
+    held.releaseLetter = LetterOf(button, false);
   }
-  if (const HWND lexora = FindWindowW(kLexoraClass, nullptr)) {
-    SendMessageW(lexora, kSwitchLetterMessage, 0,
-                 Switches().LexoraRevSw ? SwappedLetter(event) : event.letter);
-    return true;
+  SendMessageW(application, kSwitchLetterMessage, 0, LetterOf(button, event.pressed));
+  return true;
+}
+
+// While the options are open they show the switches, which do nothing else.
+bool ShowInOptions(const SwitchEvent& event) {
+  if (!Switches().switchIndicator.dialogWindow) return false;
+  if (!event.pressed) {
+    ReleaseHeldSwitch(IndexOf(event.button));
+    Switches().heldOutputs[IndexOf(event.button)] = {};
   }
-  const HWND options = Switches().switchIndicator.dialogWindow;
-  if (!options) return false;
-  RepaintSwitchIndicator(options);
+  RepaintSwitchIndicator();
   return true;
 }
 
 void OnSwitch(const SwitchEvent& event) {
   const SwitchIndex index = IndexOf(event.button);
   NoteHeld(event);
-  if (HandToOthers(event)) {
-    // What an earlier press holds down would stay so: this release goes elsewhere.
-    if (!event.pressed) ReleaseHeldSwitch(index);
-    return;
-  }
-  if (event.pressed)
-    PressSwitch(index);
-  else
-    ReleaseSwitch(index);
+  if (!event.pressed && std::exchange(Switches().heldOutputs[index].releasedEarly, false))
+    return RepaintSwitchIndicator();
+  const bool isTaken = GiveToApplication(event) || ShowInOptions(event);
+  if (!isTaken && event.pressed) PressSwitch(index);
+  if (!isTaken && !event.pressed) ReleaseSwitch(index);
+  if (event.pressed && !CanReleaseCome()) ReleaseHeldSwitch(index);
 }
 
 }  // namespace
@@ -141,19 +162,16 @@ void HandleSwitchEvent(const SwitchEvent& event) {
 }
 
 void ForgetHeldSwitches() {
-  ReleaseHeldSwitches();
+  for (const SideButton& button : kSideButtons) Disarm(button);
+  ReleaseHeldSwitch(kSwitch1);
+  ReleaseHeldSwitch(kSwitch2);
   Switches().switchIndicator.pressedMask = 0;
-  for (const SideButton& button : kSideButtons)
-    if (std::exchange(Switches().*button.held, false)) KillTimer(MainWindow(), button.timer);
+  RepaintSwitchIndicator();
 }
 
 void OnLongPressTimer(UINT_PTR timer) {
-  for (const SideButton& button : kSideButtons) {
-    if (timer != button.timer) continue;
-    KillTimer(MainWindow(), button.timer);
-    Switches().*button.held = false;
-    button.longPress();
-  }
+  for (const SideButton& button : kSideButtons)
+    if (timer == button.timer && Disarm(button)) button.longPress();
 }
 
 }  // namespace veltra

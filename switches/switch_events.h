@@ -30,8 +30,8 @@ constexpr bool IsSideButton(SwitchButton button) {
   return button >= SwitchButton::kMiddle;
 }
 
-// No release can come any more: lets go of what the switches hold down, none counts as held, and a side button
-// that was pressed does nothing, neither short nor long.
+// No release can come any more, or none may act: the switches' presses are taken back, no switch counts as
+// held any more, and neither the time nor the release of a side button does anything.
 void ForgetHeldSwitches();
 
 // The long-press timer of a side button fired; `timer` is its id.

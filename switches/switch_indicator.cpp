@@ -71,7 +71,9 @@ void PaintSwitchIndicator(HWND dialog) {
   EndPaint(dialog, &paint);
 }
 
-void RepaintSwitchIndicator(HWND dialog) {
+void RepaintSwitchIndicator() {
+  const HWND dialog = Switches().switchIndicator.dialogWindow;
+  if (!dialog) return;
   const RECT area = AreaIn(dialog);
   InvalidateRect(dialog, &area, TRUE);
 }

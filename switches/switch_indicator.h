@@ -9,8 +9,8 @@ namespace veltra {
 // WM_PAINT of the dialog.
 void PaintSwitchIndicator(HWND dialog);
 
-// A switch was pressed or let go: the dialog paints the indicator anew.
-void RepaintSwitchIndicator(HWND dialog);
+// A switch was pressed or let go: the dialog, if it is open, paints the indicator anew.
+void RepaintSwitchIndicator();
 
 // A double click on the indicator: the next of the two steps of the service gesture.
 void OnIndicatorDoubleClick(HWND dialog);

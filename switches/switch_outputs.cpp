@@ -2,12 +2,11 @@
 
 #include <utility>
 
-#include "link/pic_comm.h"
 #include "switches/joystick.h"
 #include "switches/switch_state.h"
 #include "system/injected_input.h"
 #include "system/maker_applications.h"
-#include "system/system_state.h"
+#include "system/numbers.h"
 
 namespace veltra {
 namespace {
@@ -38,16 +37,18 @@ UCHAR JoystickButton(int32_t value) {
   return static_cast<UCHAR>(value - kSwitchFirstJoystickButton + 1);
 }
 
-void Output(int32_t value, bool pressed) {
+void Output(SwitchIndex index, int32_t value, bool pressed) {
+  if (value == kSwitchNormal) return NotifySwitch(index, pressed);
   if (value == kSwitchLeftClick) return InjectMouse(pressed ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP);
   if (value == kSwitchRightClick) return InjectMouse(pressed ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_RIGHTUP);
   if (IsJoystickButton(value)) return SetJoystickButton(pressed, JoystickButton(value));
   InjectKey(value, pressed);
 }
 
-// A press may wait in the message queue when the port is closed or the tablet is about to sleep.
-bool CanReleaseCome() {
-  return IsPicPortOpen() && !IsSuspended();
+// Nobody waits for the application: it may hang, and the tablet may be about to sleep.
+void TellOfRelease(const HeldOutput& held) {
+  if (const HWND application = FindWindowW(held.application, nullptr))
+    SendNotifyMessageW(application, kSwitchLetterMessage, 0, held.releaseLetter);
 }
 
 }  // namespace
@@ -57,30 +58,27 @@ void PressSwitch(SwitchIndex index) {
   const int32_t value = SettingOf(index);
   if (held.value && *held.value != value) ReleaseHeldSwitch(index);
   held = {};
-  if (value == kSwitchNormal) return NotifySwitch(index, true);
   held.value = value;
-  Output(value, true);
-  if (!CanReleaseCome()) ReleaseHeldSwitch(index);
+  Output(index, value, true);
 }
 
 void ReleaseSwitch(SwitchIndex index) {
   const HeldOutput held = std::exchange(Switches().heldOutputs[index], {});
-  const int32_t value = SettingOf(index);
-  if (held.value) Output(*held.value, false);
-  if (value == kSwitchNormal) return NotifySwitch(index, false);
-  if (!held.value && !held.releasedEarly) Output(value, false);
+  Output(index, held.value.value_or(SettingOf(index)), false);
 }
 
 void ReleaseHeldSwitch(SwitchIndex index) {
   HeldOutput& held = Switches().heldOutputs[index];
-  if (!held.value) return;
-  Output(*held.value, false);
-  held = {.value = std::nullopt, .releasedEarly = true};
+  if (!held.value && !held.application) return;
+  const HeldOutput before = std::exchange(held, {});
+  held.releasedEarly = true;
+  if (before.application) return TellOfRelease(before);
+  Output(index, *before.value, false);
 }
 
-void ReleaseHeldSwitches() {
-  ReleaseHeldSwitch(kSwitch1);
-  ReleaseHeldSwitch(kSwitch2);
+void ReleaseHeldOutputs() {
+  for (const SwitchIndex index : {kSwitch1, kSwitch2})
+    if (Switches().heldOutputs[index].value) ReleaseHeldSwitch(index);
 }
 
 }  // namespace veltra

@@ -9,9 +9,10 @@ void PressSwitch(SwitchIndex index);
 // Releases what the press pressed, whatever the setting is by now.
 void ReleaseSwitch(SwitchIndex index);
 
-// Lets go of what a switch holds down because its release can no longer come or is no longer the tool's to
-// act on. The break that may still follow does nothing more than its notification.
+// Takes back what a press did because its release can no longer come or is no longer the tool's to act on:
+// who was told of the press is told of the release. The break that may still follow does nothing.
 void ReleaseHeldSwitch(SwitchIndex index);
-void ReleaseHeldSwitches();
+// The same for both switches, but an application that was given the press still gets its release.
+void ReleaseHeldOutputs();
 
 }  // namespace veltra

@@ -27,9 +27,11 @@ constexpr int32_t kSwitchRightClick = -2;
 constexpr int32_t kSwitchFirstJoystickButton = 50000;
 constexpr int32_t kSwitchLastJoystickButton = 50007;
 
+// What a press of a switch did and its release takes back.
 struct HeldOutput {
-  std::optional<int32_t>
-      value;  // the switch value that is pressed now: a mouse button, a joystick button or a key
+  std::optional<int32_t> value;        // the switch value that is pressed now
+  const WCHAR* application = nullptr;  // or the class of the application that was given the press
+  WCHAR releaseLetter = 0;             // and the letter by which it hears of the release
   bool releasedEarly =
       false;  // it was let go before the switch was; the break to come has nothing left to release
 };

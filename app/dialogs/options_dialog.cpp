@@ -228,7 +228,7 @@ void OpenOptionsDialog() {
   AppState& app = App();
   if (app.OptionsOpen) return;
   app.OptionsOpen = true;
-  ReleaseHeldSwitches();
+  ReleaseHeldOutputs();
   RunDialog(TEXT("KAVOOPTIONS"), OptionsProcedure, reinterpret_cast<LPARAM>(&Switches().switchIndicator));
   Switches().switchIndicator.dialogWindow = nullptr;
   app.OptionsOpen = false;

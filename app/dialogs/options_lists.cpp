@@ -55,7 +55,7 @@ void StoreSwitchCommands(HWND dialog) {
   for (const SwitchList& list : kSwitchLists) {
     const std::optional<int32_t> command = SelectedListValue(dialog, list.id);
     if (!command || *command == Switches().*list.command) continue;
-    ReleaseHeldSwitches();
+    ReleaseHeldOutputs();
     Switches().*list.command = *command;
   }
 }

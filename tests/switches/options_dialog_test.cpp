@@ -198,6 +198,8 @@ TEST_F(Indicator, ShowsWhichSwitchesAreHeld) {
   OpenAgain(IDC_OPTIONS);
   EXPECT_EQ(machine.CountOpen("window"), windows);
   EXPECT_EQ(Colours(), (Painted{kWhite, kGreen}));
+  tablet.NotifyPort(false, u"COM2");  // its release cannot come any more
+  EXPECT_EQ(Colours(), (Painted{kWhite, kWhite}));
 }
 
 TEST_F(Indicator, TwoDoubleClicksOpenTheWayToTheUpdate) {
