@@ -9,6 +9,7 @@
 
 #include "simulator/console.h"
 #include "simulator/demonstration.h"
+#include "simulator/prompt.h"
 #include "simulator/tablet_world.h"
 
 namespace {
@@ -47,9 +48,7 @@ void Prompt(simulator::Console& console) {
   std::cout
       << "\nThe tablet is yours. Time stands still until you say \"wait 1s\"; \"help\" lists the commands, "
          "\"exit\" leaves.\n";
-  std::string line;
-  while (!console.HasEnded() && std::cout << "> " << std::flush && std::getline(std::cin, line))
-    if (const simulator::Problem problem = console.RunLine(line)) std::cout << "  " << *problem << "\n";
+  simulator::RunPrompt(console);
 }
 
 int Run(const Options& options, std::istream& script, const std::string& scriptName, std::ostream& trace) {

@@ -2,16 +2,13 @@
 // serial device that leads to a tool on another machine.
 #include <fcntl.h>
 #include <poll.h>
-#include <pty.h>
 #include <signal.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -22,12 +19,15 @@
 
 #include "simulator/controller.h"
 #include "simulator/controller_commands.h"
+#include "simulator/file_descriptor.h"
+#include "simulator/pseudo_terminal.h"
 #include "simulator/words.h"
 
 namespace {
 
 using simulator::Controller;
 using simulator::Duration;
+using simulator::FileDescriptor;
 using simulator::Traffic;
 
 constexpr char kUsage[] =
@@ -48,79 +48,10 @@ struct Options {
   bool silentStart = false;
 };
 
-class FileDescriptor {
- public:
-  FileDescriptor() = default;
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  FileDescriptor(FileDescriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
-    std::swap(fd_, other.fd_);
-    return *this;
-  }
-  ~FileDescriptor() {
-    if (fd_ >= 0) close(fd_);
-  }
-  [[nodiscard]] int Get() const { return fd_; }
-
- private:
-  int fd_ = -1;
-};
-
-// A symbolic link that lives as long as this object. Takes the place of an older link, never of a file.
-class Link {
- public:
-  Link() = default;
-  ~Link() {
-    std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove(path_, ignored);
-  }
-  Link(const Link&) = delete;
-  Link& operator=(const Link&) = delete;
-  bool Make(const std::string& target, const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::is_symlink(path, error)) std::filesystem::remove(path, error);
-    std::filesystem::create_symlink(target, path, error);
-    if (error) return false;
-    path_ = path;
-    return true;
-  }
-
- private:
-  std::string path_;
-};
-
-// The tool's end of the line and ours.
-struct Line {
-  FileDescriptor ours;
-  FileDescriptor theirs;  // kept open, so that the line stays up while no tool has it open
-  std::string path;
-};
-
-void MakeRaw(int fd) {
-  termios settings{};
-  if (tcgetattr(fd, &settings) != 0) return;
-  cfmakeraw(&settings);
-  cfsetspeed(&settings, B57600);
-  settings.c_cflag |= CLOCAL | CREAD;
-  tcsetattr(fd, TCSANOW, &settings);
-}
-
-std::optional<Line> MakeTerminal() {
-  int ours = -1;
-  int theirs = -1;
-  char path[128];
-  if (openpty(&ours, &theirs, path, nullptr, nullptr) != 0) return std::nullopt;
-  Line line{FileDescriptor(ours), FileDescriptor(theirs), path};
-  MakeRaw(theirs);
-  fcntl(ours, F_SETFL, O_NONBLOCK);
-  return line;
-}
-
-std::optional<Line> OpenDevice(const std::string& path) {
+FileDescriptor OpenDevice(const std::string& path) {
   FileDescriptor device(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK));
-  if (device.Get() < 0) return std::nullopt;
-  MakeRaw(device.Get());
-  return Line{std::move(device), {}, path};
+  if (device.Get() >= 0) simulator::MakeRaw(device.Get());
+  return device;
 }
 
 class Clock {
@@ -172,7 +103,7 @@ void PrintTraffic(const Traffic& traffic, std::ostream& trace) {
 
 class Session {
  public:
-  Session(Line line, std::ostream& trace) : line_(std::move(line)) {
+  Session(int line, std::ostream& trace) : line_(line) {
     controller_.OnTraffic([&trace](const Traffic& traffic) { PrintTraffic(traffic, trace); });
   }
 
@@ -192,7 +123,7 @@ class Session {
     sigaction(SIGTERM, &action, nullptr);
     while (!stopRequested && !quit_) {
       clock_.RunDue();
-      pollfd sources[] = {{line_.ours.Get(), POLLIN, 0}, {inputOpen_ ? STDIN_FILENO : -1, POLLIN, 0}};
+      pollfd sources[] = {{line_, POLLIN, 0}, {inputOpen_ ? STDIN_FILENO : -1, POLLIN, 0}};
       timespec timeout{};
       const std::optional<Duration> wait = clock_.UntilNext();
       if (wait) timeout = {wait->count() / 1'000'000, wait->count() % 1'000'000 * 1000};
@@ -206,7 +137,7 @@ class Session {
  private:
   bool ReadLine() {
     uint8_t bytes[4096];
-    const ssize_t count = read(line_.ours.Get(), bytes, sizeof bytes);
+    const ssize_t count = read(line_, bytes, sizeof bytes);
     if (count > 0) controller_.Receive({bytes, static_cast<size_t>(count)});
     if (count > 0 || (count < 0 && (errno == EAGAIN || errno == EINTR))) return true;
     std::fprintf(stderr, "pic_simulator: the line broke\n");
@@ -256,7 +187,7 @@ class Session {
 
   void Send(std::span<const uint8_t> bytes) {
     while (!bytes.empty()) {
-      const ssize_t count = write(line_.ours.Get(), bytes.data(), bytes.size());
+      const ssize_t count = write(line_, bytes.data(), bytes.size());
       if (count > 0) {
         bytes = bytes.subspan(static_cast<size_t>(count));
         continue;
@@ -268,7 +199,7 @@ class Session {
     }
   }
 
-  Line line_;
+  int line_;
   Clock clock_;
   Controller controller_{{
       [this](std::span<const uint8_t> bytes) { Send(bytes); },
@@ -311,18 +242,24 @@ int main(int count, char** arguments) {
     std::fputs(kUsage, stderr);
     return 2;
   }
-  std::optional<Line> line = options->device.empty() ? MakeTerminal() : OpenDevice(options->device);
-  if (!line) return Fail(options->device.empty() ? "no pseudo terminal" : options->device);
-  Link link;
-  if (!options->link.empty() && !link.Make(line->path, options->link)) return Fail(options->link);
+  std::optional<simulator::PseudoTerminal> terminal;
+  FileDescriptor other;  // of the terminal: kept open, so that the line stays up while no tool has it open
+  FileDescriptor device;
+  if (options->device.empty()) {
+    terminal.emplace(options->link);
+    other = FileDescriptor(open(terminal->Path().c_str(), O_RDWR | O_NOCTTY));
+  } else {
+    device = OpenDevice(options->device);
+    if (device.Get() < 0) return Fail(options->device);
+  }
   std::ofstream trace;
   if (!options->trace.empty()) {
     trace.open(options->trace);
     if (!trace) return Fail(options->trace);
   }
-  std::printf("%s\n", line->path.c_str());
+  std::printf("%s\n", terminal ? terminal->Path().c_str() : options->device.c_str());
   std::fflush(stdout);
-  Session session(std::move(*line), trace);
+  Session session(terminal ? terminal->Get() : device.Get(), trace);
   if (!options->silentStart) session.Pic().PowerUp();
   return session.Run();
 }

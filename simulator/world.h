@@ -101,6 +101,8 @@ class World {
   virtual bool WaitUntil(const std::function<bool()>& condition, Duration limit) = 0;
   // Lets the tool do what it has been told and can do at once.
   virtual void Settle() = 0;
+  // Does what is due by itself, where time passes while a person thinks.
+  virtual void GoOn() {}
   // How long what is expected may be in coming: nothing where time is virtual.
   [[nodiscard]] virtual Duration Tolerance() const { return Duration(0); }
 

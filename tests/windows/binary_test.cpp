@@ -8,9 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/windows/process.h"
+#include "simulator/wine/process.h"
 
-namespace windows_test {
+namespace simulator {
 namespace {
 
 class BinaryTest : public testing::Test {
@@ -63,4 +63,4 @@ TEST_F(BinaryTest, MacroPlugInsHaveNoThreadLocalData) {
 }
 
 }  // namespace
-}  // namespace windows_test
+}  // namespace simulator

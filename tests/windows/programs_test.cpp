@@ -5,7 +5,7 @@
 #include "tests/board/bus_text.h"
 #include "tests/windows/story.h"
 
-namespace windows_test {
+namespace simulator {
 namespace {
 
 using ProgramsTest = StoryTest;
@@ -21,8 +21,8 @@ TEST_F(ProgramsTest, NoPressOfABurstIsLost) {
   constexpr int kPresses = 100;
   Start("set Sw1CmdVal -1\n");
   for (int n = 0; n < kPresses; ++n) {
-    world.Pic().Press(simulator::Button::kSwitch1);
-    world.Pic().Release(simulator::Button::kSwitch1);
+    world.Pic().Press(Button::kSwitch1);
+    world.Pic().Release(Button::kSwitch1);
   }
   for (int n = 0; n < kPresses; ++n) Play("expect exactly mouse left down\nexpect exactly mouse left up\n");
   Play("expect no mouse\n");
@@ -33,7 +33,7 @@ TEST_F(ProgramsTest, ThePortMayComeAndGoManyTimesAsAnotherDeviceEachTime) {
   Start();
   const size_t threads = world.ToolThreadCount();
   for (int n = 0; n < kTimes; ++n) {
-    world.Pic().Press(simulator::Button::kSwitch1);  // the port goes while bytes arrive
+    world.Pic().Press(Button::kSwitch1);  // the port goes while bytes arrive
     Play("port remove\nport arrive\nled 3\nexpect exactly tool -> SetStatusLed=3\n");
   }
   EXPECT_TRUE(world.WaitUntil([&] { return world.ToolThreadCount() == threads; }, kPatience))
@@ -115,4 +115,4 @@ TEST_F(ProgramsTest, TheProbePrintsWhatTheToolKnows) {
 }
 
 }  // namespace
-}  // namespace windows_test
+}  // namespace simulator

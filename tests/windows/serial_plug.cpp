@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "tests/windows/pseudo_terminal.h"
+#include "simulator/pseudo_terminal.h"
 
 namespace {
 
@@ -48,7 +48,7 @@ int main(int count, char** arguments) {
     std::fprintf(stderr, "usage: session.sh serial_plug COMMAND [ARGUMENT...]\n");
     return 2;
   }
-  const windows_test::PseudoTerminal terminal(std::filesystem::path(prefix) / "com2");
+  const simulator::PseudoTerminal terminal(std::filesystem::path(prefix) / "com2");
   Plug plug(terminal.Get());
   const pid_t command = fork();
   if (command == 0) {

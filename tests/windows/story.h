@@ -7,9 +7,9 @@
 #include <string>
 
 #include "simulator/console.h"
-#include "tests/windows/wine_world.h"
+#include "simulator/wine/wine_world.h"
 
-namespace windows_test {
+namespace simulator {
 
 class StoryTest : public testing::Test {
  protected:
@@ -26,7 +26,7 @@ class StoryTest : public testing::Test {
 
  private:
   std::ostringstream told_;
-  simulator::Console console_{world, told_};
+  Console console_{world, told_};
 };
 
-}  // namespace windows_test
+}  // namespace simulator

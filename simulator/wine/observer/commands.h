@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include "tests/windows/observer/report.h"
+#include "simulator/wine/observer/report.h"
 
 namespace observer {
 

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "base/handles.h"
-#include "tests/windows/observer/commands.h"
+#include "simulator/wine/observer/commands.h"
 
 namespace observer {
 namespace {

@@ -7,10 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "tests/windows/failure.h"
-#include "tests/windows/file_descriptor.h"
+#include "simulator/file_descriptor.h"
+#include "simulator/wine/failure.h"
+#include "simulator/world.h"
 
-namespace windows_test {
+namespace simulator {
 
 // The directory of the programs under test.
 void SetProgramDirectory(std::string directory);
@@ -18,7 +19,7 @@ std::string ProgramPath(const std::string& name);
 
 class WineProcess {
  public:
-  // Starts a program of the program directory.
+  // Starts a program of the program directory, or one of Windows by its name without an ending.
   explicit WineProcess(const std::string& program, const std::vector<std::string>& arguments = {});
   ~WineProcess();  // ends it the hard way when it still runs
   WineProcess(const WineProcess&) = delete;
@@ -37,7 +38,7 @@ class WineProcess {
 
  private:
   // Waits that long for output; false when none came.
-  bool ReadMore(std::chrono::milliseconds limit);
+  bool ReadMore(Duration limit);
 
   pid_t pid_ = -1;
   std::optional<int> exitCode_;
@@ -46,4 +47,4 @@ class WineProcess {
   std::string received_;  // read and not taken as a line yet
 };
 
-}  // namespace windows_test
+}  // namespace simulator

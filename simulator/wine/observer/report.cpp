@@ -1,4 +1,4 @@
-#include "tests/windows/observer/report.h"
+#include "simulator/wine/observer/report.h"
 
 #include <algorithm>
 #include <cstdio>

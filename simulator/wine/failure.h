@@ -5,13 +5,12 @@
 #include <stdexcept>
 #include <string>
 
-namespace windows_test {
+namespace simulator {
 
-inline constexpr std::chrono::seconds kPatience{30};
 inline constexpr std::chrono::milliseconds kPollPause{2};
 
 [[noreturn]] inline void Fail(const std::string& what) {
   throw std::runtime_error(what);
 }
 
-}  // namespace windows_test
+}  // namespace simulator

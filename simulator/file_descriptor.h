@@ -4,7 +4,7 @@
 
 #include <utility>
 
-namespace windows_test {
+namespace simulator {
 
 class FileDescriptor {
  public:
@@ -25,4 +25,4 @@ class FileDescriptor {
   int fd_ = -1;
 };
 
-}  // namespace windows_test
+}  // namespace simulator

@@ -8,7 +8,7 @@
 #include <map>
 #include <stdexcept>
 
-#include "tests/windows/observer/commands.h"
+#include "simulator/wine/observer/commands.h"
 
 namespace observer {
 namespace {

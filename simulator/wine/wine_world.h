@@ -7,16 +7,13 @@
 #include <fstream>
 #include <memory>
 
+#include "simulator/wine/controller_line.h"
+#include "simulator/wine/process.h"
 #include "simulator/world.h"
-#include "tests/windows/controller_line.h"
-#include "tests/windows/process.h"
 
-namespace windows_test {
+namespace simulator {
 
-using simulator::Duration;
-using simulator::Problem;
-
-class WineWorld : public simulator::World {
+class WineWorld : public World {
  public:
   // A new tablet: no settings, no files of the tool.
   WineWorld();
@@ -24,17 +21,20 @@ class WineWorld : public simulator::World {
   // What the observer answers to a command; the Problem of one that it cannot carry out is thrown by Run.
   std::string Run(const std::vector<std::string>& words);
   Problem TryRun(const std::vector<std::string>& words, std::string* answer = nullptr);
+  // Beside the tool, until this world ends.
+  void StartProgram(const std::string& name, const std::vector<std::string>& arguments);
   [[nodiscard]] size_t ToolThreadCount() const { return tool_->ThreadCount(); }
 
   [[nodiscard]] std::string_view Name() const override { return "windows"; }
-  [[nodiscard]] std::span<const simulator::WorldCommand> Commands() const override;
-  simulator::Controller& Pic() override { return line_.Pic(); }
-  void OnEntry(std::function<void(simulator::TimelineEntry, bool)> listener) override;
+  [[nodiscard]] std::span<const WorldCommand> Commands() const override;
+  Controller& Pic() override { return line_.Pic(); }
+  void OnEntry(std::function<void(TimelineEntry, bool)> listener) override;
 
   [[nodiscard]] Duration Now() override { return line_.Now(); }
   void Wait(Duration span) override;
   bool WaitUntil(const std::function<bool()>& condition, Duration limit) override;
   void Settle() override;
+  void GoOn() override { Turn(); }
   [[nodiscard]] Duration Tolerance() const override { return std::chrono::seconds(10); }
 
   [[nodiscard]] bool Sees(std::string_view line) const override;
@@ -50,9 +50,9 @@ class WineWorld : public simulator::World {
   std::optional<int64_t> PlugPort(bool plugged) override;
   Problem LosePort(bool lost) override;
 
-  void SetNumber(simulator::Root root, std::string_view name, int64_t value) override;
-  void SetText(simulator::Root root, std::string_view name, std::string_view text) override;
-  [[nodiscard]] std::vector<simulator::Setting> Settings() override;
+  void SetNumber(Root root, std::string_view name, int64_t value) override;
+  void SetText(Root root, std::string_view name, std::string_view text) override;
+  [[nodiscard]] std::vector<Setting> Settings() override;
   [[nodiscard]] std::optional<std::string> ReadFile(std::string_view path) override;
   void WriteFile(std::string_view path, std::string_view content) override;
 
@@ -61,8 +61,8 @@ class WineWorld : public simulator::World {
   [[nodiscard]] bool IsApplicationOpen(std::string_view windowClass) override;
   void PlayOtherCopy() override;
 
-  [[nodiscard]] std::optional<simulator::DialogLook> FrontDialog() override;
-  [[nodiscard]] std::vector<simulator::DialogLook> Dialogs() override;
+  [[nodiscard]] std::optional<DialogLook> FrontDialog() override;
+  [[nodiscard]] std::vector<DialogLook> Dialogs() override;
   [[nodiscard]] std::vector<std::string> Entries(int id) override;
   void Press(int id) override;
   void DoubleClick(int id) override;
@@ -72,7 +72,7 @@ class WineWorld : public simulator::World {
   Problem PressKey(int virtualKey) override;
   Problem CloseDialog() override;
   Problem PickFile(std::string_view path) override;
-  Problem UseTrayIcon(simulator::TrayIcon icon, simulator::MouseAction action) override;
+  Problem UseTrayIcon(TrayIcon icon, MouseAction action) override;
   Problem ChooseMenuItem(std::string_view label) override;
 
  private:
@@ -87,13 +87,14 @@ class WineWorld : public simulator::World {
   ControllerLine line_;
   std::unique_ptr<WineProcess> observer_;
   std::unique_ptr<WineProcess> tool_;
+  std::vector<std::unique_ptr<WineProcess>> others_;
   std::ifstream deviceLog_;
   std::string deviceCall_;  // the beginning of the next one
   std::optional<std::string> answer_;
-  std::function<void(simulator::TimelineEntry, bool)> listener_;
+  std::function<void(TimelineEntry, bool)> listener_;
   bool wasOpen_ = false;
   bool hasEnded_ = true;  // the end of the tool has been told
   bool sessionEnded_ = false;
 };
 
-}  // namespace windows_test
+}  // namespace simulator

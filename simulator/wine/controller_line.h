@@ -7,16 +7,16 @@
 #include <optional>
 
 #include "simulator/controller.h"
-#include "tests/windows/pseudo_terminal.h"
+#include "simulator/pseudo_terminal.h"
 
-namespace windows_test {
+namespace simulator {
 
 class ControllerLine {
  public:
   explicit ControllerLine(std::filesystem::path link) : link_(std::move(link)) { Plug(); }
 
-  simulator::Controller& Pic() { return controller_; }
-  [[nodiscard]] simulator::Duration Now() const;
+  Controller& Pic() { return controller_; }
+  [[nodiscard]] Duration Now() const;
   // The line goes, and another one comes.
   void Unplug() { terminal_.reset(); }
   void Plug() { terminal_.emplace(link_); }
@@ -31,14 +31,14 @@ class ControllerLine {
   std::filesystem::path link_;
   std::optional<PseudoTerminal> terminal_;
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-  std::multimap<simulator::Duration, std::function<void()>> due_;
-  simulator::Controller controller_{{
+  std::multimap<Duration, std::function<void()>> due_;
+  Controller controller_{{
       [this](std::span<const uint8_t> bytes) { Send(bytes); },
-      [this](simulator::Duration delay, std::function<void()> action) {
+      [this](Duration delay, std::function<void()> action) {
         due_.emplace(Now() + delay, std::move(action));
       },
       [this] { return Now(); },
   }};
 };
 
-}  // namespace windows_test
+}  // namespace simulator

@@ -1,4 +1,4 @@
-#include "tests/windows/observer/commands.h"
+#include "simulator/wine/observer/commands.h"
 
 #include <dbt.h>
 

@@ -1,4 +1,4 @@
-#include "tests/windows/process.h"
+#include "simulator/wine/process.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -13,7 +13,7 @@
 #include <iterator>
 #include <thread>
 
-namespace windows_test {
+namespace simulator {
 namespace {
 
 std::string programDirectory;
@@ -34,7 +34,7 @@ Pipe MakePipe() {
 [[noreturn]] void BecomeWine(const std::string& program, const std::vector<std::string>& arguments) {
   if (const char* shim = std::getenv("VELTRA_SERIAL_SHIM")) setenv("LD_PRELOAD", shim, 1);
   std::string wine = "wine";
-  std::string path = ProgramPath(program);
+  std::string path = std::filesystem::exists(ProgramPath(program)) ? ProgramPath(program) : program;
   std::vector<char*> command = {wine.data(), path.data()};
   for (const std::string& argument : arguments) command.push_back(const_cast<char*>(argument.c_str()));
   command.push_back(nullptr);
@@ -53,7 +53,8 @@ std::string ProgramPath(const std::string& name) {
 }
 
 WineProcess::WineProcess(const std::string& program, const std::vector<std::string>& arguments) {
-  if (!std::filesystem::exists(ProgramPath(program))) Fail(ProgramPath(program) + " is missing");
+  const bool isOurs = program.ends_with(".exe");
+  if (isOurs && !std::filesystem::exists(ProgramPath(program))) Fail(ProgramPath(program) + " is missing");
   Pipe input = MakePipe();
   Pipe output = MakePipe();
   pid_ = fork();
@@ -78,9 +79,9 @@ bool WineProcess::WriteLine(const std::string& line) {
   return write(input_.Get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
-bool WineProcess::ReadMore(std::chrono::milliseconds limit) {
+bool WineProcess::ReadMore(Duration limit) {
   pollfd source{output_.Get(), POLLIN, 0};
-  if (poll(&source, 1, static_cast<int>(limit.count())) <= 0) return false;
+  if (poll(&source, 1, static_cast<int>(limit / std::chrono::milliseconds(1))) <= 0) return false;
   char buffer[4096];
   const ssize_t count = read(output_.Get(), buffer, sizeof buffer);
   if (count > 0) received_.append(buffer, static_cast<size_t>(count));
@@ -90,7 +91,7 @@ bool WineProcess::ReadMore(std::chrono::milliseconds limit) {
 std::optional<std::string> WineProcess::TakeLine() {
   size_t end = 0;
   while ((end = received_.find('\n')) == received_.npos)
-    if (!ReadMore(std::chrono::milliseconds(0))) return std::nullopt;
+    if (!ReadMore(Duration(0))) return std::nullopt;
   std::string line = received_.substr(0, end);
   received_.erase(0, end + 1);
   return line;
@@ -124,4 +125,4 @@ int WineProcess::ExitCode() {
   return exitCode_.value();
 }
 
-}  // namespace windows_test
+}  // namespace simulator

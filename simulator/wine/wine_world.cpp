@@ -1,4 +1,4 @@
-#include "tests/windows/wine_world.h"
+#include "simulator/wine/wine_world.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -7,14 +7,12 @@
 
 #include "simulator/wire.h"
 
-namespace windows_test {
+namespace simulator {
 namespace {
 
-using simulator::ControlLook;
-using simulator::DialogLook;
-using Words = std::vector<std::string>;
+using Fields = std::vector<std::string>;
 
-const std::string kMainWindow(simulator::kMainWindow);
+const std::string kToolWindow(kMainWindow);
 
 std::filesystem::path Prefix() {
   return std::getenv("WINEPREFIX");
@@ -28,8 +26,8 @@ std::filesystem::path HostPath(std::string_view windowsPath) {
   return Prefix() / "drive_c" / path.substr(3);
 }
 
-Words Split(const std::string& line) {
-  Words words;
+Fields Split(const std::string& line) {
+  Fields words;
   std::istringstream stream(line + '\t');
   for (std::string word; std::getline(stream, word, '\t');) words.push_back(word);
   return words;
@@ -41,8 +39,8 @@ void KeepSession() {
   if (!keeper || !keeper->IsRunning()) keeper = std::make_unique<WineProcess>("observer.exe");
 }
 
-const char* NameOf(simulator::Root root) {
-  return root == simulator::Root::kUser ? "user" : "machine";
+const char* NameOf(Root root) {
+  return root == Root::kUser ? "user" : "machine";
 }
 
 // The access keys of the menu items of that label, in whatever language: a menu passes over a key that is not
@@ -66,25 +64,58 @@ bool IsOfBox(const ControlLook& control) {
   return control.kind == "Static" || (control.kind == "Button" && control.id <= kLastButton);
 }
 
-Problem RunCommand(simulator::World& world, simulator::Words words) {
-  const std::optional<int64_t> command = words.size() == 2 ? simulator::ParseNumber(words[1]) : std::nullopt;
+Problem RunCommand(World& world, Words words) {
+  const std::optional<int64_t> command = words.size() == 2 ? ParseNumber(words[1]) : std::nullopt;
   if (!command) return "expects: NUMBER";
-  return world.Post(simulator::kCommandMessage, *command, 0) ? Problem() : "the tool has no window";
+  return world.Post(kCommandMessage, *command, 0) ? Problem() : "the tool has no window";
 }
 
-constexpr simulator::WorldCommand kCommands[] = {
+// A program of Windows beside the tool: Notepad, say.
+Problem RunProgram(World& world, Words words) {
+  if (words.size() < 2) return "expects: NAME [ARGUMENT...]";
+  static_cast<WineWorld&>(world).StartProgram(words[1], {words.begin() + 2, words.end()});
+  return {};
+}
+
+Problem RunWindow(World& world, Words words) {
+  if (words.size() < 2 || words.size() > 3) return "expects: CAPTION [TEXT]";
+  const std::string wanted = words.size() == 3 ? words[2] : "";
+  auto& desktop = static_cast<WineWorld&>(world);
+  const auto shows = [&] {
+    const Fields texts = Split(desktop.Run({"texts", words[1]}));
+    return texts[0] == "yes" && (wanted.empty() || std::ranges::find(texts, wanted) != texts.end());
+  };
+  if (world.WaitUntil(shows, kPatience)) return {};
+  return "no such window, or it does not show that";
+}
+
+// With ImageMagick; what has just happened is given time to be painted.
+Problem RunPicture(World& world, Words words) {
+  if (words.size() < 2 || words.size() > 3) return "expects: FILE [CAPTION]";
+  constexpr Duration kPaintTime = std::chrono::milliseconds(700);
+  world.WaitUntil([] { return false; }, kPaintTime);
+  std::string command = "import -window root ";
+  if (words.size() == 3)
+    command += "-crop " + static_cast<WineWorld&>(world).Run({"rect", words[2]}) + " +repage ";
+  return std::system((command + "'" + words[1] + "'").c_str()) == 0 ? Problem() : "the picture is not made";
+}
+
+constexpr WorldCommand kCommands[] = {
     {"command", "NUMBER", "the command of a menu item, sent to the tool", RunCommand},
+    {"program", "NAME [ARGUMENT...]", "starts a program of Windows", RunProgram},
+    {"window", "CAPTION [TEXT]", "waits for a window of any program, and for one of its texts", RunWindow},
+    {"picture", "FILE [CAPTION]", "a picture of the desktop, or of one window", RunPicture},
 };
 
 }  // namespace
 
-std::span<const simulator::WorldCommand> WineWorld::Commands() const {
+std::span<const WorldCommand> WineWorld::Commands() const {
   return kCommands;
 }
 
 WineWorld::WineWorld() : line_(Prefix() / "com2") {
   constexpr int kAttempts = 10;
-  std::filesystem::remove_all(HostPath(simulator::kDataFolder));
+  std::filesystem::remove_all(HostPath(kDataFolder));
   std::filesystem::remove(ProgramPath("devices.log"));
   // The session of the story before may still be ending, and take along what is started meanwhile.
   Problem problem = "no observer";
@@ -101,12 +132,13 @@ WineWorld::WineWorld() : line_(Prefix() / "com2") {
 // ---- what happens
 // --------------------------------------------------------------------------------------
 
-void WineWorld::OnEntry(std::function<void(simulator::TimelineEntry, bool)> listener) {
+void WineWorld::OnEntry(std::function<void(TimelineEntry, bool)> listener) {
   listener_ = std::move(listener);
 }
 
 void WineWorld::Happened(std::string_view who, std::string text) {
-  if (listener_) listener_({Now(), std::string(who), std::move(text)}, true);
+  const bool isNoticed = !text.starts_with("i2c ");
+  if (listener_) listener_({Now(), std::string(who), std::move(text)}, isNoticed);
 }
 
 void WineWorld::Turn() {
@@ -171,7 +203,7 @@ void WineWorld::Settle() {
   Turn();
 }
 
-Problem WineWorld::TryRun(const Words& words, std::string* answer) {
+Problem WineWorld::TryRun(const Fields& words, std::string* answer) {
   if (sessionEnded_) return "the session has ended";
   std::string line;
   for (const std::string& word : words) line += (line.empty() ? "" : "\t") + word;
@@ -185,7 +217,7 @@ Problem WineWorld::TryRun(const Words& words, std::string* answer) {
   return {};
 }
 
-std::string WineWorld::Run(const Words& words) {
+std::string WineWorld::Run(const Fields& words) {
   std::string answer;
   if (const Problem problem = TryRun(words, &answer)) Fail(*problem);
   return answer;
@@ -204,10 +236,14 @@ bool WineWorld::Sees(std::string_view line) const {
 // ------------------------------------------------------------------------------------------
 
 void WineWorld::Start(std::string_view arguments) {
-  Words words;
-  simulator::SplitWords(arguments, words);
+  Fields words;
+  SplitWords(arguments, words);
   tool_ = std::make_unique<WineProcess>("veltratool.exe", words);
   hasEnded_ = false;
+}
+
+void WineWorld::StartProgram(const std::string& name, const std::vector<std::string>& arguments) {
+  others_.push_back(std::make_unique<WineProcess>(name, arguments));
 }
 
 std::optional<int> WineWorld::ExitCode() {
@@ -216,10 +252,10 @@ std::optional<int> WineWorld::ExitCode() {
 }
 
 bool WineWorld::HasMainWindow() {
-  return Run({"find", kMainWindow}) == "yes";
+  return Run({"find", kToolWindow}) == "yes";
 }
 
-std::optional<int64_t> WineWorld::AskNumber(const Words& words) {
+std::optional<int64_t> WineWorld::AskNumber(const Fields& words) {
   std::string answer;
   if (TryRun(words, &answer)) return std::nullopt;
   return std::stoll(answer);
@@ -227,23 +263,22 @@ std::optional<int64_t> WineWorld::AskNumber(const Words& words) {
 
 std::optional<int64_t> WineWorld::Ask(uint32_t message, int64_t wParam, int64_t lParam) {
   return AskNumber(
-      {"send", kMainWindow, std::to_string(message), std::to_string(wParam), std::to_string(lParam)});
+      {"send", kToolWindow, std::to_string(message), std::to_string(wParam), std::to_string(lParam)});
 }
 
 bool WineWorld::Post(uint32_t message, int64_t wParam, int64_t lParam) {
   return !TryRun(
-      {"post", kMainWindow, std::to_string(message), std::to_string(wParam), std::to_string(lParam)});
+      {"post", kToolWindow, std::to_string(message), std::to_string(wParam), std::to_string(lParam)});
 }
 
 std::optional<int64_t> WineWorld::SendData(std::string_view sender, uint64_t tag, std::string_view payload) {
-  std::string hex =
-      simulator::DescribeBytes({reinterpret_cast<const uint8_t*>(payload.data()), payload.size()});
-  return AskNumber({"copy", kMainWindow, std::string(sender), std::to_string(tag), hex});
+  std::string hex = DescribeBytes({reinterpret_cast<const uint8_t*>(payload.data()), payload.size()});
+  return AskNumber({"copy", kToolWindow, std::string(sender), std::to_string(tag), hex});
 }
 
 std::optional<std::string> WineWorld::AskReport(int64_t selection) {
   Run({"open", "Asker"});
-  const auto answer = Ask(simulator::kDeviceReportRequest, selection, std::stoll(Run({"handle", "Asker"})));
+  const auto answer = Ask(kDeviceReportRequest, selection, std::stoll(Run({"handle", "Asker"})));
   std::string report = Run({"received"});
   std::ranges::replace(report, '\x1E', '\n');
   Run({"close", "Asker"});
@@ -252,7 +287,7 @@ std::optional<std::string> WineWorld::AskReport(int64_t selection) {
 }
 
 std::optional<int64_t> WineWorld::AnnouncePort(bool arrived, std::string_view name) {
-  return AskNumber({"device", kMainWindow, arrived ? "arrived" : "removed", std::string(name)});
+  return AskNumber({"device", kToolWindow, arrived ? "arrived" : "removed", std::string(name)});
 }
 
 std::optional<int64_t> WineWorld::PlugPort(bool plugged) {
@@ -270,20 +305,20 @@ Problem WineWorld::LosePort(bool) {
 // ---- registry and disk
 // --------------------------------------------------------------------------------------
 
-void WineWorld::SetNumber(simulator::Root root, std::string_view name, int64_t value) {
+void WineWorld::SetNumber(Root root, std::string_view name, int64_t value) {
   Run({"set-number", NameOf(root), std::string(name), std::to_string(value)});
 }
 
-void WineWorld::SetText(simulator::Root root, std::string_view name, std::string_view text) {
+void WineWorld::SetText(Root root, std::string_view name, std::string_view text) {
   Run({"set-text", NameOf(root), std::string(name), std::string(text)});
 }
 
-std::vector<simulator::Setting> WineWorld::Settings() {
-  std::vector<simulator::Setting> settings;
+std::vector<Setting> WineWorld::Settings() {
+  std::vector<Setting> settings;
   for (const std::string& word : Split(Run({"list", "user"}))) {
     const size_t equals = word.find('=');
     if (equals == word.npos) continue;
-    simulator::Setting& setting = settings.emplace_back(word.substr(0, equals), std::nullopt);
+    Setting& setting = settings.emplace_back(word.substr(0, equals), std::nullopt);
     if (equals + 1 < word.size()) setting.number = std::stoi(word.substr(equals + 1));
   }
   return settings;
@@ -313,14 +348,14 @@ bool WineWorld::IsApplicationOpen(std::string_view windowClass) {
   return Run({"find", std::string(windowClass)}) == "yes";
 }
 void WineWorld::PlayOtherCopy() {
-  Run({"hold", kMainWindow});
-  Run({"open", kMainWindow});
+  Run({"hold", kToolWindow});
+  Run({"open", kToolWindow});
 }
 
 std::vector<DialogLook> WineWorld::Dialogs() {
   std::string answer;
   if (TryRun({"dialogs"}, &answer)) return {};
-  const Words words = Split(answer);
+  const Fields words = Split(answer);
   std::vector<DialogLook> dialogs;
   size_t at = 0;
   const auto next = [&] { return at < words.size() ? words[at++] : std::string(); };
@@ -388,7 +423,7 @@ Problem WineWorld::PickFile(std::string_view path) {
   return WaitUntil(isGone, std::chrono::seconds(1)) ? Problem() : "the box that asks for a file stays open";
 }
 
-Problem WineWorld::UseTrayIcon(simulator::TrayIcon icon, simulator::MouseAction action) {
+Problem WineWorld::UseTrayIcon(TrayIcon icon, MouseAction action) {
   constexpr const char* kActions[] = {"click", "double", "right"};
   return TryRun({"tray", std::to_string(static_cast<int>(icon)), kActions[static_cast<int>(action)]});
 }
@@ -398,8 +433,8 @@ Problem WineWorld::ChooseMenuItem(std::string_view label) {
   const std::string keys = label.empty() ? "\x1B" : AccessKeysOf(label);
   if (keys.empty()) return "no menu has such an item with an access key";
   Problem problem;
-  WaitUntil([&] { return !(problem = TryRun({"menu", kMainWindow, keys})); }, std::chrono::seconds(3));
+  WaitUntil([&] { return !(problem = TryRun({"menu", kToolWindow, keys})); }, std::chrono::seconds(3));
   return problem;
 }
 
-}  // namespace windows_test
+}  // namespace simulator

@@ -11,7 +11,7 @@
 #include <string>
 #include <thread>
 
-#include "tests/windows/observer/commands.h"
+#include "simulator/wine/observer/commands.h"
 
 namespace {
 

@@ -1,16 +1,16 @@
-#include "tests/windows/controller_line.h"
+#include "simulator/wine/controller_line.h"
 
 #include <poll.h>
 #include <unistd.h>
 
 #include <thread>
 
-#include "tests/windows/failure.h"
+#include "simulator/wine/failure.h"
 
-namespace windows_test {
+namespace simulator {
 
-simulator::Duration ControllerLine::Now() const {
-  return std::chrono::duration_cast<simulator::Duration>(std::chrono::steady_clock::now() - start_);
+Duration ControllerLine::Now() const {
+  return std::chrono::duration_cast<Duration>(std::chrono::steady_clock::now() - start_);
 }
 
 bool ControllerLine::IsOpen() const {
@@ -40,4 +40,4 @@ void ControllerLine::Serve() {
   }
 }
 
-}  // namespace windows_test
+}  // namespace simulator
