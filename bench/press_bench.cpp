@@ -83,8 +83,8 @@ class Arrival {
   std::atomic<Clock::rep> at_ = 0;
 };
 
-// Writes the frame and returns the microseconds until its arrival. The rest before it is the same for both sides: a
-// processor that has been idle for longer takes longer to wake up.
+// Writes the frame and returns the microseconds until its arrival. The rest before it is the same for both
+// sides: a processor that has been idle for longer takes longer to wake up.
 double Measure(int line, const std::vector<uint8_t>& frame, Arrival& arrival) {
   constexpr std::chrono::milliseconds kRest{2};
   arrival.Clear();
@@ -135,17 +135,17 @@ int main() {
 
   pal::Machine machine(pal::Clock::kWall);
   constexpr std::u16string_view kKey = u"SOFTWARE\\Veltra\\Sarvik5";
-  machine.SetRegistryDword(HKEY_CURRENT_USER, kKey, u"StartupDelay", 0);
-  machine.SetRegistryDword(HKEY_CURRENT_USER, kKey, u"Sw1CmdVal", static_cast<uint32_t>(-1));
-  machine.AttachTty(2, toolLine.path);
+  machine.registry.SetDword(HKEY_CURRENT_USER, kKey, u"StartupDelay", 0);
+  machine.registry.SetDword(HKEY_CURRENT_USER, kKey, u"Sw1CmdVal", static_cast<uint32_t>(-1));
+  machine.serial.AttachTty(2, toolLine.path);
   machine.OnEffect([&](const pal::Effect& effect) {
     if (std::holds_alternative<pal::MouseInput>(effect.detail)) click.Note();
   });
   machine.StartProgram(wWinMain, u"\"veltratool.exe\" -s");
 
-  machine.Advance(1s);  // the tool has opened its port
+  machine.clock.Advance(1s);  // the tool has opened its port
   const long sleeps = CountSleeps();
-  machine.Advance(5s);
+  machine.clock.Advance(5s);
   const long wakes = CountSleeps() - sleeps;
 
   std::atomic<bool> stop = false;
@@ -168,7 +168,7 @@ int main() {
   std::printf("idle tool: %ld wake-ups in 5 s\n", wakes);
   std::printf("press to click: %.0f us, bare loop: %.0f us, ratio %.2f (medians of %d)\n", Median(tool),
               Median(bare), Median(tool) / Median(bare), kRounds);
-  machine.Post(machine.ProgramWindow(u"VeltraInternal"), WM_CLOSE, 0, 0);
-  machine.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, 10s);
+  machine.desktop.Post(machine.desktop.ProgramWindow(u"VeltraInternal"), WM_CLOSE, 0, 0);
+  machine.clock.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, 10s);
   return 0;
 }

@@ -43,7 +43,7 @@ struct Line {
 int main() {
   SimulatedTablet tablet(pal::Clock::kWall);
   pal::Machine& machine = tablet.Machine();
-  machine.SetRegistryDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"StartupDelay", 0);
+  machine.registry.SetDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"StartupDelay", 0);
   tablet.Pic().bootloader.eraseTime = 0us;
   tablet.Pic().bootloader.writeTime = 0us;
   tablet.Pic().SetReplyDelay(0us);
@@ -51,7 +51,7 @@ int main() {
 
   simulator::FirmwareBytes bytes;
   for (const uint32_t row : simulator::ProgrammableRows()) AddFirmwareRow(bytes, row);
-  machine.WriteFile(kFile, HexText(bytes));
+  machine.disk.Write(kFile, HexText(bytes));
   const std::span<const uint8_t> flash = tablet.Pic().bootloader.Memory().Bytes();
   const std::vector<uint8_t> expected = FlashAfterUpdate(flash, bytes);
 
@@ -65,14 +65,14 @@ int main() {
     if (const auto* held = std::get_if<pal::SessionHeld>(&effect.detail))
       (held->reason.empty() ? end : begin) = effect.at.count();
   });
-  machine.Advance(10s);  // until the codec is up as well
+  machine.clock.Advance(10s);  // until the codec is up as well
   tablet.Pic().SetPaced(true);
   tablet.SendUpdate(kFile);
-  const bool ended = machine.AdvanceUntil([&] { return end != 0; }, 120s);
+  const bool ended = machine.clock.AdvanceUntil([&] { return end != 0; }, 120s);
   tablet.VanishPort();
   const bool written = std::ranges::equal(flash, expected);
-  machine.Post(tablet.MainWindow(), WM_CLOSE, 0, 0);
-  machine.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, 10s);
+  machine.desktop.Post(tablet.MainWindow(), WM_CLOSE, 0, 0);
+  machine.clock.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, 10s);
   if (!ended || !written) {
     std::fprintf(stderr, "the update failed\n");
     return 1;

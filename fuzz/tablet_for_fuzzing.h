@@ -10,7 +10,7 @@ namespace fuzz {
 inline simulator::SimulatedTablet& Tablet() {
   static simulator::SimulatedTablet* const tablet = [] {
     auto* made = new simulator::SimulatedTablet;  // stays to the end of the process
-    made->Machine().AnswerMessageBoxesWith(IDOK);
+    made->Machine().boxes.automaticAnswer = IDOK;
     if (!made->StartAndSettle()) std::abort();
     return made;
   }();

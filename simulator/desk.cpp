@@ -17,17 +17,17 @@ namespace simulator {
 namespace {
 
 template <class Function>
-pal::Machine::Export MakeExport(const char* name, Function* function) {
+pal::Export MakeExport(const char* name, Function* function) {
   return {name, reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function))};
 }
 
 struct LibraryRow {
   Library library;
   std::u16string_view fileName;
-  std::vector<pal::Machine::Export> exports;
+  std::vector<pal::Export> exports;
 };
 
-std::vector<pal::Machine::Export> MacroExports() {
+std::vector<pal::Export> MacroExports() {
   return {MakeExport("RunMacro", RunMacro), MakeExport("ComposeMacro", ComposeMacro),
           MakeExport("FreeMacroDll", FreeMacroDll)};
 }
@@ -63,8 +63,8 @@ const LibraryRow& Row(Library library) {
 void InstallTables(pal::Machine& machine) {
   for (const std::filesystem::directory_entry& table : std::filesystem::directory_iterator(VELTRA_TABLES)) {
     std::ifstream file(table.path(), std::ios::binary);
-    machine.WriteFile(std::u16string(pal::Machine::kProgramDirectory) + table.path().filename().u16string(),
-                      std::string(std::istreambuf_iterator<char>(file), {}));
+    machine.disk.Write(std::u16string(pal::Disk::kProgramDirectory) + table.path().filename().u16string(),
+                       std::string(std::istreambuf_iterator<char>(file), {}));
   }
 }
 
@@ -83,20 +83,20 @@ Desk::Desk(pal::Machine& machine) : machine_(machine) {
 }
 
 void Desk::Install(Library library) {
-  machine_.AddModule(Row(library).fileName, Row(library).exports);
+  machine_.modules.Add(Row(library).fileName, Row(library).exports);
 }
 void Desk::Remove(Library library) {
-  machine_.RemoveModule(Row(library).fileName);
+  machine_.modules.Remove(Row(library).fileName);
 }
 
 void Desk::InstallPlainMouseFilter() {
   Remove(Library::kMouseFilter);
-  machine_.AddModule(Row(Library::kMouseFilter).fileName, {MakeExport("MouseFilter", MouseFilter)});
+  machine_.modules.Add(Row(Library::kMouseFilter).fileName, {MakeExport("MouseFilter", MouseFilter)});
 }
 
 HWND Desk::Open(std::string_view windowClass) {
   if (const HWND open = Find(windowClass)) return open;
-  const HWND window = machine_.AddForeignWindow(Utf16(windowClass));
+  const HWND window = machine_.desktop.AddForeignWindow(Utf16(windowClass));
   windows_.emplace(windowClass, window);
   return window;
 }
@@ -104,7 +104,7 @@ HWND Desk::Open(std::string_view windowClass) {
 bool Desk::Close(std::string_view windowClass) {
   const auto entry = windows_.find(windowClass);
   if (entry == windows_.end()) return false;
-  machine_.RemoveForeignWindow(entry->second);
+  machine_.desktop.RemoveForeignWindow(entry->second);
   windows_.erase(entry);
   return true;
 }

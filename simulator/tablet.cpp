@@ -17,18 +17,20 @@ constexpr pal::Time kPatience = std::chrono::seconds(30);
 SimulatedTablet::SimulatedTablet(pal::Clock clock)
     : controller_({
           [this](std::span<const uint8_t> bytes) { port_.Deliver(bytes); },
-          [this](Duration delay, std::function<void()> action) { machine_.After(delay, std::move(action)); },
-          [this] { return machine_.Now(); },
+          [this](Duration delay, std::function<void()> action) {
+            machine_.clock.After(delay, std::move(action));
+          },
+          [this] { return machine_.clock.Now(); },
       }),
       machine_(clock),
-      port_(machine_.AddSerialPort(kControllerPort)),
+      port_(machine_.serial.Add(kControllerPort)),
       desk_(machine_) {
   port_.OnWrite([this](std::span<const uint8_t> bytes) { controller_.Receive(bytes); });
-  machine_.LoadResources(VELTRA_RESOURCES);
+  machine_.resources.Load(VELTRA_RESOURCES);
 }
 
 void SimulatedTablet::Start(std::u16string_view arguments) {
-  const std::u16string program = u"\"" + std::u16string(pal::Machine::kProgramFile) + u"\"";
+  const std::u16string program = u"\"" + std::u16string(pal::Disk::kProgramFile) + u"\"";
   machine_.StartProgram(wWinMain, arguments.empty() ? program : program + u" " + std::u16string(arguments));
 }
 
@@ -36,10 +38,10 @@ bool SimulatedTablet::StartAndSettle(std::u16string_view arguments) {
   Start(arguments);
   constexpr pal::Time kQuiet = std::chrono::milliseconds(200);
   if (!AwaitBatteryWatch()) return false;
-  const pal::Time end = machine_.Now() + kPatience;
-  while (machine_.Now() < end) {
+  const pal::Time end = machine_.clock.Now() + kPatience;
+  while (machine_.clock.Now() < end) {
     const size_t before = controller_.Requests().size();
-    machine_.Advance(kQuiet);
+    machine_.clock.Advance(kQuiet);
     if (controller_.Requests().size() == before) return true;
   }
   return false;
@@ -57,30 +59,30 @@ bool SimulatedTablet::AwaitBatteryWatch() {
     }
     return false;
   };
-  return machine_.AdvanceUntil(watches, kPatience);
+  return machine_.clock.AdvanceUntil(watches, kPatience);
 }
 
 bool SimulatedTablet::Quit(bool answer) {
   constexpr WPARAM kExitCommand = 128;
-  if (!machine_.Post(MainWindow(), WM_COMMAND, kExitCommand, 0)) return false;
-  const auto asks = [this] { return !machine_.OpenMessageBoxes().empty(); };
-  if (!machine_.AdvanceUntil(asks, kPatience)) return false;
-  machine_.AnswerMessageBox(answer ? IDYES : IDNO);
+  if (!machine_.desktop.Post(MainWindow(), WM_COMMAND, kExitCommand, 0)) return false;
+  const auto asks = [this] { return !machine_.boxes.Shown().empty(); };
+  if (!machine_.clock.AdvanceUntil(asks, kPatience)) return false;
+  machine_.boxes.Answer(answer ? IDYES : IDNO);
   if (!answer) return true;
-  return machine_.AdvanceUntil([this] { return machine_.ExitCode().has_value(); }, kPatience);
+  return machine_.clock.AdvanceUntil([this] { return machine_.ExitCode().has_value(); }, kPatience);
 }
 
 std::optional<LRESULT> SimulatedTablet::Ask(UINT message, WPARAM wParam, LPARAM lParam) {
   const HWND window = MainWindow();
   if (!window) return std::nullopt;
-  return machine_.Send(window, message, wParam, lParam, kPatience);
+  return machine_.desktop.Send(window, message, wParam, lParam, kPatience);
 }
 
 std::optional<LRESULT> SimulatedTablet::SendData(HWND sender, uint64_t tag,
                                                  std::span<const uint8_t> payload) {
   const HWND window = MainWindow();
   if (!window) return std::nullopt;
-  return machine_.SendCopyData(window, sender, tag, payload, kPatience);
+  return machine_.desktop.SendCopyData(window, sender, tag, payload, kPatience);
 }
 
 std::optional<LRESULT> SimulatedTablet::SendUpdate(std::u16string_view path) {

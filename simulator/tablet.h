@@ -42,7 +42,7 @@ class SimulatedTablet {
   // Starts it and lets it run until it has asked the controller everything and waits. False when it does not
   // get there within 30 seconds.
   bool StartAndSettle(std::u16string_view arguments = u"-s");
-  void Advance(pal::Time span) { machine_.Advance(span); }
+  void Advance(pal::Time span) { machine_.clock.Advance(span); }
   // The person closes the tool from its menu and answers its question. False when the tool does not ask, or
   // has not ended 30 seconds after a yes.
   bool Quit(bool answer = true);
@@ -51,7 +51,7 @@ class SimulatedTablet {
   void Release(Button button) { controller_.Release(button); }
 
   // Null when the tool has none.
-  [[nodiscard]] HWND MainWindow() const { return machine_.ProgramWindow(kMainWindowClass); }
+  [[nodiscard]] HWND MainWindow() const { return machine_.desktop.ProgramWindow(kMainWindowClass); }
   // What the tool's main window answers; empty without a window or when it does not answer within 30 seconds.
   std::optional<LRESULT> Ask(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
   std::optional<LRESULT> SendPowerEvent(WPARAM event) { return Ask(WM_POWERBROADCAST, event); }

@@ -97,14 +97,14 @@ Problem RunMacroPlugin(World& world, Words words) {
 Problem RunShell(World& world, Words words) {
   struct Row {
     std::string_view word;
-    void (pal::Machine::*act)();
+    void (pal::NotificationArea::*act)();
   };
-  constexpr Row kActs[] = {{"stop", &pal::Machine::StopShell},
-                           {"start", &pal::Machine::StartShell},
-                           {"restart", &pal::Machine::RestartShell}};
+  constexpr Row kActs[] = {{"stop", &pal::NotificationArea::StopShell},
+                           {"start", &pal::NotificationArea::StartShell},
+                           {"restart", &pal::NotificationArea::RestartShell}};
   const auto* row = std::ranges::find(kActs, Argument(words, 1), &Row::word);
   if (row == std::end(kActs) || words.size() != 2) return ExpectedArguments("stop|start|restart");
-  (TabletOf(world).Machine().*row->act)();
+  (TabletOf(world).Machine().tray.*row->act)();
   return {};
 }
 

@@ -104,7 +104,7 @@ void TabletWorld::OnEntry(std::function<void(TimelineEntry entry, bool noticed)>
 }
 
 bool TabletWorld::WaitUntil(const std::function<bool()>& condition, Duration limit) {
-  return tablet_.Machine().AdvanceUntil(condition, limit);
+  return tablet_.Machine().clock.AdvanceUntil(condition, limit);
 }
 
 void TabletWorld::Start(std::string_view arguments) {
@@ -116,8 +116,8 @@ std::optional<int64_t> TabletWorld::Ask(uint32_t message, int64_t wParam, int64_
 }
 
 bool TabletWorld::Post(uint32_t message, int64_t wParam, int64_t lParam) {
-  return tablet_.Machine().Post(tablet_.MainWindow(), message, static_cast<WPARAM>(wParam),
-                                static_cast<LPARAM>(lParam));
+  return tablet_.Machine().desktop.Post(tablet_.MainWindow(), message, static_cast<WPARAM>(wParam),
+                                        static_cast<LPARAM>(lParam));
 }
 
 std::optional<int64_t> TabletWorld::SendData(std::string_view sender, uint64_t tag,
@@ -130,12 +130,12 @@ std::optional<std::string> TabletWorld::AskReport(int64_t selection) {
   pal::Machine& machine = tablet_.Machine();
   std::u16string report;
   const HWND asker =
-      machine.AddForeignWindow(u"Asker", [&report](const pal::ForeignMessage& message) -> LRESULT {
+      machine.desktop.AddForeignWindow(u"Asker", [&report](const pal::ForeignMessage& message) -> LRESULT {
         report.assign(reinterpret_cast<const char16_t*>(message.payload.data()), message.payload.size() / 2);
         return TRUE;
       });
   const auto answer = Ask(kDeviceReportRequest, selection, reinterpret_cast<intptr_t>(asker));
-  machine.RemoveForeignWindow(asker);
+  machine.desktop.RemoveForeignWindow(asker);
   if (!answer) return std::nullopt;
   return pal::ToUtf8(report.substr(0, report.find(u'\0')));
 }
@@ -169,13 +169,13 @@ HKEY KeyOf(Root root) {
 }  // namespace
 
 void TabletWorld::SetNumber(Root root, std::string_view name, int64_t value) {
-  tablet_.Machine().SetRegistryDword(KeyOf(root), SimulatedTablet::kUserKey, Wide(name),
-                                     static_cast<uint32_t>(value));
+  tablet_.Machine().registry.SetDword(KeyOf(root), SimulatedTablet::kUserKey, Wide(name),
+                                      static_cast<uint32_t>(value));
 }
 
 void TabletWorld::SetText(Root root, std::string_view name, std::string_view text) {
   const std::u16string wide = Wide(text);
-  tablet_.Machine().SetRegistryValue(
+  tablet_.Machine().registry.Set(
       KeyOf(root), SimulatedTablet::kUserKey, Wide(name), REG_SZ,
       {reinterpret_cast<const uint8_t*>(wide.c_str()), (wide.size() + 1) * sizeof(char16_t)});
 }
@@ -184,8 +184,8 @@ std::vector<Setting> TabletWorld::Settings() {
   const pal::Machine& machine = tablet_.Machine();
   std::vector<Setting> settings;
   for (const std::u16string& name :
-       machine.RegistryValueNames(HKEY_CURRENT_USER, SimulatedTablet::kUserKey)) {
-    const auto value = machine.RegistryDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, name);
+       machine.registry.ValueNames(HKEY_CURRENT_USER, SimulatedTablet::kUserKey)) {
+    const auto value = machine.registry.Dword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, name);
     Setting& setting = settings.emplace_back(Setting{Ascii(name), std::nullopt});
     if (value) setting.number = static_cast<int32_t>(*value);
   }
@@ -193,11 +193,11 @@ std::vector<Setting> TabletWorld::Settings() {
 }
 
 std::optional<std::string> TabletWorld::ReadFile(std::string_view path) {
-  return tablet_.Machine().ReadFile(Wide(path));
+  return tablet_.Machine().disk.Read(Wide(path));
 }
 
 void TabletWorld::WriteFile(std::string_view path, std::string_view content) {
-  tablet_.Machine().WriteFile(Wide(path), content);
+  tablet_.Machine().disk.Write(Wide(path), content);
 }
 
 // ---- other programs
@@ -216,7 +216,7 @@ bool TabletWorld::IsApplicationOpen(std::string_view windowClass) {
 }
 
 void TabletWorld::PlayOtherCopy() {
-  tablet_.Machine().AddForeignMutex(SimulatedTablet::kMainWindowClass);
+  tablet_.Machine().system.AddForeignMutex(SimulatedTablet::kMainWindowClass);
   tablet_.TheDesk().Open(kMainWindow);
 }
 
@@ -225,7 +225,7 @@ void TabletWorld::PlayOtherCopy() {
 
 std::vector<DialogLook> TabletWorld::Dialogs() {
   std::vector<DialogLook> dialogs;
-  std::vector<pal::OpenMessageBox> boxes = tablet_.Machine().OpenMessageBoxes();
+  std::vector<pal::OpenMessageBox> boxes = tablet_.Machine().boxes.Shown();
   std::ranges::reverse(boxes);
   for (const pal::OpenMessageBox& box : boxes) dialogs.push_back(LookAt(box));
   if (const auto dialog = pal::person::FrontDialog()) dialogs.push_back(LookAt(*dialog));
@@ -246,10 +246,10 @@ std::vector<std::string> TabletWorld::Entries(int id) {
 }
 
 void TabletWorld::Press(int id) {
-  if (tablet_.Machine().OpenMessageBoxes().empty())
+  if (tablet_.Machine().boxes.Shown().empty())
     pal::person::Press(id);
   else
-    tablet_.Machine().AnswerMessageBox(id);
+    tablet_.Machine().boxes.Answer(id);
 }
 
 void TabletWorld::DoubleClick(int id) {
@@ -286,21 +286,22 @@ Problem TabletWorld::PickFile(std::string_view path) {
 Problem TabletWorld::UseTrayIcon(TrayIcon icon, MouseAction action) {
   pal::Machine& machine = tablet_.Machine();
   const auto id = static_cast<UINT>(icon);
-  const bool there = action == MouseAction::kClick         ? machine.ClickTrayIcon(id)
-                     : action == MouseAction::kDoubleClick ? machine.DoubleClickTrayIcon(id)
-                                                           : machine.RightClickTrayIcon(id);
+  const bool there = action == MouseAction::kClick         ? machine.tray.Click(id)
+                     : action == MouseAction::kDoubleClick ? machine.tray.DoubleClick(id)
+                                                           : machine.tray.RightClick(id);
   if (!there) return "the icon is not there";
   return {};
 }
 
 Problem TabletWorld::ChooseMenuItem(std::string_view label) {
   pal::Machine& machine = tablet_.Machine();
-  if (!WaitUntil([&machine] { return machine.OpenMenu().has_value(); }, kPatience)) return "no menu is open";
+  if (!WaitUntil([&machine] { return machine.menus.Shown().has_value(); }, kPatience))
+    return "no menu is open";
   if (label.empty()) {
-    machine.DismissMenu();
+    machine.menus.Dismiss();
     return {};
   }
-  return machine.ChooseMenuItem(Wide(label)) ? Problem() : "the menu has no such item";
+  return machine.menus.Choose(Wide(label)) ? Problem() : "the menu has no such item";
 }
 
 }  // namespace simulator

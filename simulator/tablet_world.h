@@ -17,7 +17,7 @@ class TabletWorld : public World {
   Controller& Pic() override { return tablet_.Pic(); }
   void OnEntry(std::function<void(TimelineEntry entry, bool noticed)> listener) override;
 
-  [[nodiscard]] Duration Now() override { return tablet_.Machine().Now(); }
+  [[nodiscard]] Duration Now() override { return tablet_.Machine().clock.Now(); }
   void Wait(Duration span) override { tablet_.Advance(span); }
   bool WaitUntil(const std::function<bool()>& condition, Duration limit) override;
   void Settle() override { tablet_.Advance(Duration(0)); }

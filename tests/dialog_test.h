@@ -22,7 +22,7 @@ class DialogTest : public ToolTest {
   }
   void OpenAgain(WPARAM command) {
     mark = tablet.Mark();
-    machine.Post(tablet.MainWindow(), WM_COMMAND, command, 0);
+    machine.desktop.Post(tablet.MainWindow(), WM_COMMAND, command, 0);
     tablet.Advance(20ms);
   }
   void Settle() { tablet.Advance(50ms); }

@@ -24,15 +24,15 @@ inline std::string Joined(const Texts& texts) {
 class ToolTest : public ::testing::Test {
  protected:
   void SetUserValue(std::u16string_view name, int32_t value) {
-    machine.SetRegistryDword(HKEY_CURRENT_USER, simulator::SimulatedTablet::kUserKey, name,
-                             static_cast<uint32_t>(value));
+    machine.registry.SetDword(HKEY_CURRENT_USER, simulator::SimulatedTablet::kUserKey, name,
+                              static_cast<uint32_t>(value));
   }
   std::optional<uint32_t> UserValue(std::u16string_view name) {
-    return machine.RegistryDword(HKEY_CURRENT_USER, simulator::SimulatedTablet::kUserKey, name);
+    return machine.registry.Dword(HKEY_CURRENT_USER, simulator::SimulatedTablet::kUserKey, name);
   }
-  std::string Log() { return machine.ReadFile(simulator::SimulatedTablet::kLogFile).value_or(""); }
+  std::string Log() { return machine.disk.Read(simulator::SimulatedTablet::kLogFile).value_or(""); }
   // Detail lines are written while this file exists.
-  void SwitchDetailsOn() { machine.WriteFile(u"C:\\Users\\Public\\Documents\\Sarvik5\\logon.txt", ""); }
+  void SwitchDetailsOn() { machine.disk.Write(u"C:\\Users\\Public\\Documents\\Sarvik5\\logon.txt", ""); }
 
   // What happened since the last call, of one kind.
   template <class Detail>

@@ -52,7 +52,7 @@ BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEG
   if (!object->MayAdjust()) return Refuse(ERROR_ACCESS_DENIED, FALSE);
   const LUID_AND_ATTRIBUTES& privilege = wanted->Privileges[0];
   if (privilege.Luid.LowPart != kShutdownPrivilege.LowPart) return Refuse(ERROR_NOT_ALL_ASSIGNED, TRUE);
-  call->mayShutDown = (privilege.Attributes & SE_PRIVILEGE_ENABLED) != 0;
+  call->power.mayShutDown = (privilege.Attributes & SE_PRIVILEGE_ENABLED) != 0;
   SetLastError(ERROR_SUCCESS);
   return TRUE;
 }
@@ -60,7 +60,7 @@ BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEG
 BOOL WINAPI ExitWindowsEx(UINT flags, DWORD reason) {
   const Call call("ExitWindowsEx");
   if (call.Fails()) return FALSE;
-  if (!call->mayShutDown) return Refuse(ERROR_PRIVILEGE_NOT_HELD, FALSE);
+  if (!call->power.mayShutDown) return Refuse(ERROR_PRIVILEGE_NOT_HELD, FALSE);
   call->Emit(WindowsExit{flags, reason});
   return TRUE;
 }

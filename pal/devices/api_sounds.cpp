@@ -3,7 +3,6 @@
 
 #include <string_view>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 
 using namespace pal;
@@ -42,11 +41,10 @@ Time LengthOf(std::string_view wave) {
 
 // The sound's bytes, empty when there is no such sound.
 std::optional<std::string> FindSound(const Call& call, LPCWSTR sound, HMODULE module, DWORD source) {
-  if (source == SND_FILENAME) return call->data->disk.Read(sound);
+  if (source == SND_FILENAME) return call->disk.Read(sound);
   if (source != SND_RESOURCE || !IS_INTRESOURCE(sound)) Die("PlaySoundW of neither a file nor a resource");
   if (module && module != ProgramInstance()) Die("PlaySoundW of another module's resource");
-  const auto* found =
-      call->data->resources.Find(ResourceNameOf(u"WAVE"), ResourceNameOf(sound), LANG_NEUTRAL);
+  const auto* found = call->resources.Find(ResourceNameOf(u"WAVE"), ResourceNameOf(sound), LANG_NEUTRAL);
   if (!found) return std::nullopt;
   return std::string(found->second.begin(), found->second.end());
 }

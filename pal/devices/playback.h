@@ -6,9 +6,12 @@
 #include <memory>
 #include <vector>
 
-#include "pal/machine/machine.h"
-
 namespace pal {
+
+struct PlaybackVolume {
+  float level = 0.5F;  // 0 to 1
+  bool isMuted = false;
+};
 
 // An object that the program holds. It is freed with its last reference, or with the program.
 struct ComObject {

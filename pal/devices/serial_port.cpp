@@ -309,9 +309,24 @@ void Port::SetDriverDefaults(const DCB& dcb) {
   dcb_ = dcb;
 }
 
-Port& SerialPorts::Add(State& state, int number) {
+SerialPorts::SerialPorts(State& state) : state_(state) {}
+
+SerialPorts::~SerialPorts() = default;
+
+SerialPort& SerialPorts::Add(int number) {
+  const MachineLock lock(state_.mutex);
+  return PortOf(number);
+}
+
+void SerialPorts::AttachTty(int number, const std::filesystem::path& tty) {
+  const MachineLock lock(state_.mutex);
+  if (state_.scheduler.IsVirtual()) Die("a tty of the host needs wall time");
+  PortOf(number).UseTty(tty);
+}
+
+Port& SerialPorts::PortOf(int number) {
   std::unique_ptr<Port>& port = ports_[number];
-  if (!port) port = std::make_unique<Port>(state, number);
+  if (!port) port = std::make_unique<Port>(state_, number);
   return *port;
 }
 

@@ -12,14 +12,11 @@
 #include <span>
 #include <vector>
 
+#include "pal/devices/serial_ports.h"
 #include "pal/devices/tty_line.h"
 #include "pal/kernel/handles.h"
-#include "pal/machine/machine.h"
 
 namespace pal {
-
-class Port;
-struct State;
 
 // An open handle of a port. Device, queue and settings are the port's; masks and waits end with the handle.
 class PortHandle final : public Object {
@@ -109,16 +106,6 @@ class Port final : public SerialPort {
   std::optional<ReadFailure> readFailure_;
   DCB dcb_{};
   COMMTIMEOUTS timeouts_{};
-};
-
-class SerialPorts {
- public:
-  Port& Add(State& state, int number);  // the one that is there, or a new one
-  // The port that a device name means ("\\.\COM5"), null when there is none.
-  [[nodiscard]] Port* Find(int number) const;
-
- private:
-  std::map<int, std::unique_ptr<Port>> ports_;
 };
 
 // The number in "\\.\COM5" and "COM5", empty for any other name.

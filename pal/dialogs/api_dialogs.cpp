@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "pal/dialogs/dialog_template.h"
-#include "pal/machine/data_state.h"
 #include "pal/windows/window_calls.h"
 
 using namespace pal;
@@ -24,15 +23,15 @@ void Centre(HWND dialog) {
 
 DialogTemplate ReadTemplate(LPCDLGTEMPLATEW dialog) {
   const Call call;
-  return ReadDialogTemplate(call->data->resources.At(dialog));
+  return ReadDialogTemplate(call->resources.At(dialog));
 }
 
 // The window with its controls, not visible yet.
 HWND CreateDialogWindow(HINSTANCE instance, const DialogTemplate& made, HWND owner, DLGPROC procedure) {
   const RECT& rect = made.rect;
-  const HWND dialog = CreateWindowExW(made.exStyle, TEXT("#32770"), made.caption.c_str(),
-                                      made.style & ~DWORD{WS_VISIBLE}, rect.left, rect.top, rect.right - rect.left,
-                                      rect.bottom - rect.top, owner, nullptr, instance, nullptr);
+  const HWND dialog = CreateWindowExW(
+      made.exStyle, TEXT("#32770"), made.caption.c_str(), made.style & ~DWORD{WS_VISIBLE}, rect.left,
+      rect.top, rect.right - rect.left, rect.bottom - rect.top, owner, nullptr, instance, nullptr);
   if (!dialog) return nullptr;
   SetWindowLongPtrW(dialog, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(procedure));
   for (const TemplateControl& control : made.controls) {

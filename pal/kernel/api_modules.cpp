@@ -3,7 +3,6 @@
 #include <optional>
 #include <span>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 #include "pal/store/disk_path.h"
 #include "pal/text/unicode.h"
@@ -22,13 +21,13 @@ HMODULE KernelModule() {
 }
 
 template <class Function>
-Machine::Export MakeExport(const char* name, Function* function) {
+Export MakeExport(const char* name, Function* function) {
   return {name, reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function))};
 }
 
 // The kernel's exports that programs look up by name.
-std::span<const Machine::Export> KernelExports() {
-  static const Machine::Export exports[] = {
+std::span<const Export> KernelExports() {
+  static const Export exports[] = {
       MakeExport("IsWow64Process", IsWow64Process),
       MakeExport("SetThreadUILanguage", SetThreadUILanguage),
       MakeExport("Wow64EnableWow64FsRedirection", Wow64EnableWow64FsRedirection),
@@ -48,7 +47,7 @@ bool IsFullPath(std::u16string_view name) {
 }
 
 std::u16string InFull(const std::u16string& name) {
-  const PathParts parts = TakePathApart(name, Machine::kProgramDirectory);
+  const PathParts parts = TakePathApart(name, Disk::kProgramDirectory);
   return parts.error == ERROR_SUCCESS ? JoinPath(parts) : name;
 }
 
@@ -58,7 +57,7 @@ HMODULE FindBuiltIn(const std::u16string& name) {
     return EqualFolded(name, file) || EqualFolded(name, FileNameOf(file));
   };
   if (is(std::u16string(kSystemDirectory) + std::u16string(kKernel))) return KernelModule();
-  return is(Machine::kProgramFile) ? ProgramInstance() : nullptr;
+  return is(Disk::kProgramFile) ? ProgramInstance() : nullptr;
 }
 
 HMODULE Load(const Call& call, LPCWSTR fileName, DWORD flags) {
@@ -67,7 +66,7 @@ HMODULE Load(const Call& call, LPCWSTR fileName, DWORD flags) {
   std::u16string name = WithExtension(fileName);
   if (IsFullPath(name)) name = InFull(name);
   if (const HMODULE builtIn = FindBuiltIn(name)) return builtIn;
-  Modules& modules = call->data->modules;
+  Modules& modules = call->modules;
   if (const auto loaded = modules.FindLoaded(name)) {
     ++loaded->references;
     return loaded->handle;
@@ -83,8 +82,8 @@ HMODULE Load(const Call& call, LPCWSTR fileName, DWORD flags) {
 }
 
 // What the module exports; empty when there is no such module.
-std::optional<std::span<const Machine::Export>> ExportsOf(const Call& call, HMODULE module) {
-  if (!module || module == ProgramInstance()) return std::span<const Machine::Export>();
+std::optional<std::span<const Export>> ExportsOf(const Call& call, HMODULE module) {
+  if (!module || module == ProgramInstance()) return std::span<const Export>();
   if (module == KernelModule()) return KernelExports();
   const auto loaded = call->handles.Find<LoadedModule>(module);
   if (!loaded) return std::nullopt;
@@ -100,14 +99,14 @@ HMODULE WINAPI GetModuleHandleW(LPCWSTR name) {
   std::u16string whole = WithExtension(name);
   if (IsFullPath(whole)) whole = InFull(whole);
   if (const HMODULE builtIn = FindBuiltIn(whole)) return builtIn;
-  const auto loaded = call->data->modules.FindLoaded(whole);
+  const auto loaded = call->modules.FindLoaded(whole);
   return loaded ? loaded->handle : Refuse(ERROR_MOD_NOT_FOUND, HMODULE{});
 }
 
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size) {
   const Call call("GetModuleFileNameW");
   if (call.Fails()) return 0;
-  std::u16string path(Machine::kProgramFile);
+  std::u16string path(Disk::kProgramFile);
   if (module == KernelModule()) {
     path = std::u16string(kSystemDirectory) + std::u16string(kKernel);
   } else if (module && module != ProgramInstance()) {
@@ -146,6 +145,6 @@ FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name) {
   if (reinterpret_cast<ULONG_PTR>(name) <= 0xFFFF) Die("GetProcAddress by number");
   const auto exports = ExportsOf(call, module);
   if (!exports) return Refuse(ERROR_MOD_NOT_FOUND, FARPROC{});
-  const auto found = std::ranges::find(*exports, std::string_view(name), &Machine::Export::name);
+  const auto found = std::ranges::find(*exports, std::string_view(name), &Export::name);
   return found == exports->end() ? Refuse(ERROR_PROC_NOT_FOUND, FARPROC{}) : found->address;
 }

@@ -41,7 +41,7 @@ LPWSTR WINAPI GetCommandLineW() {
 void WINAPI GetLocalTime(LPSYSTEMTIME time) {
   const Call call;
   const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(call->scheduler.Now());
-  *time = FromHost(ToHost(call->localTimeAtStart) + passed);
+  *time = FromHost(ToHost(call->clock.localTimeAtStart) + passed);
 }
 
 EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags) {
@@ -50,8 +50,8 @@ EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags) {
   if (flags & ~(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED | ES_CONTINUOUS))
     Die("SetThreadExecutionState with an unknown flag");
   call->Emit(ExecutionState{flags});
-  const EXECUTION_STATE before = call->executionState;
-  if (flags & ES_CONTINUOUS) call->executionState = flags;
+  const EXECUTION_STATE before = call->power.executionState;
+  if (flags & ES_CONTINUOUS) call->power.executionState = flags;
   return before;
 }
 

@@ -26,7 +26,7 @@ std::u16string TextOrNothing(LPCWSTR text) {
 }
 
 HANDLE StartProcess(State& state) {
-  const Time end = state.scheduler.Now() + state.executedProgramTime;
+  const Time end = state.scheduler.Now() + state.system.executedProgramTime;
   state.scheduler.At(end, [] {});  // whoever waits looks again then
   return state.handles.Add(std::make_shared<ProcessObject>(state.scheduler, end));
 }

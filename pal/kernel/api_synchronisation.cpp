@@ -9,7 +9,7 @@ using namespace pal;
 namespace {
 
 std::shared_ptr<Mutex> FindNamedMutex(const State& state, std::u16string_view name) {
-  for (const std::weak_ptr<Mutex>& candidate : state.namedMutexes) {
+  for (const std::weak_ptr<Mutex>& candidate : state.system.namedMutexes) {
     std::shared_ptr<Mutex> mutex = candidate.lock();
     if (mutex && mutex->name == name) return mutex;  // names of objects have case
   }
@@ -35,6 +35,12 @@ DWORD WaitFor(State& state, HANDLE handle, DWORD milliseconds) {
 
 }  // namespace
 
+void WindowsSystem::AddForeignMutex(std::u16string_view name) {
+  const MachineLock lock(mutex_);
+  foreignMutexes_.push_back(std::make_shared<Mutex>(Mutex{std::u16string(name)}));
+  namedMutexes.push_back(foreignMutexes_.back());
+}
+
 HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL /*initialOwner*/, LPCWSTR name) {
   const Call call("CreateMutexW");
   if (call.Fails()) return nullptr;
@@ -45,8 +51,8 @@ HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL /*initialOwner*/
     return call->handles.Add(std::make_shared<MutexObject>(existing));
   }
   auto mutex = std::make_shared<Mutex>(Mutex{name});
-  std::erase_if(call->namedMutexes, [](const std::weak_ptr<Mutex>& other) { return other.expired(); });
-  call->namedMutexes.push_back(mutex);
+  std::erase_if(call->system.namedMutexes, [](const std::weak_ptr<Mutex>& other) { return other.expired(); });
+  call->system.namedMutexes.push_back(mutex);
   return call->handles.Add(std::make_shared<MutexObject>(std::move(mutex)));
 }
 

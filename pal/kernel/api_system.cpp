@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 
 using namespace pal;
@@ -51,7 +50,7 @@ BOOL WINAPI VerifyVersionInfoW(LPOSVERSIONINFOEXW version, DWORD typeMask, DWORD
   const Call call("VerifyVersionInfoW");
   if (call.Fails()) return FALSE;
   if (version->dwOSVersionInfoSize != sizeof(OSVERSIONINFOEXW)) return Refuse(ERROR_INVALID_PARAMETER, FALSE);
-  const WindowsVersion& windows = call->data->windowsVersion;
+  const WindowsVersion& windows = call->system.version;
   const Comparison comparisons[] = {
       {VER_MAJORVERSION, windows.major, version->dwMajorVersion},
       {VER_MINORVERSION, windows.minor, version->dwMinorVersion},
@@ -80,11 +79,11 @@ HRESULT WINAPI SHGetFolderPathW(HWND /*owner*/, int folder, HANDLE token, DWORD 
     Die("SHGetFolderPathW: only the common documents are known");
   if (call.Fails()) return E_FAIL;
   *path = 0;
-  const Disk& disk = call->data->disk;
-  const bool exists = disk.Locate(Machine::kCommonDocuments).isDirectory;
+  const Disk& disk = call->disk;
+  const bool exists = disk.Locate(Disk::kCommonDocuments).isDirectory;
   if (!exists && (folder & CSIDL_FLAG_CREATE) == 0) return kFileNotFound;
-  if (!exists) disk.MakeDirectories(Machine::kCommonDocuments);
-  *std::ranges::copy(Machine::kCommonDocuments, path).out = 0;
+  if (!exists) disk.MakeDirectories(Disk::kCommonDocuments);
+  *std::ranges::copy(Disk::kCommonDocuments, path).out = 0;
   return S_OK;
 }
 

@@ -2,16 +2,29 @@
 
 #include <algorithm>
 
+#include "pal/machine/machine_mutex.h"
+#include "pal/store/disk.h"
 #include "pal/text/unicode.h"
 
 namespace pal {
 
-void Modules::Add(ModuleFile file) {
-  Remove(file.path);
-  files_.push_back(std::make_shared<const ModuleFile>(std::move(file)));
+namespace {
+
+std::u16string PathOf(std::u16string_view fileName) {
+  return std::u16string(Disk::kProgramDirectory).append(fileName);
 }
 
-void Modules::Remove(std::u16string_view path) {
+}  // namespace
+
+void Modules::Add(std::u16string_view fileName, std::vector<Export> exports) {
+  const MachineLock lock(mutex_);
+  Remove(fileName);
+  files_.push_back(std::make_shared<const ModuleFile>(ModuleFile{PathOf(fileName), std::move(exports)}));
+}
+
+void Modules::Remove(std::u16string_view fileName) {
+  const MachineLock lock(mutex_);
+  const std::u16string path = PathOf(fileName);
   std::erase_if(files_, [&](const auto& file) { return EqualFolded(file->path, path); });
 }
 

@@ -9,13 +9,19 @@
 #include <vector>
 
 #include "pal/kernel/handles.h"
-#include "pal/machine/machine.h"
 
 namespace pal {
 
+class MachineMutex;
+
+struct Export {
+  std::string name;
+  FARPROC address = nullptr;
+};
+
 struct ModuleFile {
   std::u16string path;  // in full
-  std::vector<Machine::Export> exports;
+  std::vector<Export> exports;
 };
 
 // Loaded as often as `references` says; the file may have gone meanwhile.
@@ -35,9 +41,14 @@ class LoadedModule : public Object {
 
 class Modules {
  public:
-  // Takes the place of a file of the same name.
-  void Add(ModuleFile file);
-  void Remove(std::u16string_view path);
+  explicit Modules(MachineMutex& mutex) : mutex_(mutex) {}
+
+  // A DLL in the program's directory; it takes the place of one of the same name. LoadLibrary of its full
+  // path finds it, of a bare name does not.
+  void Add(std::u16string_view fileName, std::vector<Export> exports);
+  void Remove(std::u16string_view fileName);
+
+  // ---- for the calls of Windows ----
   // By full path; null when there is none.
   [[nodiscard]] std::shared_ptr<const ModuleFile> FindFile(std::u16string_view path) const;
 
@@ -46,6 +57,7 @@ class Modules {
   [[nodiscard]] std::shared_ptr<LoadedModule> FindLoaded(std::u16string_view name);
 
  private:
+  MachineMutex& mutex_;
   std::vector<std::shared_ptr<const ModuleFile>> files_;
   std::vector<std::weak_ptr<LoadedModule>> loaded_;
 };

@@ -20,8 +20,8 @@
 #include <vector>
 
 #include "pal/devices/wake_descriptor.h"
+#include "pal/kernel/clock.h"
 #include "pal/machine/effects.h"
-#include "pal/machine/machine.h"
 #include "pal/machine/machine_mutex.h"
 #include "pal/windows/message_queue.h"
 

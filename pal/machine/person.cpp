@@ -205,9 +205,9 @@ void PressKey(int virtualKey) {
 void Hold(int virtualKey, bool held) {
   const Call call;
   if (held)
-    call->heldKeys.insert(virtualKey);
+    call->desktop.heldKeys.insert(virtualKey);
   else
-    call->heldKeys.erase(virtualKey);
+    call->desktop.heldKeys.erase(virtualKey);
 }
 
 void CloseDialog() {

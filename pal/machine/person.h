@@ -3,8 +3,8 @@
 // in the order in which it was asked for; what a person could not do (press a disabled button, choose what is
 // not in the list) ends the test with a message.
 //
-// Like everything of the outside, with virtual time they are called between two calls of Machine::Advance, or
-// in an event.
+// Like everything of the outside, with virtual time they are called between two calls of
+// MachineClock::Advance, or in an event.
 #pragma once
 
 #include <windows.h>

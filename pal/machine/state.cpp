@@ -7,19 +7,15 @@ namespace {
 
 std::atomic<State*> currentState{nullptr};
 
-constexpr SYSTEMTIME kDefaultLocalTime = {2024, 11, 2, 19, 14, 5, 0, 0};  // a Tuesday
-
 }  // namespace
 
-State::State(Clock clock)
-    : scheduler(clock, mutex,
+State::State(Clock kind)
+    : scheduler(kind, mutex,
                 {[this](Thread& thread) { ReleaseThread(thread); },
                  [this](int exitCode) {
                    ReleaseProgram();
                    Emit(ProgramEnded{exitCode});
-                 }}),
-      data(MakeDataState()),
-      localTimeAtStart(kDefaultLocalTime) {
+                 }}) {
   State* none = nullptr;
   if (!currentState.compare_exchange_strong(none, this)) Die("a second machine at the same time");
 }
@@ -49,9 +45,7 @@ void State::ReleaseProgram() {
   playback.objects.clear();
   dialogs = {};
   drawing = {};
-  ReleaseProgramData(*this);
-  executionState = ES_CONTINUOUS;
-  mayShutDown = false;
+  power = {};
 }
 
 State& CurrentState() {

@@ -12,11 +12,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
-#include "pal/devices/playback.h"
+#include "pal/devices/power.h"
 #include "pal/devices/serial_port.h"
 #include "pal/dialogs/dialogs.h"
 #include "pal/kernel/handles.h"
@@ -27,21 +26,12 @@
 #include "pal/machine/machine.h"
 #include "pal/machine/machine_mutex.h"
 #include "pal/resources/pictures.h"
-#include "pal/shell/menus.h"
-#include "pal/shell/message_boxes.h"
-#include "pal/shell/notification_area.h"
-#include "pal/windows/desktop.h"
 #include "pal/windows/drawing.h"
 
 namespace pal {
 
-// Registry, disk, resources, modules, version, language.
-struct DataState;
-std::shared_ptr<DataState> MakeDataState();
-void ReleaseProgramData(State& state);  // the part of ReleaseProgram that concerns them
-
 struct State {
-  explicit State(Clock clock);
+  explicit State(Clock kind);
   ~State();
 
   // Adds to the stream of effects and tells the listener. Holds the lock.
@@ -53,34 +43,29 @@ struct State {
 
   MachineMutex mutex;
   Scheduler scheduler;
+  MachineClock clock{*this};
   HandleTable handles;
   FailureTable failures;
-  Desktop desktop;
-  MessageBoxes boxes;
-  NotificationArea notificationArea;
-  Menus menus;
+  Modules modules{mutex};
+  WindowsSystem system{mutex};
+  Registry registry{mutex};
+  Disk disk{mutex};
+  ResourceTable resources{mutex};
   Pictures pictures;
-  Playback playback;
+  Desktop desktop{*this};
   Dialogs dialogs;
   Drawing drawing;
-  std::set<int> heldKeys;
-  SerialPorts serialPorts;
-  std::shared_ptr<DataState> data;
+  MessageBoxes boxes{*this};
+  NotificationArea tray{*this};
+  Menus menus{*this};
+  SerialPorts serial{*this};
+  Playback playback;
+  Power power;
 
   std::vector<Effect> effects;
   std::function<void(const Effect&)> effectListener;
   std::u16string commandLine;
-  SYSTEMTIME localTimeAtStart{};
-  std::vector<std::weak_ptr<Mutex>> namedMutexes;
-  std::vector<std::shared_ptr<Mutex>> foreignMutexes;  // that other programs hold
-  std::vector<std::vector<uint8_t>> postedCopies;      // what messages that the outside posted point to
-  DWORD executionState = ES_CONTINUOUS;
-  bool mayShutDown = false;  // the program has enabled that privilege
-  POINT cursor = {512, 384};
-  HWND foreground = nullptr;
   uint32_t lastGuid = 0;
-  Time executedProgramTime{0};   // how long a program runs that the shell started
-  UINT_PTR lastFreeTimerId = 0;  // of timers without a window
 };
 
 // Where the program is loaded: its HINSTANCE, and what GetModuleHandleW(nullptr) gives.

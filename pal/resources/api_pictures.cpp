@@ -1,7 +1,6 @@
 // Icons, and the measures of the screen.
 #include <algorithm>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 
 using namespace pal;
@@ -24,7 +23,7 @@ HICON OfWindows(LPCWSTR name) {
 int FindIcon(const Call& call, HINSTANCE instance, LPCWSTR name) {
   if (instance != ProgramInstance() || !IS_INTRESOURCE(name))
     Die("an icon of another module, or with a name");
-  if (!call->data->resources.Find(ResourceNameOf(RT_GROUP_ICON), ResourceNameOf(name), LANG_NEUTRAL))
+  if (!call->resources.Find(ResourceNameOf(RT_GROUP_ICON), ResourceNameOf(name), LANG_NEUTRAL))
     return Refuse(ERROR_RESOURCE_NAME_NOT_FOUND, 0);
   return static_cast<int>(reinterpret_cast<ULONG_PTR>(name));
 }

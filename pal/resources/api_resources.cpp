@@ -1,7 +1,6 @@
 // The program's resources and its version information.
 #include <algorithm>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 #include "pal/resources/version_block.h"
 #include "pal/text/unicode.h"
@@ -17,13 +16,12 @@ void CheckModule(HMODULE module) {
 
 // The version information of the file, null and the last error set when there is none.
 const ResourceTable::Entry* FindVersion(const Call& call, LPCWSTR fileName) {
-  const DiskPath file =
-      call->data->disk.Locate(fileName ? std::u16string_view(fileName) : std::u16string_view());
-  if (!EqualFolded(file.windows, Machine::kProgramFile))
+  const DiskPath file = call->disk.Locate(fileName ? std::u16string_view(fileName) : std::u16string_view());
+  if (!EqualFolded(file.windows, Disk::kProgramFile))
     return Refuse<const ResourceTable::Entry*>(
         file.exists ? ERROR_RESOURCE_DATA_NOT_FOUND : ERROR_FILE_NOT_FOUND, nullptr);
-  const auto* found = call->data->resources.Find(
-      ResourceNameOf(RT_VERSION), ResourceNameOf(MAKEINTRESOURCEW(VS_VERSION_INFO)), LANG_NEUTRAL);
+  const auto* found = call->resources.Find(ResourceNameOf(RT_VERSION),
+                                           ResourceNameOf(MAKEINTRESOURCEW(VS_VERSION_INFO)), LANG_NEUTRAL);
   if (!found) SetLastError(ERROR_RESOURCE_DATA_NOT_FOUND);
   return found;
 }
@@ -34,7 +32,7 @@ HRSRC WINAPI FindResourceExW(HMODULE module, LPCWSTR type, LPCWSTR name, WORD la
   const Call call("FindResourceExW");
   if (call.Fails()) return nullptr;
   CheckModule(module);
-  const auto* found = call->data->resources.Find(ResourceNameOf(type), ResourceNameOf(name), language);
+  const auto* found = call->resources.Find(ResourceNameOf(type), ResourceNameOf(name), language);
   if (!found) return Refuse(ERROR_RESOURCE_NAME_NOT_FOUND, HRSRC{});
   return reinterpret_cast<HRSRC>(const_cast<ResourceTable::Entry*>(found));
 }
@@ -43,7 +41,7 @@ HGLOBAL WINAPI LoadResource(HMODULE module, HRSRC resource) {
   const Call call("LoadResource");
   if (call.Fails()) return nullptr;
   CheckModule(module);
-  const ResourceTable::Entry* entry = call->data->resources.FromHandle(resource);
+  const ResourceTable::Entry* entry = call->resources.FromHandle(resource);
   if (!entry) return Refuse(ERROR_INVALID_HANDLE, HGLOBAL{});
   return const_cast<uint8_t*>(entry->second.data());
 }
@@ -56,7 +54,7 @@ DWORD WINAPI SizeofResource(HMODULE module, HRSRC resource) {
   const Call call("SizeofResource");
   if (call.Fails()) return 0;
   CheckModule(module);
-  const ResourceTable::Entry* entry = call->data->resources.FromHandle(resource);
+  const ResourceTable::Entry* entry = call->resources.FromHandle(resource);
   if (!entry) return Refuse<DWORD>(ERROR_INVALID_HANDLE, 0);
   return static_cast<DWORD>(entry->second.size());
 }

@@ -1,7 +1,10 @@
 #include "pal/resources/resource_table.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 
+#include "pal/machine/machine_mutex.h"
 #include "pal/resources/byte_reader.h"
 #include "pal/text/thread_language.h"
 #include "pal/text/unicode.h"
@@ -50,9 +53,13 @@ ResourceKey ReadHeader(ByteReader& reader, DWORD& dataSize) {
 
 }  // namespace
 
-void ResourceTable::Load(std::span<const uint8_t> file) {
+void ResourceTable::Load(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) Die("cannot read the resource file " + path.string());
+  const std::vector<uint8_t> content(std::istreambuf_iterator<char>(file), {});
+  const MachineLock lock(mutex_);
   entries_.clear();
-  ByteReader reader(file);
+  ByteReader reader(content);
   if (reader.Dword() != 0 || reader.Dword() != kEmptyHeader) Die("no resource file");
   reader.Bytes(kEmptyHeader - reader.Position());
   while (!reader.AtEnd()) {

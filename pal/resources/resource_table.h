@@ -4,12 +4,15 @@
 #include <windows.h>
 
 #include <compare>
+#include <filesystem>
 #include <map>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace pal {
+
+class MachineMutex;
 
 // Name or type of a resource: a number, or a text in upper case.
 struct ResourceName {
@@ -31,10 +34,13 @@ class ResourceTable {
  public:
   using Entry = std::pair<const ResourceKey, std::vector<uint8_t>>;
 
-  // The bytes of a file that the resource compiler wrote (.res). They take the place of what was there
-  // before; a damaged file is the end.
-  void Load(std::span<const uint8_t> file);
+  explicit ResourceTable(MachineMutex& mutex) : mutex_(mutex) {}
 
+  // A file of the host that the resource compiler wrote (.res): string tables, version, menus, dialogs,
+  // icons, sounds. They take the place of what was there before; a damaged file is the end.
+  void Load(const std::filesystem::path& path);
+
+  // ---- for the calls of Windows ----
   // In the language, or else in the nearest: its primary language, no language; for LANG_NEUTRAL then the
   // languages of the thread and of the user, and English. Null when there is none.
   [[nodiscard]] const Entry* Find(const ResourceName& type, const ResourceName& name, LANGID language) const;
@@ -45,6 +51,7 @@ class ResourceTable {
   [[nodiscard]] std::span<const uint8_t> At(const void* data) const;
 
  private:
+  MachineMutex& mutex_;
   // Each for itself, so that AddressSanitizer sees who reads past an end.
   std::map<ResourceKey, std::vector<uint8_t>> entries_;
 };

@@ -10,16 +10,6 @@ constexpr UINT kKnownFlags = TPM_RIGHTBUTTON | TPM_RIGHTALIGN | TPM_BOTTOMALIGN;
 
 }  // namespace
 
-namespace pal {
-
-void ChooseFromMenu(State& state, UINT command) {
-  if (!state.menus.open) Die("no menu is open");
-  state.menus.open->choice = command;
-  state.scheduler.Notify();
-}
-
-}  // namespace pal
-
 BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int /*reserved*/, HWND window,
                            const RECT* /*rect*/) {
   const Call call("TrackPopupMenu");

@@ -1,5 +1,4 @@
 // Menus: built from a template, changed, and asked what they have become.
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 
 using namespace pal;
@@ -25,7 +24,7 @@ Menus::Place FindItem(const Call& call, HMENU menu, UINT item, UINT flags) {
 HMENU WINAPI LoadMenuIndirectW(LPCVOID menuTemplate) {
   const Call call("LoadMenuIndirectW");
   if (call.Fails()) return nullptr;
-  return call->menus.Load(call->data->resources.At(menuTemplate));
+  return call->menus.Load(call->resources.At(menuTemplate));
 }
 
 BOOL WINAPI DestroyMenu(HMENU menu) {

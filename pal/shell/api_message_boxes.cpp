@@ -53,10 +53,23 @@ HWND AddBoxWindow(State& state, Thread& self, const OpenMessageBox& shown) {
 
 namespace pal {
 
-void AnswerBox(State& state, WaitingBox& box, int button) {
+std::vector<OpenMessageBox> MessageBoxes::Shown() const {
+  const MachineLock lock(state_.mutex);
+  std::vector<OpenMessageBox> boxes;
+  for (const auto& box : open) boxes.push_back(box->shown);
+  return boxes;
+}
+
+void MessageBoxes::Answer(int button) {
+  const MachineLock lock(state_.mutex);
+  if (open.empty()) Die("no message box is open");
+  Answer(*open.back(), button);
+}
+
+void MessageBoxes::Answer(WaitingBox& box, int button) {
   if (!HasButton(box.shown, button)) Die("an answer for which the message box has no button");
   box.answer = button;
-  state.scheduler.Notify();
+  state_.scheduler.Notify();
 }
 
 LRESULT CALLBACK MessageBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -70,7 +83,7 @@ LRESULT CALLBACK MessageBoxProcedure(HWND window, UINT message, WPARAM wParam, L
     const int button =
         message == WM_CLOSE ? ButtonsOf(shown.type).closeAnswer : static_cast<int>(LOWORD(wParam));
     if (message == WM_CLOSE || message == WM_COMMAND) {
-      if (HasButton(shown, button)) AnswerBox(call.Get(), **box, button);
+      if (HasButton(shown, button)) call->boxes.Answer(**box, button);
       return 0;
     }
   }

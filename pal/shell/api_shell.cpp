@@ -33,7 +33,7 @@ BOOL WINAPI Shell_NotifyIconW(DWORD message, PNOTIFYICONDATAW data) {
   if (call.Fails()) return FALSE;
   if (data->cbSize != sizeof(NOTIFYICONDATAW)) Die("Shell_NotifyIconW with a record of another size");
   if (data->uFlags & ~kKnownFields) Die("Shell_NotifyIconW with an unknown field");
-  NotificationArea& area = call->notificationArea;
+  NotificationArea& area = call->tray;
   if (!area.isUp || !call->desktop.Find(data->hWnd)) return FALSE;
   const auto icon = std::ranges::find_if(
       area.icons, [&](const TrayIcon& other) { return other.window == data->hWnd && other.id == data->uID; });

@@ -1,5 +1,7 @@
 #include "pal/shell/menus.h"
 
+#include "pal/machine/effect_words.h"
+#include "pal/machine/state.h"
 #include "pal/resources/byte_reader.h"
 
 namespace pal {
@@ -24,7 +26,44 @@ ReadItem TakeItem(ByteReader& reader) {
   return read;
 }
 
+// Null when there is no such item to choose.
+const MenuItem* FindChoice(const std::vector<MenuItem>& items, std::u16string_view label) {
+  for (const MenuItem& item : items) {
+    if (!item.popup.empty()) {
+      if (const MenuItem* inside = FindChoice(item.popup, label)) return inside;
+    } else if (!item.isSeparator && !item.isGrayed && SameName(MenuLabel(item.text), label)) {
+      return &item;
+    }
+  }
+  return nullptr;
+}
+
 }  // namespace
+
+std::optional<std::vector<MenuItem>> Menus::Shown() {
+  const MachineLock lock(state_.mutex);
+  return open ? std::optional(Show(open->menu)) : std::nullopt;
+}
+
+bool Menus::Choose(std::u16string_view label) {
+  const MachineLock lock(state_.mutex);
+  const std::vector<MenuItem> items = Shown().value_or(std::vector<MenuItem>());
+  const MenuItem* item = FindChoice(items, label);
+  if (item) Choose(item->command);
+  return item != nullptr;
+}
+
+bool Menus::Dismiss() {
+  const MachineLock lock(state_.mutex);
+  if (!open) return false;
+  Choose(0);
+  return true;
+}
+
+void Menus::Choose(UINT command) {
+  open->choice = command;
+  state_.scheduler.Notify();
+}
 
 HMENU Menus::Add() {
   const auto handle = reinterpret_cast<HMENU>(++last_);

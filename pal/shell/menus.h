@@ -15,6 +15,8 @@
 
 namespace pal {
 
+struct State;
+
 struct Menu {
   struct Item {
     UINT id = 0;
@@ -34,6 +36,16 @@ struct OpenPopup {
 
 class Menus {
  public:
+  explicit Menus(State& state) : state_(state) {}
+
+  // The menu that is open, as the person sees it, until they choose or close it. What hangs on its items
+  // counts as open, too.
+  [[nodiscard]] std::optional<std::vector<MenuItem>> Shown();
+  // False when no menu is open or has such an item to choose. A label is the text without its "&".
+  bool Choose(std::u16string_view label);
+  bool Dismiss();
+
+  // ---- for the calls of Windows ----
   // The menus of a template of version 0.
   HMENU Load(std::span<const uint8_t> menuTemplate);
   // With the menus that hang on it; false when there is none.
@@ -58,13 +70,11 @@ class Menus {
 
  private:
   HMENU Add();
+  void Choose(UINT command);
 
+  State& state_;
   std::map<HMENU, Menu> menus_;
   uintptr_t last_ = 0x50000;
 };
-
-// The person chooses a command, or none (0), and the menu closes.
-struct State;
-void ChooseFromMenu(State& state, UINT command);
 
 }  // namespace pal

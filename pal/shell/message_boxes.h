@@ -1,13 +1,24 @@
 // Message boxes that wait for the person.
 #pragma once
 
+#include <windows.h>
+
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
-#include "pal/machine/machine.h"
-
 namespace pal {
+
+struct State;
+
+// A message box that waits for the person.
+struct OpenMessageBox {
+  HWND owner = nullptr;
+  std::u16string text;
+  std::u16string caption;
+  UINT type = 0;
+};
 
 struct WaitingBox {
   HWND window = nullptr;
@@ -15,15 +26,23 @@ struct WaitingBox {
   std::optional<int> answer;
 };
 
-struct MessageBoxes {
-  std::vector<std::shared_ptr<WaitingBox>> open;  // innermost last
+class MessageBoxes {
+ public:
+  explicit MessageBoxes(State& state) : state_(state) {}
+
+  [[nodiscard]] std::vector<OpenMessageBox> Shown() const;  // innermost last
+  // The person presses a button of the innermost box; dies when it has none of that number.
+  void Answer(int button);
+  // What answers every box at once. Empty: a box stays open until it is answered.
   std::optional<int> automaticAnswer;
+
+  // ---- for the calls of Windows ----
+  void Answer(WaitingBox& box, int button);
+  std::vector<std::shared_ptr<WaitingBox>> open;  // innermost last
+
+ private:
+  State& state_;
 };
-
-struct State;
-
-// The person presses a button; dies when the box has none of that number.
-void AnswerBox(State& state, WaitingBox& box, int button);
 
 // The box's window procedure: a button's WM_COMMAND or WM_CLOSE answers it, as another program may do.
 LRESULT CALLBACK MessageBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 #include "pal/store/disk_file.h"
 #include "pal/text/unicode.h"
@@ -19,7 +18,7 @@ namespace fs = std::filesystem;
 constexpr std::u16string_view kTemporaryDirectory = u"C:\\Windows\\Temp\\";
 
 DiskPath Locate(const Call& call, LPCWSTR name) {
-  return call->data->disk.Locate(name ? std::u16string_view(name) : std::u16string_view());
+  return call->disk.Locate(name ? std::u16string_view(name) : std::u16string_view());
 }
 
 // The file behind the handle; null, and the last error set, when there is none.
@@ -37,7 +36,7 @@ BOOL Finish(DWORD error) {
 // Why a file cannot be deleted or renamed.
 DWORD ErrorOfRemoval(const Call& call, const DiskPath& path) {
   if (const DWORD error = path.ErrorIfMissing()) return error;
-  return path.isDirectory || call->data->disk.MayDelete(path.host) ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
+  return path.isDirectory || call->disk.MayDelete(path.host) ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
 }
 
 DWORD Copy(const Call& call, const DiskPath& from, const DiskPath& to) {
@@ -45,7 +44,7 @@ DWORD Copy(const Call& call, const DiskPath& from, const DiskPath& to) {
   if (to.error != ERROR_SUCCESS) return to.error;
   if (from.isDirectory || to.isDirectory || to.isReadOnly) return ERROR_ACCESS_DENIED;
   if (to.exists && fs::equivalent(from.host, to.host)) return ERROR_SHARING_VIOLATION;
-  Disk& disk = call->data->disk;
+  Disk& disk = call->disk;
   if (!disk.Open(from.host, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE)) return ERROR_SHARING_VIOLATION;
   if (to.exists && !disk.Open(to.host, GENERIC_WRITE, FILE_SHARE_READ)) return ERROR_SHARING_VIOLATION;
   std::error_code failure;
@@ -61,7 +60,7 @@ DWORD Move(const Call& call, const DiskPath& from, const DiskPath& to) {
   if (to.error != ERROR_SUCCESS) return to.error;
   const bool isItself = to.exists && fs::equivalent(from.host, to.host);
   if (to.exists && !isItself) {
-    if (to.isDirectory || to.isReadOnly || from.isDirectory || !call->data->disk.MayDelete(to.host))
+    if (to.isDirectory || to.isReadOnly || from.isDirectory || !call->disk.MayDelete(to.host))
       return ERROR_ACCESS_DENIED;
   }
   // The new name is spelled as it was asked for, also when it replaces one that differs in case.

@@ -1,5 +1,4 @@
 // Looking whether a file is there.
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 
 using namespace pal;
@@ -20,7 +19,7 @@ HANDLE WINAPI FindFirstFileW(LPCWSTR name, LPWIN32_FIND_DATAW found) {
   if (call.Fails()) return INVALID_HANDLE_VALUE;
   const std::u16string_view whole = name ? name : u"";
   if (whole.find_first_of(u"*?") != whole.npos) Die("FindFirstFileW with a pattern");
-  const DiskPath path = call->data->disk.Locate(whole);
+  const DiskPath path = call->disk.Locate(whole);
   if (const DWORD error = path.ErrorIfMissing()) return Refuse(error, INVALID_HANDLE_VALUE);
   *found = {};
   return call->handles.Add(std::make_shared<Search>());

@@ -3,7 +3,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 #include "pal/store/private_profile.h"
 
@@ -15,14 +14,14 @@ DiskPath Locate(const Call& call, LPCWSTR fileName) {
   const std::u16string_view name(fileName ? fileName : u"");
   if (name.size() < 3 || name[1] != u':')
     Die("a profile without its full path lies in Windows' own directory");
-  return call->data->disk.Locate(name);
+  return call->disk.Locate(name);
 }
 
 // The text of the profile; empty, and the last error set, when it cannot be read.
 std::optional<ProfileText> Read(const Call& call, const DiskPath& path) {
   if (const DWORD error = path.ErrorIfMissing()) return Refuse(error, std::optional<ProfileText>());
   if (path.isDirectory) return Refuse(ERROR_ACCESS_DENIED, std::optional<ProfileText>());
-  if (!call->data->disk.Open(path.host, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE))
+  if (!call->disk.Open(path.host, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE))
     return Refuse(ERROR_SHARING_VIOLATION, std::optional<ProfileText>());
   std::ifstream file(path.host, std::ios::binary);
   SetLastError(ERROR_SUCCESS);
@@ -45,7 +44,7 @@ std::vector<std::u16string> SplitLines(LPCWSTR lines) {
 DWORD ErrorOfWriting(const Call& call, const DiskPath& path) {
   if (path.error != ERROR_SUCCESS) return path.error;
   if (path.isDirectory || path.isReadOnly) return ERROR_ACCESS_DENIED;
-  if (path.exists && !call->data->disk.Open(path.host, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ))
+  if (path.exists && !call->disk.Open(path.host, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ))
     return ERROR_SHARING_VIOLATION;
   return ERROR_SUCCESS;
 }
@@ -98,7 +97,7 @@ BOOL WINAPI WritePrivateProfileSectionW(LPCWSTR section, LPCWSTR lines, LPCWSTR 
   if (path.exists) profile = Read(call, path).value_or(ProfileText());
   profile.text = ReplaceProfileSection(profile.text, section, SplitLines(lines));
   const std::string bytes = EncodeProfile(profile);
-  call->data->disk.Write(path.windows, bytes);
+  call->disk.Write(path.windows, bytes);
   call->Emit(FileWrite{path.windows, bytes});
   return TRUE;
 }

@@ -3,9 +3,8 @@
 
 #include <cstring>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
-#include "pal/store/registry_store.h"
+#include "pal/store/registry.h"
 
 using namespace pal;
 
@@ -33,7 +32,7 @@ struct Reached {
 };
 
 Reached Reach(State& state, HKEY handle, REGSAM access) {
-  if (const auto root = state.data->registry.Root(handle)) return {root};
+  if (const auto root = state.registry.Root(handle)) return {root};
   const auto open = state.handles.Find<OpenKey>(handle);
   if (!open) return {nullptr, ERROR_INVALID_HANDLE};
   if ((open->Access() & access) != access) return {nullptr, ERROR_ACCESS_DENIED};
@@ -69,7 +68,7 @@ LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM acces
   *opened = nullptr;
   const Reached base = Reach(call.Get(), key, 0);
   if (!base.key) return base.error;
-  const auto found = RegistryStore::Find(base.key, CheckPath(OrEmpty(path)));
+  const auto found = Registry::Find(base.key, CheckPath(OrEmpty(path)));
   if (!found) return ERROR_FILE_NOT_FOUND;
   *opened = AddHandle(call.Get(), found, access, false);
   return ERROR_SUCCESS;
@@ -88,13 +87,13 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR ke
   const std::u16string_view keyPath = CheckPath(path);
   const Reached base = Reach(call.Get(), key, 0);
   if (!base.key) return base.error;
-  std::shared_ptr<RegistryKey> found = RegistryStore::Find(base.key, keyPath);
+  std::shared_ptr<RegistryKey> found = Registry::Find(base.key, keyPath);
   const bool isNew = !found;
   if (disposition) *disposition = isNew ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
   if (isNew) {
     const Reached parent = Reach(call.Get(), key, KEY_CREATE_SUB_KEY);
     if (!parent.key) return parent.error;
-    found = RegistryStore::Create(parent.key, keyPath);
+    found = Registry::Create(parent.key, keyPath);
   }
   *opened = AddHandle(call.Get(), found, access, isNew);
   return ERROR_SUCCESS;
@@ -136,7 +135,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type
 LSTATUS WINAPI RegCloseKey(HKEY key) {
   const Call call("RegCloseKey");
   if (call.Fails()) return static_cast<LSTATUS>(call.Error());
-  if (call->data->registry.Root(key)) return ERROR_SUCCESS;
+  if (call->registry.Root(key)) return ERROR_SUCCESS;
   if (!call->handles.Find<OpenKey>(key)) return ERROR_INVALID_HANDLE;
   call->handles.Close(key);
   return ERROR_SUCCESS;

@@ -10,7 +10,7 @@
 #include <iterator>
 
 #include "pal/machine/die.h"
-#include "pal/machine/machine.h"
+#include "pal/machine/machine_mutex.h"
 #include "pal/store/disk_path.h"
 #include "pal/text/unicode.h"
 
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr auto kWritable = fs::perms::owner_write;
 
-constexpr std::u16string_view kDirectoriesAtStart[] = {Machine::kProgramDirectory, Machine::kCommonDocuments,
+constexpr std::u16string_view kDirectoriesAtStart[] = {Disk::kProgramDirectory, Disk::kCommonDocuments,
                                                        u"C:\\Windows\\Temp"};
 
 // In memory where the host has that: on some disks removing a directory takes milliseconds.
@@ -84,7 +84,7 @@ const fs::path& Disk::Root() const {
 }
 
 DiskPath Disk::Locate(std::u16string_view path) const {
-  const PathParts parts = TakePathApart(path, Machine::kProgramDirectory);
+  const PathParts parts = TakePathApart(path, Disk::kProgramDirectory);
   DiskPath located;
   located.error = parts.error;
   if (parts.error != ERROR_SUCCESS) return located;
@@ -133,7 +133,8 @@ bool Disk::MayDelete(const fs::path& host) const {
 }
 
 void Disk::Write(std::u16string_view path, std::string_view content) {
-  const PathParts parts = TakePathApart(path, Machine::kProgramDirectory);
+  const MachineLock lock(mutex_);
+  const PathParts parts = TakePathApart(path, Disk::kProgramDirectory);
   PathParts directory = parts;
   if (!directory.names.empty()) directory.names.pop_back();
   MakeDirectories(JoinPath(directory));
@@ -146,6 +147,7 @@ void Disk::Write(std::u16string_view path, std::string_view content) {
 }
 
 std::optional<std::string> Disk::Read(std::u16string_view path) const {
+  const MachineLock lock(mutex_);
   const DiskPath located = Locate(path);
   if (!located.IsFile()) return std::nullopt;
   std::ifstream file(located.host, std::ios::binary);
@@ -153,10 +155,19 @@ std::optional<std::string> Disk::Read(std::u16string_view path) const {
 }
 
 void Disk::Remove(std::u16string_view path) {
+  const MachineLock lock(mutex_);
   fs::remove_all(HostPath(path));
 }
 
+void Disk::SetReadOnly(std::u16string_view path, bool readOnly) {
+  const MachineLock lock(mutex_);
+  const DiskPath located = Locate(path);
+  if (!located.IsFile()) Die("SetReadOnly of a file that is not there: " + ToUtf8(path));
+  SetHostReadOnly(located.host, readOnly);
+}
+
 void Disk::Hold(std::u16string_view path, bool held) {
+  const MachineLock lock(mutex_);
   const DiskPath located = Locate(path);
   std::erase_if(holders_, [&](const Holder& holder) { return EqualFolded(holder.path, located.windows); });
   if (!held) return;
@@ -167,6 +178,7 @@ void Disk::Hold(std::u16string_view path, bool held) {
 }
 
 fs::path Disk::HostPath(std::u16string_view path) const {
+  const MachineLock lock(mutex_);
   const DiskPath located = Locate(path);
   if (located.host.empty()) Die("no path of the disk: " + ToUtf8(path));
   return located.host;

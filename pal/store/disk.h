@@ -1,4 +1,5 @@
-// The machine's disk: Windows paths below a temporary directory of the host.
+// The machine's disk: Windows paths below a temporary directory of the host. "C:\a\b" is <root>/C/a/b, names
+// compared without regard to case.
 #pragma once
 
 #include <windows.h>
@@ -13,6 +14,8 @@
 #include <vector>
 
 namespace pal {
+
+class MachineMutex;
 
 // Where a Windows path leads to. Names are found without regard to case; a new file gets the spelling asked
 // for.
@@ -46,11 +49,27 @@ struct Opening {
 
 class Disk {
  public:
-  Disk() = default;
+  explicit Disk(MachineMutex& mutex) : mutex_(mutex) {}
   ~Disk();
   Disk(const Disk&) = delete;
   Disk& operator=(const Disk&) = delete;
 
+  // The directories of the program and of the common documents exist from the start.
+  static constexpr std::u16string_view kProgramDirectory = u"C:\\Program Files\\Veltra\\";
+  static constexpr std::u16string_view kProgramFile = u"C:\\Program Files\\Veltra\\veltratool.exe";
+  static constexpr std::u16string_view kCommonDocuments = u"C:\\Users\\Public\\Documents";
+
+  // Directories on the way are made.
+  void Write(std::u16string_view path, std::string_view content);
+  [[nodiscard]] std::optional<std::string> Read(std::u16string_view path) const;
+  void Remove(std::u16string_view path);
+  void SetReadOnly(std::u16string_view path, bool readOnly);
+  // Another program has the file open for reading and writing and lets others read it.
+  void Hold(std::u16string_view path, bool held);
+  // The path on the host, whether something is there or not; dies when it is no path of the disk.
+  [[nodiscard]] std::filesystem::path HostPath(std::u16string_view path) const;
+
+  // ---- for the calls of Windows ----
   // A relative path starts in the program's directory.
   [[nodiscard]] DiskPath Locate(std::u16string_view path) const;
 
@@ -60,14 +79,6 @@ class Disk {
   // Whether no opening forbids that the file is deleted, renamed or replaced.
   [[nodiscard]] bool MayDelete(const std::filesystem::path& host) const;
 
-  // What the outside does to the disk. Directories on the way are made.
-  void Write(std::u16string_view path, std::string_view content);
-  [[nodiscard]] std::optional<std::string> Read(std::u16string_view path) const;
-  void Remove(std::u16string_view path);
-  // Another program has the file open for reading and writing and lets others read it.
-  void Hold(std::u16string_view path, bool held);
-  // The path on the host, whether something is there or not; dies when it is no path of the disk.
-  [[nodiscard]] std::filesystem::path HostPath(std::u16string_view path) const;
   void MakeDirectories(std::u16string_view path) const;
 
  private:
@@ -78,6 +89,7 @@ class Disk {
   // Made by the first call that needs it.
   const std::filesystem::path& Root() const;
 
+  MachineMutex& mutex_;
   mutable std::filesystem::path root_;
   std::vector<std::weak_ptr<Opening>> openings_;
   std::vector<Holder> holders_;

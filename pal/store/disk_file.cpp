@@ -6,7 +6,6 @@
 
 #include <cerrno>
 
-#include "pal/machine/data_state.h"
 #include "pal/machine/state.h"
 
 namespace pal {
@@ -55,7 +54,7 @@ bool MakeHostFile(const DiskPath& path) {
 HANDLE Open(State& state, const DiskPath& path, const Request& request) {
   if (!path.exists && !MakeHostFile(path)) return Refuse(ERROR_INVALID_NAME, INVALID_HANDLE_VALUE);
   // To empty a file is to write it, even through a handle that only reads.
-  Disk& disk = state.data->disk;
+  Disk& disk = state.disk;
   if (request.Empties() && !disk.Open(path.host, request.access | GENERIC_WRITE, request.share))
     return Refuse(ERROR_SHARING_VIOLATION, INVALID_HANDLE_VALUE);
   auto opening = disk.Open(path.host, request.access, request.share);
@@ -97,7 +96,7 @@ HANDLE OpenDiskFile(State& state, const WCHAR* name, DWORD access, DWORD shareMo
                     DWORD flagsAndAttributes) {
   const Request request = {access, shareMode, disposition, flagsAndAttributes};
   CheckIsKnown(request);
-  const DiskPath path = state.data->disk.Locate(name);
+  const DiskPath path = state.disk.Locate(name);
   if (const DWORD error = ErrorOf(path, request)) return Refuse(error, INVALID_HANDLE_VALUE);
   return Open(state, path, request);
 }

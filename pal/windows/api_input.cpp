@@ -48,7 +48,7 @@ const HKL kUnitedStates = reinterpret_cast<HKL>(static_cast<ULONG_PTR>(0x0409040
 BOOL WINAPI GetCursorPos(LPPOINT point) {
   const Call call("GetCursorPos");
   if (call.Fails()) return FALSE;
-  *point = call->cursor;
+  *point = call->desktop.cursor;
   return TRUE;
 }
 
@@ -62,15 +62,15 @@ void WINAPI keybd_event(BYTE virtualKey, BYTE scanCode, DWORD flags, ULONG_PTR /
   const Call call;
   if (flags & ~(KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP)) Die("keybd_event with unknown flags");
   if (flags & KEYEVENTF_KEYUP)
-    call->heldKeys.erase(virtualKey);
+    call->desktop.heldKeys.erase(virtualKey);
   else
-    call->heldKeys.insert(virtualKey);
+    call->desktop.heldKeys.insert(virtualKey);
   call->Emit(KeyInput{virtualKey, scanCode, flags});
 }
 
 SHORT WINAPI GetAsyncKeyState(int virtualKey) {
   const Call call;
-  return call->heldKeys.contains(virtualKey) ? static_cast<SHORT>(0x8000) : SHORT{0};
+  return call->desktop.heldKeys.contains(virtualKey) ? static_cast<SHORT>(0x8000) : SHORT{0};
 }
 
 UINT WINAPI MapVirtualKeyExW(UINT code, UINT mapType, HKL layout) {

@@ -237,7 +237,7 @@ UINT_PTR WINAPI SetTimer(HWND window, UINT_PTR id, UINT periodMs, TIMERPROC call
     if (!found) return Refuse<UINT_PTR>(ERROR_INVALID_WINDOW_HANDLE, 0);
     if (found->thread != &self) return Refuse<UINT_PTR>(ERROR_ACCESS_DENIED, 0);
   } else if (!self.queue.HasTimer(nullptr, id)) {
-    id = call->lastFreeTimerId += 1;  // Windows chooses
+    id = call->desktop.lastFreeTimerId += 1;  // Windows chooses
   }
   const UINT period = std::clamp<UINT>(periodMs, USER_TIMER_MINIMUM, USER_TIMER_MAXIMUM);
   const Time length = std::chrono::milliseconds(period);

@@ -168,7 +168,7 @@ BOOL WINAPI SetForegroundWindow(HWND window) {
   if (call.Fails()) return FALSE;
   const Window* found = FindOr1400(call.Get(), window);
   if (!found) return FALSE;
-  call->foreground = window;
+  call->desktop.foreground = window;
   call->Emit(ForegroundSet{found->windowClass->name});
   return TRUE;
 }

@@ -28,7 +28,7 @@ bool SameName(std::u16string_view a, std::u16string_view b) {
                     [](char16_t x, char16_t y) { return Lower(x) == Lower(y); });
 }
 
-Desktop::Desktop() {
+Desktop::Desktop(State& state) : state_(state) {
   Window desktop;
   desktop.windowClass = std::make_shared<const WindowClass>(WindowClass{u"#32769", 0x8001, nullptr, 0, {}});
   desktop.rect = {0, 0, 1024, 768};

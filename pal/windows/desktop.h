@@ -4,19 +4,37 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "pal/dialogs/controls.h"
-#include "pal/machine/machine.h"
+#include "pal/machine/effects.h"
 
 namespace pal {
 
+struct SentMessage;
+struct State;
 struct Thread;
+
+// A window of another program. The handler runs when a message reaches it and gives the message's result;
+// `payload` holds the copied bytes of WM_COPYDATA. Every message is also an effect (ForeignMessageSent). What
+// is sent is handled on the sender's thread, what is posted or broadcast as an event. A handler may call the
+// machine, but not wait: At, Post and Emit, not Advance or Send.
+struct ForeignMessage {
+  UINT message = 0;
+  WPARAM wParam = 0;
+  LPARAM lParam = 0;
+  uint64_t copyDataTag = 0;
+  std::vector<uint8_t> payload;
+};
+using ForeignWindowHandler = std::function<LRESULT(const ForeignMessage&)>;
 
 struct WindowClass {
   std::u16string name;
@@ -54,8 +72,28 @@ bool SameName(std::u16string_view a, std::u16string_view b);
 
 class Desktop {
  public:
-  Desktop();
+  explicit Desktop(State& state);
 
+  HWND AddForeignWindow(std::u16string_view className, ForeignWindowHandler handler = {});
+  void RemoveForeignWindow(HWND window);
+  // The program of that window looks at no messages from now on, or does so again: who sends it something
+  // waits.
+  void SetHung(HWND window, bool hung);
+  // The program's top-level window of that class, null when there is none.
+  [[nodiscard]] HWND ProgramWindow(std::u16string_view className);
+  // Sends or posts a message to a window of the program as another process would; a send is answered when the
+  // program next looks for messages, and the clock runs until then. Returns empty when it was not answered in
+  // `limit`; a limit of 0 does not wait, and an event may send so. The payload, and the structure to which
+  // the lParam of WM_DEVICECHANGE points, are copied. Post returns false when there is no such window or its
+  // queue is full.
+  std::optional<LRESULT> Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                              Time limit = std::chrono::seconds(30));
+  std::optional<LRESULT> SendCopyData(HWND window, HWND sender, uint64_t tag,
+                                      std::span<const uint8_t> payload,
+                                      Time limit = std::chrono::seconds(30));
+  bool Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+  // ---- for the calls of Windows ----
   // Null when a class of that name exists.
   const WindowClass* AddClass(WindowClass windowClass);
   // By name or by MAKEINTATOM; null when there is none.
@@ -90,7 +128,17 @@ class Desktop {
   // The program is gone, the windows of others stay.
   void ForgetProgram();
 
+  POINT cursor = {512, 384};
+  HWND foreground = nullptr;
+  std::set<int> heldKeys;
+  UINT_PTR lastFreeTimerId = 0;  // of timers without a window
+
  private:
+  Window& NeedForeign(HWND window);
+  std::optional<LRESULT> SendFromOutside(std::shared_ptr<SentMessage> sent, Time limit);
+
+  State& state_;
+  std::vector<std::vector<uint8_t>> postedCopies_;  // what messages that the outside posted point to
   std::vector<std::shared_ptr<const WindowClass>> classes_;
   std::map<HWND, Window> windows_;  // in the order of their creation
   std::vector<std::u16string> messages_;

@@ -15,7 +15,7 @@ class DeviceOperations : public ToolTest {
     tablet.Advance(50ms);
   }
   void Operate(int32_t operation, int32_t value = 0) { Request(static_cast<WPARAM>(operation + 1), value); }
-  int Percent() { return static_cast<int>(machine.Playback().level * 100 + 0.5F); }
+  int Percent() { return static_cast<int>(machine.playback.volume.level * 100 + 0.5F); }
 };
 
 // What leaves the tool by each operation, on the line and on the bus.
@@ -81,7 +81,7 @@ TEST_F(DeviceOperations, TheCallProfileComesBackToWhereItWas) {
 
 TEST_F(DeviceOperations, TheVolumeIsStoredAndSetsTheEndpoint) {
   Start();
-  EXPECT_FALSE(machine.Playback().isMuted);
+  EXPECT_FALSE(machine.playback.volume.isMuted);
   const std::pair<int32_t, int> rows[] = {{10, 10},   {30, 50}, {50, 90}, {55, 100},
                                           {100, 100}, {0, 0},   {-40, 0}, {2147483647, 100}};
   for (const auto& [volume, percent] : rows) {
@@ -104,21 +104,21 @@ TEST_F(DeviceOperations, AnEndpointThatFails) {
     SCOPED_TRACE(step);
     const bool isSetting = std::string_view(step) == "SetMute";
     machine.Fail(step, isSetting ? 1 : 5, error);
-    machine.Post(tablet.MainWindow(), SimulatedTablet::kDeviceToolRequest, 11, 100);
+    machine.desktop.Post(tablet.MainWindow(), SimulatedTablet::kDeviceToolRequest, 11, 100);
     if (!isSetting) tablet.Advance(9999ms);
-    EXPECT_TRUE(machine.OpenMessageBoxes().empty());
+    EXPECT_TRUE(machine.boxes.Shown().empty());
     Did();
     tablet.Advance(10ms);
     EXPECT_EQ(Joined(Did({"box", "i2c"})),
               isSetting ? "box \"Fatal error\": The program will exit." : unreached);
-    ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
-    machine.AnswerMessageBox(IDOK);
+    ASSERT_EQ(machine.boxes.Shown().size(), 1U);
+    machine.boxes.Answer(IDOK);
     tablet.Advance(10ms);
     EXPECT_EQ(Did({"i2c"}), Texts{"i2c 30: 05 22 00 3A 01 28"});
     EXPECT_EQ(machine.CountOpen("com object"), 0);
   }
   machine.Fail("CoCreateInstance", 1, error);
-  machine.Post(tablet.MainWindow(), SimulatedTablet::kDeviceToolRequest, 11, 30);
+  machine.desktop.Post(tablet.MainWindow(), SimulatedTablet::kDeviceToolRequest, 11, 30);
   tablet.Advance(1100ms);
   EXPECT_EQ(Joined(Did({"debug SetSpeaker", "playback level", "box"})),
             "debug SetSpeakerVolume failed: retrying; playback level 50 %");
@@ -132,9 +132,9 @@ const std::u16string kDeviceKey =
     u"Device Parameters\\WDF";
 
 TEST_F(DeviceOperations, PowerSettingsThatAreOnAreTurnedOffBeforeTheWindowExists) {
-  machine.SetRegistryDword(HKEY_LOCAL_MACHINE, kKey, u"HiberbootEnabled", 1);
-  machine.SetRegistryDword(HKEY_LOCAL_MACHINE, kDeviceKey, u"IdleInWorkingState", 1);
-  machine.SetExecutedProgramTime(60s);  // each waits for its 5 seconds
+  machine.registry.SetDword(HKEY_LOCAL_MACHINE, kKey, u"HiberbootEnabled", 1);
+  machine.registry.SetDword(HKEY_LOCAL_MACHINE, kDeviceKey, u"IdleInWorkingState", 1);
+  machine.system.executedProgramTime = 60s;  // each waits for its 5 seconds
   tablet.Start();
   tablet.Advance(9999ms);
   EXPECT_EQ(tablet.MainWindow(), nullptr);
@@ -154,8 +154,8 @@ TEST_F(DeviceOperations, PowerSettingsThatAreOnAreTurnedOffBeforeTheWindowExists
 
 TEST_F(DeviceOperations, PowerSettingsThatAreOffOrOddStartNothing) {
   const uint8_t text[] = {1, 0, 0, 0};
-  machine.SetRegistryDword(HKEY_LOCAL_MACHINE, kKey, u"HiberbootEnabled", 2);
-  machine.SetRegistryValue(HKEY_LOCAL_MACHINE, kDeviceKey, u"IdleInWorkingState", REG_SZ, text);
+  machine.registry.SetDword(HKEY_LOCAL_MACHINE, kKey, u"HiberbootEnabled", 2);
+  machine.registry.Set(HKEY_LOCAL_MACHINE, kDeviceKey, u"IdleInWorkingState", REG_SZ, text);
   Start();
   EXPECT_TRUE(pal::Select<pal::ProgramExecuted>(tablet.Since(0)).empty());
   Operate(15, 70);  // brightness

@@ -139,7 +139,7 @@ TEST_F(MainWindow, APortNameEndsWithItsRecord) {
 }
 
 TEST_F(MainWindow, OldWindowsAndOtherDevicesAreOnlyTraced) {
-  machine.SetWindowsVersion(6, 0, 2);
+  machine.system.version = {6, 0, 2};
   Start();
   const size_t before = tablet.Mark();
   tablet.NotifyPort(false, u"COM2");

@@ -14,12 +14,12 @@ class Options : public DialogTest {
  protected:
   void OpenOptions() { Open(IDC_OPTIONS); }
   void WriteTables() {
-    machine.WriteFile(u"C:\\Program Files\\Veltra\\sarvikkey_English.ini",
-                      "[VirtualKeys]\r\nNumOfFunctions=2\r\nCmdVal1=32\r\nCmdName1=Space\r\n"
-                      "CmdVal2=65\r\nCmdName2=A\r\n"
-                      "[WindowsFunctions]\r\nNumOfFunctions=2\r\nCmdVal1=0\r\nCmdName1=Volume up\r\n"
-                      "CmdVal2=1\r\nCmdName2=Volume down\r\n"
-                      "[Lexora]\r\nNumOfFunctions=1\r\nCmdVal1=3\r\nCmdName1=Speak\r\n");
+    machine.disk.Write(u"C:\\Program Files\\Veltra\\sarvikkey_English.ini",
+                       "[VirtualKeys]\r\nNumOfFunctions=2\r\nCmdVal1=32\r\nCmdName1=Space\r\n"
+                       "CmdVal2=65\r\nCmdName2=A\r\n"
+                       "[WindowsFunctions]\r\nNumOfFunctions=2\r\nCmdVal1=0\r\nCmdName1=Volume up\r\n"
+                       "CmdVal2=1\r\nCmdName2=Volume down\r\n"
+                       "[Lexora]\r\nNumOfFunctions=1\r\nCmdVal1=3\r\nCmdName1=Speak\r\n");
   }
 };
 

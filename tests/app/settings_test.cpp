@@ -55,20 +55,20 @@ TEST_F(Settings, AreReadAndWrittenAllOfThemInTheirOrder) {
                 static_cast<uint32_t>(areStored ? setting.stored : setting.otherwise))
           << n;
     }
-    EXPECT_EQ(machine.RegistryValueNames(HKEY_CURRENT_USER, SimulatedTablet::kUserKey).size(),
+    EXPECT_EQ(machine.registry.ValueNames(HKEY_CURRENT_USER, SimulatedTablet::kUserKey).size(),
               std::size(kSettings));
     tablet.Advance(30s);
     ASSERT_TRUE(tablet.Quit());
   }
-  EXPECT_TRUE(machine.RegistryValueNames(HKEY_LOCAL_MACHINE, SimulatedTablet::kUserKey).empty());
+  EXPECT_TRUE(machine.registry.ValueNames(HKEY_LOCAL_MACHINE, SimulatedTablet::kUserKey).empty());
 }
 
 TEST_F(Settings, WhatIsNoFourByteNumberLeavesTheDefault) {
   const uint8_t text[] = {'8', 0, '0', 0, 0, 0};
-  machine.SetRegistryValue(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"BattLowPercentage", REG_SZ, text);
+  machine.registry.Set(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"BattLowPercentage", REG_SZ, text);
   const uint8_t fourByteText[] = {'7', 0, 0, 0};  // the type is not looked at
-  machine.SetRegistryValue(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"BattCritPercentage", REG_SZ,
-                           fourByteText);
+  machine.registry.Set(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"BattCritPercentage", REG_SZ,
+                       fourByteText);
   SetUserValue(u"EnableWLAN", 2);
   Start();
   EXPECT_EQ(UserValue(u"BattLowPercentage"), 10U);

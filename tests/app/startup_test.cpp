@@ -11,7 +11,7 @@ class Startup : public ToolTest {
  protected:
   Startup() { simulator::TheBoard() = {}; }
   std::optional<pal::OpenMessageBox> Box() {
-    const auto boxes = machine.OpenMessageBoxes();
+    const auto boxes = machine.boxes.Shown();
     return boxes.empty() ? std::nullopt : std::optional(boxes.back());
   }
 };
@@ -32,7 +32,7 @@ TEST_F(Startup, Boxes) {
     EXPECT_EQ(Joined(Did({"box"})), "box \"" + std::string(caption) + "\": " + text);
     EXPECT_EQ(Box()->type, type);
     EXPECT_EQ(Box()->owner, owner);
-    machine.AnswerMessageBox(type == MB_YESNO ? IDNO : IDOK);
+    machine.boxes.Answer(type == MB_YESNO ? IDNO : IDOK);
     tablet.Advance(10ms);
   };
   tablet.Start(u"-s /? -v5");
@@ -44,14 +44,14 @@ TEST_F(Startup, Boxes) {
   tablet.Advance(5s);
   expect("I2CInit", "Error during KEApiLibInitialize: 3", MB_ICONERROR, nobody);
   tablet.Advance(300s);
-  machine.Post(tablet.MainWindow(), WM_COMMAND, 40205, 0);
+  machine.desktop.Post(tablet.MainWindow(), WM_COMMAND, 40205, 0);
   tablet.Advance(10ms);
   expect("Sarvik5",
          "Manufacturer: Nordcell\\nManufacturer date: 2023-05-17\\nSerial: 4711\\nDevice name: NC-7S2P\\n"
          "Chemistry: LION\\nTemperature: 2981\\nVoltage: 11782\\nCurrent: -1240\\nRemaining capacity: 5160\\n"
          "Status: 00C0\\nCycles: 37\\nDesign capacity: 6800\\nDesign voltage: 11100",
          MB_ICONINFORMATION, tablet.MainWindow());
-  machine.Post(tablet.MainWindow(), WM_COMMAND, 128, 0);
+  machine.desktop.Post(tablet.MainWindow(), WM_COMMAND, 128, 0);
   tablet.Advance(10ms);
   expect("Sarvik5",
          "Some features of the device will stop working if you close this tool. Are you sure you want to "
@@ -63,16 +63,17 @@ TEST_F(Startup, OfOneKindOneBoxStands) {
   SetUserValue(u"Sw1CmdVal", -1);
   Start();
   for (int n = 0; n < 300; ++n)
-    for (const WPARAM command : {40205, 128}) machine.Post(tablet.MainWindow(), WM_COMMAND, command, 0);
+    for (const WPARAM command : {40205, 128})
+      machine.desktop.Post(tablet.MainWindow(), WM_COMMAND, command, 0);
   tablet.Advance(1s);
-  EXPECT_EQ(machine.OpenMessageBoxes().size(), 2U);
+  EXPECT_EQ(machine.boxes.Shown().size(), 2U);
   Press(simulator::Button::kSwitch1);
   EXPECT_EQ(New<pal::MouseInput>().size(), 1U);
-  machine.AnswerMessageBox(IDNO);
+  machine.boxes.Answer(IDNO);
   tablet.Advance(1s);
-  machine.Post(tablet.MainWindow(), WM_COMMAND, 128, 0);
+  machine.desktop.Post(tablet.MainWindow(), WM_COMMAND, 128, 0);
   tablet.Advance(1s);
-  EXPECT_EQ(machine.OpenMessageBoxes().size(), 2U);  // it may be asked again
+  EXPECT_EQ(machine.boxes.Shown().size(), 2U);  // it may be asked again
 }
 
 // Nobody finds it by its class.
@@ -99,7 +100,7 @@ TEST_F(Startup, TheEndOfTheSessionShutsDownOnce) {
   EXPECT_EQ(tablet.Ask(WM_ENDSESSION, FALSE), 0);
   tablet.Advance(1s);
   EXPECT_FALSE(machine.ExitCode());
-  machine.Post(tablet.MainWindow(), WM_APP + 0xCD, 0x55, 2);  // bytes that are still on their way
+  machine.desktop.Post(tablet.MainWindow(), WM_APP + 0xCD, 0x55, 2);  // bytes that are still on their way
   EXPECT_EQ(tablet.Ask(WM_ENDSESSION, TRUE), 0);
   tablet.Advance(1s);
   EXPECT_EQ(machine.ExitCode(), 0);
@@ -119,7 +120,7 @@ TEST_F(Startup, ASessionMayEndWhileABoxOfTheStartIsOpen) {
     if (box.call) machine.Fail(box.call, box.failures, box.error);
     const size_t before = tablet.Mark();
     tablet.Start();
-    ASSERT_TRUE(machine.AdvanceUntil([&] { return Box() && Box()->caption == box.caption; }, 60s));
+    ASSERT_TRUE(machine.clock.AdvanceUntil([&] { return Box() && Box()->caption == box.caption; }, 60s));
     EXPECT_EQ(tablet.Ask(WM_ENDSESSION, TRUE), 0);
     const size_t ended = tablet.Mark();
     tablet.Advance(10s);
@@ -137,13 +138,13 @@ TEST_F(Startup, NothingReachesTheBoardWhenTheSessionEndedMeanwhile) {
   Start();
   tablet.SendPowerEvent(PBT_APMSUSPEND);
   const HWND desktop = GetDesktopWindow();
-  machine.SetHung(desktop, true);
+  machine.desktop.SetHung(desktop, true);
   tablet.SendPowerEvent(PBT_APMRESUMEAUTOMATIC);
   tablet.Advance(2s);  // the display is to go on: the tool waits
   EXPECT_EQ(tablet.Ask(WM_ENDSESSION, TRUE), 0);
   EXPECT_EQ(BoardStops(tablet.Since(0)), 1U);
   New<pal::DeviceCall>();
-  machine.SetHung(desktop, false);
+  machine.desktop.SetHung(desktop, false);
   tablet.Advance(2s);
   EXPECT_EQ(machine.ExitCode(), 0);
   EXPECT_TRUE(New<pal::DeviceCall>().empty());

@@ -26,14 +26,14 @@ TEST_F(Tray, ABalloonWarnsForTenSecondsAndChangesNothingElse) {
 TEST_F(Tray, MenusOpenAtTheCursorAboveAndLeftOfIt) {
   Start();
   for (const UINT icon : {1977U, 1978U}) {
-    EXPECT_TRUE(machine.RightClickTrayIcon(icon));
+    EXPECT_TRUE(machine.tray.RightClick(icon));
     tablet.Advance(10ms);
     const auto menus = New<pal::MenuShown>();
     ASSERT_EQ(menus.size(), 1U);
     EXPECT_EQ(menus[0].flags, static_cast<uint32_t>(TPM_RIGHTALIGN | TPM_BOTTOMALIGN | TPM_RIGHTBUTTON));
     EXPECT_EQ(menus[0].items[0].command, icon == 1977 ? 127U : 40211U);
     EXPECT_EQ(menus[0].items[0].text, icon == 1977 ? u"Open &Power Meter" : u"&Options");
-    EXPECT_TRUE(machine.DismissMenu());
+    EXPECT_TRUE(machine.menus.Dismiss());
     tablet.Advance(10ms);
     EXPECT_EQ(machine.CountOpen("menu"), 0);
   }

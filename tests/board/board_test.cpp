@@ -1,7 +1,7 @@
 // Everything that the tool tells the board, as it crosses the I2C bus of the simulated tablet.
+#include "simulator/board.h"
 #include "pal/machine/person.h"
 #include "resources/resource_ids.h"
-#include "simulator/board.h"
 #include "tests/board/bus_text.h"
 #include "tests/tool_test.h"
 
@@ -108,7 +108,7 @@ TEST_F(BoardTest, EachProfileRoutesItsPathsAndSaysSo) {
 TEST_F(BoardTest, EveryLevelOfTheMicrophoneHasItsGains) {
   Start();
   Operate(kAudioProfile, 4);  // switches the microphone on
-  machine.Post(tablet.MainWindow(), WM_COMMAND, IDC_OPTIONS, 0);
+  machine.desktop.Post(tablet.MainWindow(), WM_COMMAND, IDC_OPTIONS, 0);
   tablet.Advance(20ms);
   for (int level = 1; level <= 9; ++level) {
     NewBus();
@@ -175,7 +175,7 @@ TEST_F(BoardTest, RetriesWaitLongerEachTimeAndThenSayItOnce) {
     EXPECT_EQ(balloons, Texts{"Error during I2C write: -7-" + row.logged.substr(10, 2)});
     EXPECT_NE(Log().find("Err I2C write. . .  >_<    " + row.logged + "\r\n"), std::string::npos) << Log();
   }
-  machine.RemoveFile(simulator::SimulatedTablet::kLogFile);
+  machine.disk.Remove(simulator::SimulatedTablet::kLogFile);
   Board().failures = {{uint8_t{0x30}, 2, 0, 5}};  // the third attempt succeeds
   Operate(5, 0);
   EXPECT_EQ(NewBus().size(), 3U);
@@ -201,11 +201,11 @@ TEST_F(BoardTest, WhatFailsForGoodEndsItsPartAlone) {
 TEST_F(BoardTest, ALevelThatWindowsRefusesIsSaidAndTriedAgain) {
   Start();
   machine.Fail("SetMasterVolumeLevelScalar", 1, 0x80004005);
-  machine.Post(tablet.MainWindow(), simulator::SimulatedTablet::kDeviceToolRequest, 11, 30);
+  machine.desktop.Post(tablet.MainWindow(), simulator::SimulatedTablet::kDeviceToolRequest, 11, 30);
   tablet.Advance(10ms);
-  ASSERT_EQ(machine.OpenMessageBoxes().size(), 1U);
-  EXPECT_EQ(machine.OpenMessageBoxes()[0].text, u"The program will exit.");
-  machine.AnswerMessageBox(IDOK);
+  ASSERT_EQ(machine.boxes.Shown().size(), 1U);
+  EXPECT_EQ(machine.boxes.Shown()[0].text, u"The program will exit.");
+  machine.boxes.Answer(IDOK);
   tablet.Advance(999ms);
   EXPECT_EQ(New<pal::PlaybackLevel>().size(), 0U);
   tablet.Advance(2ms);

@@ -56,7 +56,7 @@ class FirmwareUpdate : public ToolTest {
   }
 
   void Begin(std::string_view hexText) {
-    machine.WriteFile(kFile, hexText);
+    machine.disk.Write(kFile, hexText);
     const std::span<const uint8_t> flash = pic.bootloader.Memory().Bytes();
     before.assign(flash.begin(), flash.end());
     fromTool.clear();
@@ -64,7 +64,7 @@ class FirmwareUpdate : public ToolTest {
   }
   // The text when the person may press OK.
   std::u16string AwaitEnd() {
-    EXPECT_TRUE(machine.AdvanceUntil([] { return Look(IDOK).isEnabled; }, 120s));
+    EXPECT_TRUE(machine.clock.AdvanceUntil([] { return Look(IDOK).isEnabled; }, 120s));
     EXPECT_TRUE(Look(IDOK).hasFocus);
     return Look(kText).text;
   }
@@ -164,7 +164,7 @@ TEST_F(FirmwareUpdate, EveryFaultAtEveryStepEndsInItsTextAndASecondUpdateSucceed
       if (reason == kNone) continue;
       SCOPED_TRACE(testing::Message()
                    << "fault " << static_cast<int>(row.fault) << " x " << row.times << " at step " << step);
-      machine.RemoveFile(simulator::SimulatedTablet::kLogFile);
+      machine.disk.Remove(simulator::SimulatedTablet::kLogFile);
       BeginCountOfSpoiltFrames();
       for (int n = 0; n < row.times; ++n) pic.ArmAtStep(step, row.fault);
       ASSERT_EQ(Update(bytes), reason.empty() ? kSucceeded : Failed(reason));
@@ -181,7 +181,7 @@ TEST_F(FirmwareUpdate, APowerLossAtAnyMomentIsMendedByASecondUpdate) {
   int losses = 0;
   for (auto moment = 1ms; moment < 200ms; moment += 3ms) {
     SCOPED_TRACE(moment.count());
-    machine.After(moment, [&] { pic.CutPower(); });
+    machine.clock.After(moment, [&] { pic.CutPower(); });
     if (Update(bytes) == kSucceeded)
       ExpectFlashOf(bytes);
     else
@@ -201,10 +201,10 @@ TEST_F(FirmwareUpdate, AFileThatCannotBeUsedStartsNothing) {
     Begin(text);
     EXPECT_EQ(AwaitEnd(), kNotStarted);
   }
-  machine.HoldForWriting(kFile, true);  // another program works on it
+  machine.disk.Hold(kFile, true);  // another program works on it
   Begin(HexText(Rows({0x1800})));
   EXPECT_EQ(AwaitEnd(), kNotStarted);
-  machine.HoldForWriting(kFile, false);
+  machine.disk.Hold(kFile, false);
   tablet.SendData(nullptr, 2, {});  // no name
   EXPECT_EQ(AwaitEnd(), kNotStarted);
   tablet.Advance(10s);
@@ -228,7 +228,7 @@ TEST_F(FirmwareUpdate, TheDialogIsOnTopAndEndsWithThePowerOff) {
   EXPECT_EQ(dialog->title, u"Firmware");
   EXPECT_TRUE(dialog->isTopmost);
   AwaitEnd();
-  machine.Post(dialog->window, WM_COMMAND, IDCANCEL, 0);
+  machine.desktop.Post(dialog->window, WM_COMMAND, IDCANCEL, 0);
   tablet.Advance(100ms);
   EXPECT_TRUE(FrontDialog().has_value());
   EXPECT_TRUE(New<pal::WindowsExit>().empty());
@@ -250,9 +250,9 @@ TEST_F(FirmwareUpdate, TheDialogIsOnTopAndEndsWithThePowerOff) {
 
 TEST_F(FirmwareUpdate, TheOptionsAskForTheFile) {
   constexpr UINT kFirmwareFileRequest = WM_APP + 0x76E;
-  machine.WriteFile(kFile, HexText(Rows({0x1800})));
+  machine.disk.Write(kFile, HexText(Rows({0x1800})));
   for (const bool chosen : {false, true}) {
-    machine.Post(tablet.MainWindow(), kFirmwareFileRequest, 0, 0);
+    machine.desktop.Post(tablet.MainWindow(), kFirmwareFileRequest, 0, 0);
     tablet.Advance(10ms);
     ASSERT_EQ(pal::person::OpenFileBoxes().size(), 1U);
     const pal::OpenFileBox box = pal::person::OpenFileBoxes().front();

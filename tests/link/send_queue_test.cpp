@@ -8,7 +8,7 @@ using Texts = std::vector<std::string>;
 
 TEST_F(ToolTest, ATooLongRequestIsNeverSentAndBlocksUntilTheQueueIsDropped) {
   SetUserValue(u"StartupDelay", 0);
-  const HWND asker = machine.AddForeignWindow(u"Remote");
+  const HWND asker = machine.desktop.AddForeignWindow(u"Remote");
   Start();
   EXPECT_EQ(tablet.SendData(asker, 0, std::vector<uint8_t>(1024, 'x')), 1);
   tablet.Ask(simulator::SimulatedTablet::kStatusLedRequest, 1);

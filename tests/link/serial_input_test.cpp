@@ -59,14 +59,14 @@ class Serial : public ::testing::Test {
       body();
       return 0;
     });
-    ASSERT_TRUE(machine.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, limit));
+    ASSERT_TRUE(machine.clock.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, limit));
   }
   void ExpectNothingLeft() {
     for (const char* kind : {"serial", "event", "thread"}) EXPECT_EQ(machine.CountOpen(kind), 0) << kind;
   }
 
   pal::Machine machine;
-  pal::SerialPort& port = machine.AddSerialPort(2);
+  pal::SerialPort& port = machine.serial.Add(2);
 };
 
 TEST_F(Serial, OpensWithItsSettingsAndKeepsTheDriversOthers) {
@@ -150,9 +150,9 @@ TEST_F(Serial, AMegabyteArrivesByteForByteThroughAQueueOfTenThousand) {
   std::mt19937 random(2);
   for (uint8_t& byte : sent) byte = static_cast<uint8_t>(random());
   Collector collector;
-  machine.At(1s, [&] { port.Deliver(sent); });
+  machine.clock.At(1s, [&] { port.Deliver(sent); });
   size_t queued = 0;
-  machine.At(4s, [&] { queued = machine.QueuedMessages(); });
+  machine.clock.At(4s, [&] { queued = machine.QueuedMessages(); });
   Run([&] {
     CSerialInput serial(2, u"");
     serial.StartMon(CreateCollectorWindow(collector), nullptr);
@@ -169,15 +169,15 @@ TEST_F(Serial, AMegabyteArrivesByteForByteThroughAQueueOfTenThousand) {
 
 TEST_F(Serial, StoppingDoesNotWaitForRoomInTheQueue) {
   Collector collector;
-  machine.At(1s, [&] { port.Deliver(std::vector<uint8_t>(20000, 'x')); });
+  machine.clock.At(1s, [&] { port.Deliver(std::vector<uint8_t>(20000, 'x')); });
   pal::Time took{};
   Run([&] {
     CSerialInput serial(2, u"");
     serial.StartMon(CreateCollectorWindow(collector), nullptr);
     Sleep(2000);
-    const pal::Time before = machine.Now();
+    const pal::Time before = machine.clock.Now();
     serial.StopMon();
-    took = machine.Now() - before;
+    took = machine.clock.Now() - before;
     EXPECT_FALSE(serial.IsMonitoring());
     serial.StopMon();  // once more does no harm
   });
@@ -187,7 +187,7 @@ TEST_F(Serial, StoppingDoesNotWaitForRoomInTheQueue) {
 TEST_F(Serial, WithoutAWindowTheCallbackGetsTheBytes) {
   static std::vector<uint8_t> received;
   received.clear();
-  machine.At(1s, [&] { port.Deliver(std::vector<uint8_t>(1500, 'y')); });
+  machine.clock.At(1s, [&] { port.Deliver(std::vector<uint8_t>(1500, 'y')); });
   Run([] {
     CSerialInput serial(2, u"");
     serial.StartMon(nullptr, [](int32_t portNumber, const uint8_t* bytes, uint32_t count) {
@@ -213,7 +213,7 @@ TEST_F(Serial, WritesArriveInOrderAndStringsInTheAnsiCodePage) {
     serial.Close();
     EXPECT_FALSE(serial.Write(first, 3));
   });
-  machine.Advance(1ms);
+  machine.clock.Advance(1ms);
   EXPECT_EQ(written, std::string("a\0b\x80\xE9", 5));
 }
 
@@ -229,8 +229,8 @@ TEST_F(Serial, AThousandLostPortsLeaveNothingBehind) {
           ASSERT_TRUE(serial.IsOpen());
           ASSERT_TRUE(serial.StartMon(window, nullptr));
           const bool vanishes = n % 2 == 0;
-          if (vanishes) machine.After(1ms, [&] { port.Vanish(); });
-          machine.After(2ms, [&] { port.Return(); });
+          if (vanishes) machine.clock.After(1ms, [&] { port.Vanish(); });
+          machine.clock.After(2ms, [&] { port.Return(); });
           const int lost = collector.linesLost;
           if (vanishes) PumpUntil([&] { return collector.linesLost > lost; });
           if (vanishes && n % 4 == 0) {
@@ -248,11 +248,11 @@ TEST_F(Serial, AThousandLostPortsLeaveNothingBehind) {
 
 TEST_F(Serial, ReadErrorsAreShown) {
   for (const bool atOnce : {false, true})
-    machine.At(atOnce ? 2s : 1s, [this, atOnce] {
+    machine.clock.At(atOnce ? 2s : 1s, [this, atOnce] {
       port.FailNextRead(1117, 2, atOnce);
       port.Deliver(std::vector<uint8_t>(3, 'z'));
     });
-  machine.AnswerMessageBoxesWith(IDOK);
+  machine.boxes.automaticAnswer = IDOK;
   Collector collector;
   Run([&] {
     CSerialInput serial(2, u"");

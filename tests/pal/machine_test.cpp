@@ -54,7 +54,7 @@ class MachineTest : public testing::Test {
       program();
       return 0;
     });
-    machine.Advance(time);
+    machine.clock.Advance(time);
   }
   // A program that is one dialog.
   void OpenDialog(const std::function<void(HWND, UINT, WPARAM)>& look) {
@@ -81,10 +81,10 @@ TEST_F(MachineTest, AtOneTimeEventsComeFirstAndTheMainThreadLast) {
     Sleep(1000);
     log.emplace_back("helper");
   };
-  machine.At(1s, [&] { log.emplace_back("event"); });
-  machine.At(1s, [&] {
+  machine.clock.At(1s, [&] { log.emplace_back("event"); });
+  machine.clock.At(1s, [&] {
     log.emplace_back("second event");
-    machine.At(1s, [&] { log.emplace_back("its consequence"); });
+    machine.clock.At(1s, [&] { log.emplace_back("its consequence"); });
   });
   Run([&] {
     StartThread(helper);
@@ -98,7 +98,7 @@ TEST_F(MachineTest, AtOneTimeEventsComeFirstAndTheMainThreadLast) {
 TEST_F(MachineTest, LocalTimeFollowsTheClock) {
   SYSTEMTIME first{};
   SYSTEMTIME second{};
-  machine.SetLocalTime({2025, 2, 0, 28, 23, 59, 59, 900});
+  machine.clock.localTimeAtStart = {2025, 2, 0, 28, 23, 59, 59, 900};
   Run([&] {
     GetLocalTime(&first);
     Sleep(250);
@@ -128,7 +128,7 @@ TEST(MachineRuns, AreTheSameEveryTime) {
       Sleep(1000);
       return 0;
     });
-    machine.Advance(10s);
+    machine.clock.Advance(10s);
     Log log;
     for (const pal::Effect& effect : machine.Effects()) log.push_back(ToJson(effect));
     return log;
@@ -149,7 +149,7 @@ TEST(MachineEnd, BringsEveryWaitBack) {
   std::vector<std::function<void()>> waiting;
   {
     Machine machine;
-    machine.AddSerialPort(2);
+    machine.serial.Add(2);
     waiting = {
         [&] {
           Sleep(INFINITE);
@@ -180,7 +180,7 @@ TEST(MachineEnd, BringsEveryWaitBack) {
       note("main", true);
       return 0;
     });
-    machine.Advance(1s);
+    machine.clock.Advance(1s);
     EXPECT_EQ(machine.CountOpen("thread"), 6);
     EXPECT_TRUE(returned.empty());
   }
@@ -191,8 +191,8 @@ TEST(MachineEnd, BringsEveryWaitBack) {
 TEST_F(MachineTest, AProgramThatReturnsTakesItsThreadsAndHandlesWithIt) {
   constexpr const char* kKinds[] = {"thread", "window", "timer",         "event",     "mutex",
                                     "serial", "file",   "thread handle", "com object"};
-  machine.AddSerialPort(2);
-  machine.WriteFile(u"C:\\held.txt", "x");
+  machine.serial.Add(2);
+  machine.disk.Write(u"C:\\held.txt", "x");
   std::function<void()> helper = [&] {
     const HANDLE port = OpenPort();
     SetCommMask(port, EV_RXCHAR);
@@ -227,7 +227,7 @@ TEST_F(MachineTest, AProgramThatReturnsTakesItsThreadsAndHandlesWithIt) {
       },
       100ms);
   for (const char* kind : kKinds) EXPECT_EQ(machine.CountOpen(kind), 1) << kind;
-  machine.Advance(400ms);
+  machine.clock.Advance(400ms);
   for (const char* kind : kKinds) EXPECT_EQ(machine.CountOpen(kind), 0) << kind;
   EXPECT_EQ(Select<pal::ProgramEnded>(machine.Effects()).size(), 1u);
   Run(open);  // another program finds nothing of the first
@@ -240,7 +240,7 @@ TEST(MachineDisk, GoesWithTheMachine) {
   std::filesystem::path root;
   {
     const Machine machine;
-    root = machine.HostPath(u"C:\\");
+    root = machine.disk.HostPath(u"C:\\");
     EXPECT_TRUE(std::filesystem::exists(root));
   }
   EXPECT_FALSE(std::filesystem::exists(root.parent_path()));
@@ -249,7 +249,7 @@ TEST(MachineDisk, GoesWithTheMachine) {
 // ---- other programs and the person --------------------------------------------------------------------------
 
 TEST_F(MachineTest, AnotherProgramAnswers) {
-  machine.AddForeignWindow(u"Talk Builder", [](const pal::ForeignMessage& message) {
+  machine.desktop.AddForeignWindow(u"Talk Builder", [](const pal::ForeignMessage& message) {
     return static_cast<LRESULT>(message.wParam + 1);
   });
   LRESULT answer = 0;
@@ -269,26 +269,26 @@ TEST_F(MachineTest, ThePersonAnswersTheInnermostBox) {
     PostMessageW(window.Get(), WM_APP, 0, 0);
     answers.push_back(MessageBoxW(nullptr, TEXT("outer"), nullptr, MB_YESNO | MB_ICONINFORMATION));
   });
-  ASSERT_EQ(machine.OpenMessageBoxes().size(), 2u);
-  EXPECT_EQ(machine.OpenMessageBoxes()[0].caption, u"Error");
-  machine.AnswerMessageBox(IDYES);
-  machine.Advance(0s);
-  machine.AnswerMessageBox(IDNO);
-  machine.Advance(0s);
+  ASSERT_EQ(machine.boxes.Shown().size(), 2u);
+  EXPECT_EQ(machine.boxes.Shown()[0].caption, u"Error");
+  machine.boxes.Answer(IDYES);
+  machine.clock.Advance(0s);
+  machine.boxes.Answer(IDNO);
+  machine.clock.Advance(0s);
   EXPECT_EQ(answers, (std::vector<int>{IDYES, IDNO}));
 }
 
 TEST_F(MachineTest, ThePersonChoosesWhatIsNotGray) {
-  machine.LoadResources(VELTRA_RESOURCES);
+  machine.resources.Load(VELTRA_RESOURCES);
   Run([] {
     const TestWindow window(Ignore);
     const contract::ContractMenu menu;
     TrackPopupMenu(GetSubMenu(menu.Get(), 0), TPM_RIGHTALIGN, 7, 8, 0, window.Get(), nullptr);
   });
   for (const char16_t* label : {u"Inner", u"D\u00e9ja", u"No such item"})
-    EXPECT_FALSE(machine.ChooseMenuItem(label));
-  EXPECT_TRUE(machine.ChooseMenuItem(u"first"));
-  machine.Advance(0s);
+    EXPECT_FALSE(machine.menus.Choose(label));
+  EXPECT_TRUE(machine.menus.Choose(u"first"));
+  machine.clock.Advance(0s);
   EXPECT_EQ(Select<pal::MenuChosen>(machine.Effects()).at(0), (pal::MenuChosen{127, u"&First\tF1"}));
   const pal::MenuShown shown = Select<pal::MenuShown>(machine.Effects()).at(0);
   EXPECT_EQ(pal::Describe({0s, shown}), "menu First | - | Inner > [D\xC3\xA9ja (checked) (gray)] | Last");
@@ -296,13 +296,13 @@ TEST_F(MachineTest, ThePersonChoosesWhatIsNotGray) {
 }
 
 TEST_F(MachineTest, ADragIsToldInThreeSteps) {
-  machine.LoadResources(VELTRA_RESOURCES);
+  machine.resources.Load(VELTRA_RESOURCES);
   std::vector<WPARAM> scrolls;
   OpenDialog([&](HWND, UINT message, WPARAM wParam) {
     if (message == WM_HSCROLL) scrolls.push_back(wParam);
   });
   pal::person::Drag(TRACKBAR, 500);
-  machine.Advance(0s);
+  machine.clock.Advance(0s);
   EXPECT_EQ(scrolls, (std::vector<WPARAM>{MAKEWPARAM(TB_THUMBTRACK, 100), MAKEWPARAM(TB_THUMBPOSITION, 100),
                                           TB_ENDTRACK}));
 }
@@ -318,13 +318,13 @@ TEST_F(MachineTest, AFileNameThatDoesNotFitIsNotChosen) {
     chosen = GetOpenFileNameW(&box);
   });
   pal::person::AnswerFileBox(u"C:\\long.hex");
-  machine.Advance(0s);
+  machine.clock.Advance(0s);
   EXPECT_FALSE(chosen);
 }
 
 TEST_F(MachineTest, AModuleIsLoadedByItsFullPathAsOftenAsItIsFreed) {
-  machine.AddModule(u"Device.dll", {{"Answer", nullptr}});
-  const std::u16string path = std::u16string(Machine::kProgramDirectory) + u"DEVICE.DLL";
+  machine.modules.Add(u"Device.dll", {{"Answer", nullptr}});
+  const std::u16string path = std::u16string(pal::Disk::kProgramDirectory) + u"DEVICE.DLL";
   Run([&] {
     EXPECT_EQ(LoadLibraryExW(u"device.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH), nullptr);
     const HMODULE module = LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
@@ -345,11 +345,11 @@ TEST(MachineDeathTest, MisuseIsLoud) {
       program();
       return 0;
     });
-    machine.Advance(1s);
+    machine.clock.Advance(1s);
   };
   const auto inDialog = [](const std::function<void()>& act) {
     Machine machine;
-    machine.LoadResources(VELTRA_RESOURCES);
+    machine.resources.Load(VELTRA_RESOURCES);
     machine.StartProgram([] {
       contract::TestDialog dialog([](HWND window, UINT message, WPARAM, LPARAM) -> INT_PTR {
         if (message == WM_INITDIALOG) EnableWindow(GetDlgItem(window, PUSH_BUTTON), FALSE);
@@ -359,9 +359,9 @@ TEST(MachineDeathTest, MisuseIsLoud) {
       dialog.Run();
       return 0;
     });
-    machine.Advance(1ms);
+    machine.clock.Advance(1ms);
     act();
-    machine.Advance(1ms);
+    machine.clock.Advance(1ms);
   };
   EXPECT_DEATH(GetCommandLineW(), "without a machine");
   EXPECT_DEATH(inProgram([] { CreateEventW(nullptr, TRUE, FALSE, TEXT("name")); }), "CreateEventW of");

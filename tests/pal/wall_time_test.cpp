@@ -127,7 +127,7 @@ class WallTime : public testing::Test {
       CloseHandle(reader.port);
       return ended == WAIT_OBJECT_0 ? static_cast<int>(message.wParam) : 3;
     });
-    ASSERT_TRUE(machine.AdvanceUntil([this] { return ready.load(); }, 10s));
+    ASSERT_TRUE(machine.clock.AdvanceUntil([this] { return ready.load(); }, 10s));
   }
 
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -162,20 +162,20 @@ std::vector<uint8_t> SomeBytes(size_t size) {
 
 TEST_F(WallTime, BytesOfAPtyArriveInOrderAndWritesReachIt) {
   const Pty pty;
-  machine.AttachTty(2, pty.Path());
+  machine.serial.AttachTty(2, pty.Path());
   const std::vector<uint8_t> sent = SomeBytes(200'000);
   expected = sent.size();
   StartReader();
   pty.Write(sent);
-  ASSERT_TRUE(
-      machine.AdvanceUntil([this] { return !pal::Select<pal::MouseInput>(machine.Effects()).empty(); }, 60s));
+  ASSERT_TRUE(machine.clock.AdvanceUntil(
+      [this] { return !pal::Select<pal::MouseInput>(machine.Effects()).empty(); }, 60s));
   EXPECT_EQ(pty.Read(8), "UU\nReady");
   bool ran = false;
-  machine.Do([&] { ran = true; });
+  machine.clock.Do([&] { ran = true; });
   EXPECT_TRUE(ran);
-  EXPECT_EQ(machine.Send(reader.window, WM_USER, 41, 0), 42);
-  ASSERT_TRUE(machine.Post(reader.window, WM_CLOSE, 0, 0));
-  ASSERT_TRUE(machine.AdvanceUntil([this] { return machine.ExitCode().has_value(); }, 10s));
+  EXPECT_EQ(machine.desktop.Send(reader.window, WM_USER, 41, 0), 42);
+  ASSERT_TRUE(machine.desktop.Post(reader.window, WM_CLOSE, 0, 0));
+  ASSERT_TRUE(machine.clock.AdvanceUntil([this] { return machine.ExitCode().has_value(); }, 10s));
   EXPECT_EQ(machine.ExitCode(), 5);
   EXPECT_EQ(received, sent);
   EXPECT_EQ(machine.CountOpen("thread"), 0);
@@ -184,24 +184,24 @@ TEST_F(WallTime, BytesOfAPtyArriveInOrderAndWritesReachIt) {
 // The far end hangs up while the thread waits.
 TEST_F(WallTime, APtyThatHangsUpEndsTheWait) {
   Pty pty;
-  machine.AttachTty(2, pty.Path());
+  machine.serial.AttachTty(2, pty.Path());
   StartReader();
-  machine.Advance(20ms);
+  machine.clock.Advance(20ms);
   pty.Close();
-  ASSERT_TRUE(machine.AdvanceUntil([this] { return machine.CountOpen("thread") == 0; }, 10s));
+  ASSERT_TRUE(machine.clock.AdvanceUntil([this] { return machine.CountOpen("thread") == 0; }, 10s));
   EXPECT_EQ(reader.lastError, static_cast<DWORD>(ERROR_OPERATION_ABORTED));
 }
 
 // Ended in the midst of it: the monitor thread polls the pty, the main thread waits for messages.
 TEST_F(WallTime, TheMachineEndsARunningProgram) {
   const Pty pty;
-  machine.AttachTty(2, pty.Path());
+  machine.serial.AttachTty(2, pty.Path());
   StartReader();
   pty.Write(SomeBytes(100));
 }
 
 TEST_F(WallTime, TimersAndSleepsFollowTheHost) {
-  const pal::Time start = machine.Now();
+  const pal::Time start = machine.clock.Now();
   machine.StartProgram([] {
     SetTimer(nullptr, 0, 20, nullptr);
     MSG message;
@@ -209,10 +209,10 @@ TEST_F(WallTime, TimersAndSleepsFollowTheHost) {
     Sleep(30);
     return 0;
   });
-  ASSERT_TRUE(machine.AdvanceUntil([this] { return machine.ExitCode().has_value(); }, 10s));
-  EXPECT_GE(machine.Now() - start, 90ms);
-  machine.Advance(5ms);
-  EXPECT_GE(machine.Now() - start, 95ms);
+  ASSERT_TRUE(machine.clock.AdvanceUntil([this] { return machine.ExitCode().has_value(); }, 10s));
+  EXPECT_GE(machine.clock.Now() - start, 90ms);
+  machine.clock.Advance(5ms);
+  EXPECT_GE(machine.clock.Now() - start, 95ms);
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ class Battery : public DialogTest {
   // picture.
   void ExpectShown(const std::u16string& tooltip, int picture, int meter) {
     tablet.Advance(7s);
-    const pal::TrayIcon icon = machine.FindTrayIcon(kPowerIcon).value_or(pal::TrayIcon());
+    const pal::TrayIcon icon = machine.tray.Find(kPowerIcon).value_or(pal::TrayIcon());
     EXPECT_EQ(icon.tooltip, tooltip);
     EXPECT_EQ(icon.picture, picture);
     EXPECT_EQ(person::Look(IDP_ICON).icon, meter);

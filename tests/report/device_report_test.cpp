@@ -45,7 +45,7 @@ class DeviceReport : public ToolTest {
 
   std::vector<pal::ForeignMessage> received;
   const HWND asker =
-      machine.AddForeignWindow(u"Asker", [this](const pal::ForeignMessage& message) -> LRESULT {
+      machine.desktop.AddForeignWindow(u"Asker", [this](const pal::ForeignMessage& message) -> LRESULT {
         received.push_back(message);
         return 1;
       });
@@ -73,7 +73,7 @@ TEST_F(DeviceReport, PlatformIsWholeOrMissing) {
     TheBoard().*error = 0;
   }
   EXPECT_EQ(Asked(0), Report({kHardware, kPlatform, kBattery}));  // nothing is remembered
-  EXPECT_TRUE(machine.OpenMessageBoxes().empty());
+  EXPECT_TRUE(machine.boxes.Shown().empty());
 }
 
 TEST_F(DeviceReport, WhatWasNeverReceivedIsEmpty) {
@@ -112,8 +112,8 @@ TEST_F(DeviceReport, ValuesAreEscapedAndCharactersKept) {
 
 TEST_F(DeviceReport, GoesNowhereWithoutAWindow) {
   Start();
-  const HWND gone = machine.AddForeignWindow(u"Gone");
-  machine.RemoveForeignWindow(gone);
+  const HWND gone = machine.desktop.AddForeignWindow(u"Gone");
+  machine.desktop.RemoveForeignWindow(gone);
   for (const HWND receiver : {HWND{}, gone, HWND_BROADCAST, reinterpret_cast<HWND>(intptr_t{-1})})
     EXPECT_EQ(Ask(0, receiver), 0);
   EXPECT_TRUE(New<pal::ForeignMessageSent>().empty());

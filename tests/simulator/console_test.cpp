@@ -41,7 +41,7 @@ TEST_F(ConsoleTest, WrongLinesChangeNothing) {
       "check control|check control OK shown|");
   for (std::string line; std::getline(lines, line, '|');) EXPECT_TRUE(console.RunLine(line)) << line;
   EXPECT_EQ(world.Tablet().Mark(), 0U);
-  EXPECT_EQ(world.Tablet().Machine().Now(), Duration(0));
+  EXPECT_EQ(world.Tablet().Machine().clock.Now(), Duration(0));
 }
 
 TEST_F(ConsoleTest, ExpectationsFollowTheOrderOfTheTimeline) {

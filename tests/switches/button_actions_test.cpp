@@ -24,7 +24,7 @@ class ButtonActions : public ToolTest {
     for (size_t n = 0; n < rows.size(); ++n)
       profile += "[Button" + std::to_string(n + 1) + "]\r\nBtCmd=" + std::to_string(rows[n].type) +
                  "\r\nBtCmdVal=" + std::to_string(rows[n].value) + "\r\nBtCmdText=" + rows[n].text + "\r\n";
-    machine.WriteFile(SimulatedTablet::kProfileFile, profile);
+    machine.disk.Write(SimulatedTablet::kProfileFile, profile);
     Start();
     for (size_t n = 0; n < rows.size(); ++n) {
       Did();
@@ -93,7 +93,7 @@ TEST_F(ButtonActions, WithoutApplicationsAndPlugInNothingIsSent) {
 }
 
 TEST_F(ButtonActions, A32BitToolOn64BitsStartsProgramsWithTheRealSystemDirectory) {
-  machine.SetWow64(true);
+  machine.system.isWow64 = true;
   const Row started[] = {
       {3, -1, "C:\\a.exe", "; system directory real; run a.exe; system directory redirected"}};
   Try(started);

@@ -29,8 +29,8 @@ class ProfileTest : public testing::Test {
       DestroyAppState();
       return 0;
     });
-    ASSERT_TRUE(
-        machine_.AdvanceUntil([this] { return machine_.ExitCode().has_value(); }, std::chrono::minutes(1)));
+    ASSERT_TRUE(machine_.clock.AdvanceUntil([this] { return machine_.ExitCode().has_value(); },
+                                            std::chrono::minutes(1)));
   }
   void Save(const ButtonAction& action, const WideText& name = WideText(kProfile)) {
     AsTool([&] {
@@ -50,7 +50,7 @@ class ProfileTest : public testing::Test {
     });
     return words;
   }
-  std::string File() { return machine_.ReadFile(kProfile).value_or("(none)"); }
+  std::string File() { return machine_.disk.Read(kProfile).value_or("(none)"); }
 
   pal::Machine machine_;
   simulator::Desk desk_{machine_};
@@ -58,7 +58,7 @@ class ProfileTest : public testing::Test {
 
 TEST_F(ProfileTest, WhatIsMissingHasItsDefaults) {
   EXPECT_EQ(Loaded(), "4 0 kept; 4 1 kept; 10 2 kept; 10 2 kept; ");
-  machine_.WriteFile(kProfile, "[Button2]\r\nBtCmd=9\r\nBtCmdVal=-1\r\nBtCmdText=cell 7\r\n");
+  machine_.disk.Write(kProfile, "[Button2]\r\nBtCmd=9\r\nBtCmdVal=-1\r\nBtCmdText=cell 7\r\n");
   EXPECT_EQ(Loaded(), "10 0 ; 9 -1 cell 7; 10 0 ; 10 0 ; ");
 }
 
@@ -69,7 +69,7 @@ TEST_F(ProfileTest, TheFileIsPlainUnlessALetterNeedsMore) {
     whole.append("[Button").append(1, button).append(
         "]\r\nBtCmd=2\r\nBtCmdVal=-1\r\nBtCmdText=\xE9\x80.wav\r\n");
   EXPECT_EQ(File(), whole);
-  machine_.WriteFile(kProfile, "[Other]\r\nname=caf\xE9\r\n" + File());
+  machine_.disk.Write(kProfile, "[Other]\r\nname=caf\xE9\r\n" + File());
   Save({2, -1, u"\x0416.wav"});
   EXPECT_TRUE(File().starts_with("\xFF\xFE"));
   const std::u16string text = pal::DecodeProfile(File()).text;
@@ -89,15 +89,15 @@ TEST_F(ProfileTest, ANameIsAProfileOfTheDataFolderAndAPathIsItself) {
 
 TEST_F(ProfileTest, AFileThatCannotBeWrittenStaysAsItWas) {
   const std::string before = "[Button1]\r\nBtCmd=1\r\nBtCmdVal=65\r\n";
-  machine_.WriteFile(kProfile, before);
-  machine_.HoldForWriting(kProfile, true);
+  machine_.disk.Write(kProfile, before);
+  machine_.disk.Hold(kProfile, true);
   Save({0, -1, u"a"});
   EXPECT_EQ(File(), before);
-  machine_.HoldForWriting(kProfile, false);
+  machine_.disk.Hold(kProfile, false);
   machine_.Fail("MoveFileExW", 1, ERROR_ACCESS_DENIED);  // it cannot become UTF-16, but could be written
   Save({0, -1, u"\x0416"});
   EXPECT_EQ(File(), before);
-  machine_.SetReadOnly(kProfile, true);
+  machine_.disk.SetReadOnly(kProfile, true);
   Save({0, -1, u"\x0416"});
   EXPECT_EQ(File(), before);
 }
@@ -116,7 +116,7 @@ class FunctionTables : public ProfileTest {
     return words;
   }
   void WriteTable(std::string_view text, std::u16string_view file = u"sarvikkey_English.ini") {
-    machine_.WriteFile(std::u16string(pal::Machine::kProgramDirectory).append(file), text);
+    machine_.disk.Write(std::u16string(pal::Disk::kProgramDirectory).append(file), text);
   }
 };
 
@@ -142,7 +142,7 @@ TEST_F(FunctionTables, FollowTheLanguageAndHaveNoFallBack) {
   WriteTable("[Wendle]\r\nNumOfFunctions=1\r\nCmdVal1=1\r\nCmdName1=begin\r\n", u"sarvikkey_Nederlands.ini");
   EXPECT_EQ(Table(u"Wendle", 0x0413), "1 begin; ");
   EXPECT_EQ(Table(u"Wendle", 0x040C), "1 start; ");
-  machine_.RemoveFile(u"C:\\Program Files\\Veltra\\sarvikkey_Nederlands.ini");
+  machine_.disk.Remove(u"C:\\Program Files\\Veltra\\sarvikkey_Nederlands.ini");
   EXPECT_EQ(Table(u"Wendle", 0x0413), "");
 }
 
@@ -155,7 +155,7 @@ TEST_F(FunctionTables, DeliveredOnesAreCompleteAndAlikeInBothLanguages) {
       const auto dutch = LoadFunctionTable(section);
       EXPECT_FALSE(english.empty());
       ASSERT_EQ(english.size(), dutch.size());
-      const WideText path = WideText(pal::Machine::kProgramDirectory) + u"sarvikkey_English.ini";
+      const WideText path = WideText(pal::Disk::kProgramDirectory) + u"sarvikkey_English.ini";
       EXPECT_EQ(english.size(), GetPrivateProfileIntW(section, u"NumOfFunctions", 0, path.c_str()));
       for (size_t i = 0; i < english.size(); ++i) {
         EXPECT_EQ(english[i].value, dutch[i].value);

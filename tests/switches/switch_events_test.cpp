@@ -30,7 +30,7 @@ TEST_F(Switches, APressThatIsHandledAfterThePortWasClosedIsATap) {
   tablet.NotifyPort(false, u"COM2");
   for (const char byte : std::string_view("\x55\x55\x0ASw1Make\x7D\x04\x55\x55\x0A"
                                           "EscMake\x5D\x04"))
-    machine.Post(tablet.MainWindow(), WM_APP + 0xCD, static_cast<uint8_t>(byte), 2);
+    machine.desktop.Post(tablet.MainWindow(), WM_APP + 0xCD, static_cast<uint8_t>(byte), 2);
   tablet.Advance(2s);
   ExpectTap();  // and no long press of the side button
 }

@@ -10,7 +10,7 @@ class CopiedData : public ToolTest {
  protected:
   CopiedData() { SetUserValue(u"Sw1CmdVal", -1); }
   HWND AddAsker() {
-    return machine.AddForeignWindow(u"Asker", [this](const pal::ForeignMessage& message) -> LRESULT {
+    return machine.desktop.AddForeignWindow(u"Asker", [this](const pal::ForeignMessage& message) -> LRESULT {
       ++answers;
       lastAnswer = message.payload;
       return 1;
@@ -19,12 +19,12 @@ class CopiedData : public ToolTest {
   LPARAM Named(HWND window) { return reinterpret_cast<LPARAM>(window); }
   // Time from the press to the click that it becomes.
   pal::Time PressToClick() {
-    const pal::Time pressed = machine.Now();
+    const pal::Time pressed = machine.clock.Now();
     tablet.Press(simulator::Button::kSwitch1);
     const size_t before = tablet.Mark();
     const auto clicked = [&] { return !pal::Select<pal::MouseInput>(tablet.Since(before)).empty(); };
-    EXPECT_TRUE(machine.AdvanceUntil(clicked, 60s));
-    const pal::Time waited = machine.Now() - pressed;
+    EXPECT_TRUE(machine.clock.AdvanceUntil(clicked, 60s));
+    const pal::Time waited = machine.clock.Now() - pressed;
     Release(simulator::Button::kSwitch1);
     return waited;
   }
@@ -36,21 +36,22 @@ class CopiedData : public ToolTest {
 TEST_F(CopiedData, AHungReceiverCostsFiveSecondsOnceAndNoPress) {
   const HWND asker = AddAsker();
   Start();
-  machine.SetHung(asker, true);
+  machine.desktop.SetHung(asker, true);
   for (int n = 0; n < 1000; ++n)
-    EXPECT_TRUE(machine.Post(tablet.MainWindow(), SimulatedTablet::kDeviceReportRequest, 0, Named(asker)));
+    EXPECT_TRUE(
+        machine.desktop.Post(tablet.MainWindow(), SimulatedTablet::kDeviceReportRequest, 0, Named(asker)));
   EXPECT_LE(PressToClick(), 5100ms);
   EXPECT_EQ(answers, 0U);
   EXPECT_LE(PressToClick(), 20ms);
 
-  machine.SetHung(asker, false);  // it lives after all
+  machine.desktop.SetHung(asker, false);  // it lives after all
   EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceReportRequest, 1, Named(asker)), 0);
   EXPECT_EQ(answers, 1U);
 
   // One that is only busy is waited for, and what others send is answered meanwhile.
-  machine.SetHung(asker, true);
-  machine.After(4900ms, [&] { machine.SetHung(asker, false); });
-  machine.Post(tablet.MainWindow(), SimulatedTablet::kDeviceReportRequest, 2, Named(asker));
+  machine.desktop.SetHung(asker, true);
+  machine.clock.After(4900ms, [&] { machine.desktop.SetHung(asker, false); });
+  machine.desktop.Post(tablet.MainWindow(), SimulatedTablet::kDeviceReportRequest, 2, Named(asker));
   tablet.Advance(4800ms);
   EXPECT_EQ(tablet.Ask(SimulatedTablet::kDeviceToolRequest, 13), 50);
   EXPECT_EQ(answers, 1U);
@@ -69,8 +70,8 @@ TEST_F(CopiedData, AnInfraredAskerThatIsGoneOrHangsLeavesTheQueueMoving) {
   tablet.SendData(hung, 1, ToBytes("IRSend=2"));
   tablet.SendData(HWND_BROADCAST, 0, ToBytes("IRSend=3"));
   tablet.SendData(patient, 0, ToBytes("IRSend=4"));
-  machine.RemoveForeignWindow(gone);
-  machine.SetHung(hung, true);
+  machine.desktop.RemoveForeignWindow(gone);
+  machine.desktop.SetHung(hung, true);
   tablet.Advance(6s);
   EXPECT_EQ(Joined(NewRequests()), "IRSend=1; IRSend=2; IRSend=3; IRSend=4");
   EXPECT_EQ(answers, 1U);

@@ -21,7 +21,7 @@ class Log : public ::testing::Test {
     start.wMinute = 5;
     start.wSecond = 9;
     start.wMilliseconds = 347;
-    machine.SetLocalTime(start);
+    machine.clock.localTimeAtStart = start;
   }
   // The log works inside a program, as in the tool.
   void Do(const std::function<void(DiagnosticLog&)>& work) {
@@ -30,15 +30,15 @@ class Log : public ::testing::Test {
       work(log);
       return 0;
     });
-    ASSERT_TRUE(machine.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, 1s));
+    ASSERT_TRUE(machine.clock.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, 1s));
   }
-  std::string Content() { return machine.ReadFile(kLog).value_or("none"); }
+  std::string Content() { return machine.disk.Read(kLog).value_or("none"); }
 
   pal::Machine machine;
 };
 
 TEST_F(Log, Lines) {
-  machine.WriteFile(kMarker, "");
+  machine.disk.Write(kMarker, "");
   Do([](DiagnosticLog& log) {
     log.WriteDetail(u"Resume", u"Device resuming");
     log.WriteError(u"Err device change", u"Pic port dropped");
@@ -61,12 +61,12 @@ TEST_F(Log, Lines) {
 TEST_F(Log, DetailLinesFollowTheMarkerFile) {
   Do([&](DiagnosticLog& log) {
     log.WriteDetail(u"a", u"before");
-    machine.WriteFile(kMarker, "anything");
+    machine.disk.Write(kMarker, "anything");
     log.WriteDetail(u"a", u"while");
-    machine.SetReadOnly(kMarker, true);
+    machine.disk.SetReadOnly(kMarker, true);
     log.WriteDetail(u"a", u"read-only");
-    machine.SetReadOnly(kMarker, false);
-    machine.RemoveFile(kMarker);
+    machine.disk.SetReadOnly(kMarker, false);
+    machine.disk.Remove(kMarker);
     log.WriteDetail(u"a", u"after");
   });
   EXPECT_EQ(Content(), "k19 140509 3 a. . . . . . . . .  ***    while\r\n");
@@ -80,21 +80,21 @@ TEST_F(Log, ALineEndsWhereItIsTooLong) {
 TEST_F(Log, GrowsToItsLimitAndStartsAgain) {
   const std::string full(153600, 'x');
   const auto write = [](DiagnosticLog& log) { log.Write(u"t", u"line"); };
-  machine.WriteFile(kLog, full);
-  machine.WriteFile(kPrevious, "older");
+  machine.disk.Write(kLog, full);
+  machine.disk.Write(kPrevious, "older");
   Do(write);  // it still fits
-  EXPECT_EQ(machine.ReadFile(kPrevious), "older");
+  EXPECT_EQ(machine.disk.Read(kPrevious), "older");
   const std::string more = Content();
   machine.Fail("CopyFileW", 1, ERROR_DISK_FULL);  // nothing is cut when it cannot be kept
   Do(write);
-  machine.HoldForWriting(kLog, true);
+  machine.disk.Hold(kLog, true);
   Do(write);
-  machine.HoldForWriting(kLog, false);
+  machine.disk.Hold(kLog, false);
   EXPECT_EQ(Content(), more);
-  EXPECT_EQ(machine.ReadFile(kPrevious), "older");
+  EXPECT_EQ(machine.disk.Read(kPrevious), "older");
   Do(write);
   EXPECT_EQ(Content(), "k19 140509 3 t. . . . . . . . .  line\r\n");
-  EXPECT_EQ(machine.ReadFile(kPrevious), more);
+  EXPECT_EQ(machine.disk.Read(kPrevious), more);
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
-#include "pal/store/registry_store.h"
+#include "pal/store/registry.h"
 
 #include <algorithm>
 
+#include "pal/machine/machine_mutex.h"
 #include "pal/text/unicode.h"
 
 namespace pal {
@@ -47,21 +48,59 @@ void RegistryKey::SetValue(std::u16string_view valueName, DWORD type, std::vecto
   value->data = std::move(data);
 }
 
-RegistryStore::RegistryStore()
-    : currentUser_(MakeKey(u"HKEY_CURRENT_USER", u"")), localMachine_(MakeKey(u"HKEY_LOCAL_MACHINE", u"")) {}
+Registry::Registry(MachineMutex& mutex)
+    : mutex_(mutex),
+      currentUser_(MakeKey(u"HKEY_CURRENT_USER", u"")),
+      localMachine_(MakeKey(u"HKEY_LOCAL_MACHINE", u"")) {}
 
-std::shared_ptr<RegistryKey> RegistryStore::Root(HKEY root) const {
+void Registry::Set(HKEY root, std::u16string_view path, std::u16string_view name, DWORD type,
+                   std::span<const uint8_t> data) {
+  const MachineLock lock(mutex_);
+  Create(NeedRoot(root), path)->SetValue(name, type, {data.begin(), data.end()});
+}
+
+void Registry::SetDword(HKEY root, std::u16string_view path, std::u16string_view name, uint32_t value) {
+  uint8_t bytes[sizeof(value)];
+  for (size_t i = 0; i < sizeof(value); ++i) bytes[i] = static_cast<uint8_t>(value >> (8 * i));
+  Set(root, path, name, REG_DWORD, bytes);
+}
+
+std::optional<uint32_t> Registry::Dword(HKEY root, std::u16string_view path, std::u16string_view name) const {
+  const MachineLock lock(mutex_);
+  const auto key = Find(NeedRoot(root), path);
+  const RegistryValue* value = key ? key->FindValue(name) : nullptr;
+  if (!value || value->type != REG_DWORD || value->data.size() != sizeof(uint32_t)) return std::nullopt;
+  uint32_t number = 0;
+  for (size_t i = sizeof(number); i-- > 0;) number = number << 8 | value->data[i];
+  return number;
+}
+
+std::vector<std::u16string> Registry::ValueNames(HKEY root, std::u16string_view path) const {
+  const MachineLock lock(mutex_);
+  std::vector<std::u16string> names;
+  if (const auto key = Find(NeedRoot(root), path))
+    for (const RegistryValue& value : key->values) names.push_back(value.name);
+  return names;
+}
+
+std::shared_ptr<RegistryKey> Registry::NeedRoot(HKEY root) const {
+  auto key = Root(root);
+  if (!key) Die("no root of the registry");
+  return key;
+}
+
+std::shared_ptr<RegistryKey> Registry::Root(HKEY root) const {
   if (root == HKEY_CURRENT_USER) return currentUser_;
   if (root == HKEY_LOCAL_MACHINE) return localMachine_;
   return nullptr;
 }
 
-std::shared_ptr<RegistryKey> RegistryStore::Find(std::shared_ptr<RegistryKey> key, std::u16string_view path) {
+std::shared_ptr<RegistryKey> Registry::Find(std::shared_ptr<RegistryKey> key, std::u16string_view path) {
   while (key && !path.empty()) key = FindChild(*key, TakeName(path));
   return key;
 }
 
-std::shared_ptr<RegistryKey> RegistryStore::Create(std::shared_ptr<RegistryKey> key,
+std::shared_ptr<RegistryKey> Registry::Create(std::shared_ptr<RegistryKey> key,
                                                    std::u16string_view path) {
   while (!path.empty()) {
     const std::u16string_view name = TakeName(path);

@@ -3,12 +3,17 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace pal {
+
+class MachineMutex;
 
 struct RegistryValue {
   std::u16string name;  // empty: the key's unnamed value
@@ -28,10 +33,19 @@ struct RegistryKey {
   void SetValue(std::u16string_view valueName, DWORD type, std::vector<uint8_t> data);
 };
 
-class RegistryStore {
+class Registry {
  public:
-  RegistryStore();
+  explicit Registry(MachineMutex& mutex);
 
+  void Set(HKEY root, std::u16string_view path, std::u16string_view name, DWORD type,
+           std::span<const uint8_t> data);
+  void SetDword(HKEY root, std::u16string_view path, std::u16string_view name, uint32_t value);
+  // Empty when there is no such value of that type.
+  [[nodiscard]] std::optional<uint32_t> Dword(HKEY root, std::u16string_view path,
+                                              std::u16string_view name) const;
+  [[nodiscard]] std::vector<std::u16string> ValueNames(HKEY root, std::u16string_view path) const;
+
+  // ---- for the calls of Windows ----
   // Null for any other value.
   [[nodiscard]] std::shared_ptr<RegistryKey> Root(HKEY root) const;
   // The key itself for an empty path; null when there is none.
@@ -40,6 +54,9 @@ class RegistryStore {
   static std::shared_ptr<RegistryKey> Create(std::shared_ptr<RegistryKey> key, std::u16string_view path);
 
  private:
+  [[nodiscard]] std::shared_ptr<RegistryKey> NeedRoot(HKEY root) const;
+
+  MachineMutex& mutex_;
   std::shared_ptr<RegistryKey> currentUser_;
   std::shared_ptr<RegistryKey> localMachine_;
 };
