@@ -54,7 +54,10 @@ bool IsAnswerTo(std::string_view request) {
 
 // Said unasked, it means that the controller has started anew.
 void OnFirmware(std::string_view value) {
-  if (!IsAnswerTo("Ready")) ForgetHeldSwitches();
+  if (!IsAnswerTo("Ready")) {
+    ForgetHeldSwitches();
+    Firmware().bootloader.OnFirmwareSpeaks();
+  }
   StoreAndLog(kFirmwareVersion, TEXT("Pic version recv"), value);
 }
 void OnSerial(std::string_view value) {
@@ -143,7 +146,11 @@ void OnOwnReply(std::string_view request, Bytes reply) {
 
 void OnReply(Bytes reply) {
   const std::optional<PicRequest> request = TakeAnsweredRequest();
-  if (!request) return;
+  if (!request) {
+    if (!reply.empty() && Firmware().bootloader.IsEntryLate()) OnBootloaderEntered(reply);
+    return;
+  }
+  Firmware().bootloader.OnFirmwareSpeaks();
   if (!reply.empty() && request->replyTarget) SendCopiedData(request->replyTarget, kReplyTag, reply);
   if (!reply.empty() && !request->replyTarget) OnOwnReply(request->Text(), reply);
   TransmitNewHead();
@@ -159,13 +166,13 @@ void OnLogLine(Bytes line) {
 // next command itself.
 void OnBootloaderData(Bytes data) {
   constexpr size_t kAddressedLength = 4;  // behind the type: one byte and a 24-bit address
-  if (data.size() < kAddressedLength || !TakeAnsweredRequest()) return;
+  if (data.size() < kAddressedLength) return;
   const uint32_t wordAddress = data[1] + (uint32_t{data[2]} << 8) + (uint32_t{data[3]} << 16);
   Firmware().bootloader.OnResponse(2 * wordAddress, data.subspan(kAddressedLength));
 }
 
 void OnBootloaderAcknowledge(Bytes) {
-  if (TakeAnsweredRequest()) Firmware().bootloader.OnResponse(0, {});
+  Firmware().bootloader.OnResponse(0, {});
 }
 
 void OnTextMessage(Bytes content) {

@@ -1,6 +1,8 @@
 #include "firmware/bootloader.h"
 
-#include <algorithm>
+#include <new>
+#include <stdexcept>
+#include <utility>
 
 #include "base/called_by_windows.h"
 #include "firmware/firmware_state.h"
@@ -17,58 +19,119 @@ bool IsOfBootloader(const PicRequest& request) {
          request.Text() == "GotoBootloader";
 }
 
-// What an earlier update left unanswered would keep everything behind it from being sent.
-void DropUnanswered() {
-  DropRequests(IsOfBootloader);
-  TransmitNewHead();
-}
-
-void CALLBACK OnStepTimer(HWND, UINT message, UINT_PTR, DWORD) {
-  CalledByWindows(TEXT("step timer"), message, 0, [] {
-    Firmware().bootloader.OnTimeout();
+void CALLBACK OnStepTimer(HWND, UINT message, UINT_PTR id, DWORD) {
+  CalledByWindows(TEXT("step timer"), message, 0, [id] {
+    Firmware().bootloader.OnTimeout(id);
     return 0;
   });
 }
 
-// A request of somebody else at the head is never answered by a bootloader.
-void LogWhatIsInTheWay() {
-  const PicRequest* head = HeadRequest();
-  if (!head || IsOfBootloader(*head)) return;
-  Log().WriteError(kFirmwareLogTag, TEXT("behind the unanswered request ") + Widen(head->Text()));
+void LogTakenAway(const PicRequest& request) {
+  Log().WriteError(kFirmwareLogTag, TEXT("unanswered, taken away: ") + Widen(request.Text()));
 }
 
 }  // namespace
 
 std::optional<uint32_t> Bootloader::Start(const WideText& path) {
-  const BootEffects effects = sequence.Start(ReadHexFile(path));
-  if (effects.empty()) return std::nullopt;
-  DropUnanswered();
+  BootEffects effects;
+  try {
+    effects = sequence.Start(ReadHexFile(path));
+    if (effects.empty()) return std::nullopt;
+    if (const std::optional<PicRequest> lost = TakeUnansweredHead(stepTimeout)) LogTakenAway(*lost);
+  } catch (const std::bad_alloc&) {
+    return std::nullopt;
+  }
   const uint32_t stepCount = sequence.StepCount();
-  CarryOut(effects);
+  Take([&] { return effects; });
   return stepCount;
 }
 
 void Bootloader::OnEnterBootloader() {
-  CarryOut(sequence.OnEnterBootloader());
+  Take([&] { return sequence.OnEnterBootloader(); });
 }
+
+bool Bootloader::IsEntryLate() const {
+  return lateAnswerDue && sequence.state == BootState::kWaitBootloader;
+}
+
 void Bootloader::OnResponse(uint32_t address, Bytes data) {
-  CarryOut(sequence.OnResponse(address, data));
+  if (IsAnswerAwaited()) Take([&] { return sequence.OnResponse(address, data); });
 }
-void Bootloader::OnTimeout() {
-  CarryOut(sequence.OnTimeout());
+
+void Bootloader::OnTimeout(UINT_PTR id) {
+  if (id != timer) {  // of an earlier step
+    KillTimer(nullptr, id);
+    return;
+  }
+  Take([&] { return IsBehindAnother() ? GiveUpTheOther() : GiveUp(); });
+}
+
+// Until the bootloader is there, what answers is still busy with an earlier update: "GotoBootloader" keeps
+// its place. The request of a step that timed out has left the queue already.
+bool Bootloader::IsAnswerAwaited() {
+  if (sequence.state == BootState::kWaitBootloader) return IsRunning();
+  return std::exchange(lateAnswerDue, false) || TakeAnsweredRequest();
+}
+
+// "GotoBootloader" waits behind a request that was on its way when the update started.
+bool Bootloader::IsBehindAnother() const {
+  const PicQueue& queue = Link().picQueue;
+  return queue.size() > 1 && IsOfBootloader(queue.back());
+}
+
+// It has had its time by now.
+BootEffects Bootloader::GiveUpTheOther() {
+  if (const std::optional<PicRequest> other = TakeUnansweredHead(0)) LogTakenAway(*other);
+  TransmitNewHead();
+  return {ArmStepTimer{}};
+}
+
+BootEffects Bootloader::GiveUp() {
+  const PicRequest* head = HeadRequest();
+  lateAnswerDue = head && head->transmitted && IsOfBootloader(*head);
+  return sequence.OnTimeout();
+}
+
+// Whatever goes wrong inside, the person gets to see an end.
+template <class Step>
+void Bootloader::Take(Step step) {
+  try {
+    CarryOut(step());
+  } catch (const StateEnded&) {
+    throw;
+  } catch (...) {
+    Abandon();
+  }
+}
+
+void Bootloader::Abandon() {
+  Do(CancelStepTimer{});
+  Do(PostProgress{BootProgress::kTimeout, static_cast<int32_t>(sequence.state)});
+  FollowTimer();
 }
 
 void Bootloader::CarryOut(const BootEffects& effects) {
   for (const BootEffect& effect : effects) std::visit([this](const auto& what) { Do(what); }, effect);
-  guard.Set(IsRunning());
+  FollowTimer();
+}
+
+// An update runs while its step timer does.
+void Bootloader::FollowTimer() {
+  if (!guard.Set(IsRunning())) return;
+  if (IsRunning()) {
+    ReserveQueue(sequence.state == BootState::kWaitBootloader);
+  } else {
+    DropRequests(IsOfBootloader);
+    ReleaseQueue();
+  }
 }
 
 void Bootloader::Do(const SendRequest& request) {
-  EnqueueRequest(nullptr, request.content, request.type);
+  lateAnswerDue = false;
+  EnqueueForUpdate(request.content, request.type);
 }
 
-// The link transmits only a new head by itself. One that waits behind a request of somebody else has not gone
-// out.
+// The link transmits only a new head by itself.
 void Bootloader::Do(const RepeatRequest&) {
   const PicRequest* head = HeadRequest();
   if (head && head->transmitted) TransmitHead();
@@ -77,7 +140,8 @@ void Bootloader::Do(const RepeatRequest&) {
 void Bootloader::Do(const ArmStepTimer&) {
   Do(CancelStepTimer{});
   timer = SetTimer(nullptr, 0, stepTimeout, OnStepTimer);
-  guard.Set(IsRunning());
+  if (!timer) throw std::runtime_error("no timer");
+  FollowTimer();
 }
 
 void Bootloader::Do(const CancelStepTimer&) {
@@ -92,7 +156,6 @@ void Bootloader::Do(const PostProgress& progress) {
 
 void Bootloader::Do(const LogFailure& log) {
   Log().WriteError(kFirmwareLogTag, Widen(Describe(log.failure)));
-  LogWhatIsInTheWay();
 }
 
 }  // namespace veltra

@@ -21,13 +21,14 @@ void LetSessionGo() {
 
 }  // namespace
 
-void UpdateGuard::Set(bool on) {
-  if (on == on_) return;
+bool UpdateGuard::Set(bool on) {
+  if (on == on_) return false;
   on_ = on;
   if (on)
     HoldSession();
   else
     LetSessionGo();
+  return true;
 }
 
 }  // namespace veltra

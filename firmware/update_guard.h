@@ -6,7 +6,8 @@ namespace veltra {
 class UpdateGuard {
  public:
   // While on, Windows does not fall asleep by itself, and who ends the session reads why it has to wait.
-  void Set(bool on);
+  // Returns whether that has changed.
+  bool Set(bool on);
 
  private:
   bool on_ = false;

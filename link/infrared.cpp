@@ -16,7 +16,7 @@ void ForwardInfraredRequest(HWND asker, Bytes request) {
 
 void ForwardInfraredCancel(HWND asker, Bytes request) {
   Trace(TEXT("Veltratool received IR cancel request"));
-  ClearPicQueue();
+  CancelRequests();
   EnqueueRequest(asker, request, MessageType::kText);
   Trace(TEXT("Veltratool forwarded IR request to PIC"));
 }

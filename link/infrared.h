@@ -8,7 +8,7 @@
 namespace veltra {
 
 // Queues another program's request; its reply goes back to `asker` as copied data. A cancel drops every
-// queued request first, the tool's own included.
+// queued request first, the tool's own included, but for those of a firmware update.
 void ForwardInfraredRequest(HWND asker, Bytes request);
 void ForwardInfraredCancel(HWND asker, Bytes request);
 

@@ -22,6 +22,7 @@ struct PicRequest {
   HWND replyTarget = nullptr;  // the window that asked; null: the tool itself
   std::vector<uint8_t> bytes;  // type first, then the content
   bool transmitted = false;    // at least once
+  DWORD transmittedAt = 0;     // the last time, as GetTickCount tells it
 
   [[nodiscard]] std::string_view Text() const { return TextOf(bytes).substr(1); }
 };
@@ -41,7 +42,9 @@ struct LinkState {
   void (*whenLineIsGone)() = nullptr;                      // lets go of what the switches hold down
   LinkReceiver receiver;
   PicQueue picQueue;
-  std::vector<uint8_t> irCode;  // the last infrared recording
+  bool queueIsReserved = false;  // a firmware update has it to itself
+  PicQueue waitingAside;         // what others asked meanwhile
+  std::vector<uint8_t> irCode;   // the last infrared recording
   DeviceIdentity identity;
 };
 

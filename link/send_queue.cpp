@@ -1,5 +1,9 @@
 #include "link/send_queue.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 #include "link/frame.h"
 #include "link/link_state.h"
 #include "system/system_state.h"
@@ -8,6 +12,27 @@ namespace veltra {
 namespace {
 
 constexpr DWORD kFirstBytePauseMs = 5;  // between the first byte of a frame and the rest
+
+PicRequest RequestOf(HWND replyTarget, Bytes content, MessageType type) {
+  PicRequest request;
+  request.replyTarget = replyTarget;
+  request.bytes.reserve(content.size() + 1);
+  request.bytes.push_back(static_cast<uint8_t>(type));
+  request.bytes.insert(request.bytes.end(), content.begin(), content.end());
+  return request;
+}
+
+void Append(PicRequest request) {
+  Link().picQueue.push_back(std::move(request));
+  if (Link().picQueue.size() == 1) TransmitHead();
+}
+
+// Moves the requests from the n-th on to the end of the other queue.
+void MoveFrom(PicQueue& queue, size_t n, PicQueue& other) {
+  const auto first = queue.begin() + static_cast<ptrdiff_t>(n);
+  std::move(first, queue.end(), std::back_inserter(other));
+  queue.erase(first, queue.end());
+}
 
 }  // namespace
 
@@ -21,18 +46,17 @@ void SendFrame(Bytes message) {
 }
 
 void EnqueueRequest(HWND replyTarget, Bytes content, MessageType type) {
-  if (!Link().picPort) return;
-  if (Link().picQueue.size() >= kMostRequests) {
+  LinkState& link = Link();
+  if (!link.picPort) return;
+  if (link.picQueue.size() + link.waitingAside.size() >= kMostRequests) {
     Log().WriteError(TEXT("Send queue"), TEXT("full, refused: ") + Widen(TextOf(content)));
     return;
   }
-  PicRequest request;
-  request.replyTarget = replyTarget;
-  request.bytes.reserve(content.size() + 1);
-  request.bytes.push_back(static_cast<uint8_t>(type));
-  request.bytes.insert(request.bytes.end(), content.begin(), content.end());
-  Link().picQueue.push_back(std::move(request));
-  if (Link().picQueue.size() == 1) TransmitHead();
+  PicRequest request = RequestOf(replyTarget, content, type);
+  if (link.queueIsReserved)
+    link.waitingAside.push_back(std::move(request));
+  else
+    Append(std::move(request));
 }
 
 void SendText(std::string_view text) {
@@ -43,6 +67,7 @@ void TransmitHead() {
   PicQueue& queue = Link().picQueue;
   if (queue.empty() || queue.front().bytes.size() > kLongestRequest) return;
   queue.front().transmitted = true;
+  queue.front().transmittedAt = GetTickCount();
   SendFrame(queue.front().bytes);
 }
 
@@ -59,6 +84,12 @@ std::optional<PicRequest> TakeAnsweredRequest() {
   return request;
 }
 
+std::optional<PicRequest> TakeUnansweredHead(DWORD milliseconds) {
+  const PicRequest* head = HeadRequest();
+  if (!head || GetTickCount() - head->transmittedAt < milliseconds) return std::nullopt;
+  return TakeAnsweredRequest();
+}
+
 const PicRequest* HeadRequest() {
   const PicQueue& queue = Link().picQueue;
   return queue.empty() ? nullptr : &queue.front();
@@ -70,6 +101,32 @@ void DropRequests(bool (*isOfKind)(const PicRequest& request)) {
 
 void ClearPicQueue() {
   Link().picQueue.clear();
+}
+
+void CancelRequests() {
+  if (Link().queueIsReserved)
+    Link().waitingAside.clear();
+  else
+    ClearPicQueue();
+}
+
+void ReserveQueue(bool isAnswerToCome) {
+  LinkState& link = Link();
+  link.queueIsReserved = true;
+  const bool isHeadAwaited = isAnswerToCome && !link.picQueue.empty() && link.picQueue.front().transmitted;
+  MoveFrom(link.picQueue, isHeadAwaited ? 1 : 0, link.waitingAside);
+  for (PicRequest& request : link.waitingAside) request.transmitted = false;
+}
+
+void EnqueueForUpdate(Bytes content, MessageType type) {
+  if (Link().picPort) Append(RequestOf(nullptr, content, type));
+}
+
+void ReleaseQueue() {
+  LinkState& link = Link();
+  link.queueIsReserved = false;
+  MoveFrom(link.waitingAside, 0, link.picQueue);
+  TransmitNewHead();
 }
 
 }  // namespace veltra

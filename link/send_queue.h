@@ -21,8 +21,8 @@ constexpr size_t kMostRequests = 1000;
 // port is closed.
 void SendFrame(Bytes message);
 
-// Appends a request and transmits it when it is the only one. Nothing at all when the port is closed.
-// Refused with an error line when the queue is full.
+// Appends a request and transmits it when it is the only one; while the queue is reserved it waits aside.
+// Nothing at all when the port is closed. Refused with an error line when the queue is full.
 void EnqueueRequest(HWND replyTarget, Bytes content, MessageType type);
 
 // EnqueueRequest of the tool's own text.
@@ -42,10 +42,27 @@ std::optional<PicRequest> TakeAnsweredRequest();
 // Null when the queue is empty.
 const PicRequest* HeadRequest();
 
+// Takes a head away that was transmitted so long ago, or longer, and has not been answered. Transmits
+// nothing.
+std::optional<PicRequest> TakeUnansweredHead(DWORD milliseconds);
+
 // Drops the requests of one kind.
 void DropRequests(bool (*isOfKind)(const PicRequest& request));
 
-// Drops every request without transmitting anything.
+// Drops every request without transmitting anything. What waits aside stays.
 void ClearPicQueue();
+
+// The same for who cancels what waits. What a firmware update has asked stays.
+void CancelRequests();
+
+// ---- a firmware update has the queue to itself
+
+// What others ask waits aside from here on, as does what has not been transmitted yet; and what has, when
+// nobody will answer it.
+void ReserveQueue(bool isAnswerToCome);
+// EnqueueRequest of the update.
+void EnqueueForUpdate(Bytes content, MessageType type);
+// What waits aside follows, in order.
+void ReleaseQueue();
 
 }  // namespace veltra

@@ -32,6 +32,11 @@ void ShowRunning(HWND dialog) {
   EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
 }
 
+void ShowOnTop(HWND dialog) {
+  ShowWindow(dialog, SW_SHOW);
+  SetWindowPos(dialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+}
+
 void ShowEnd(HWND dialog, const WideText& text) {
   const HWND ok = GetDlgItem(dialog, IDOK);
   EnableWindow(ok, TRUE);
@@ -39,13 +44,9 @@ void ShowEnd(HWND dialog, const WideText& text) {
   SetDlgItemTextW(dialog, IDC_FIRMWARE_TEXT, text.c_str());
 }
 
-void ShowOnTop(HWND dialog) {
-  ShowWindow(dialog, SW_SHOW);
-  SetWindowPos(dialog, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-}
-
 void OnProgress(HWND dialog, WPARAM progress, LPARAM lParam) {
   const auto detail = static_cast<int32_t>(lParam);
+  if (!IsWindowVisible(dialog)) ShowOnTop(dialog);  // the answer came after OK
   switch (static_cast<BootProgress>(progress)) {
     case BootProgress::kFinished:
       return ShowEnd(dialog, kSuccessText);

@@ -195,6 +195,7 @@ using LPSYSTEMTIME = SYSTEMTIME*;
 using EXECUTION_STATE = DWORD;
 
 void WINAPI GetLocalTime(LPSYSTEMTIME time);
+DWORD WINAPI GetTickCount();
 EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags);
 
 // ---- modules and resources ----------------------------------------------------------------------------------

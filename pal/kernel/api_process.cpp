@@ -44,6 +44,11 @@ void WINAPI GetLocalTime(LPSYSTEMTIME time) {
   *time = FromHost(ToHost(call->clock.localTimeAtStart) + passed);
 }
 
+DWORD WINAPI GetTickCount() {
+  const Call call;
+  return TickCount(call->scheduler.Now());
+}
+
 EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags) {
   const Call call("SetThreadExecutionState");
   if (call.Fails()) return 0;

@@ -1,10 +1,31 @@
 // Firmware updates of the whole tool against the simulated controller: what the person reads, and what the
 // flash holds.
 #include <algorithm>
+#include <cstdlib>
+#include <new>
 
+#include "firmware/flash_image.h"
 #include "pal/machine/person.h"
 #include "simulator/firmware_file.h"
 #include "tests/tool_test.h"
+
+namespace {
+size_t refusedSize = 0;  // the next piece of memory of exactly this size is refused
+}
+
+void* operator new(size_t size) {
+  const bool isRefused = size == refusedSize;
+  if (isRefused) refusedSize = 0;
+  void* memory = isRefused ? nullptr : std::malloc(size);
+  if (!memory) throw std::bad_alloc();
+  return memory;
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, size_t) noexcept {
+  std::free(memory);
+}
 
 namespace veltra {
 namespace {
@@ -209,14 +230,18 @@ TEST_F(FirmwareUpdate, AFileThatCannotBeUsedStartsNothing) {
   EXPECT_EQ(AwaitEnd(), kNotStarted);
   tablet.Advance(10s);
   EXPECT_EQ(fromTool, Texts());
+}
 
-  // After an update that failed, the request of another program still waits: nothing sends it.
-  pic.ArmAtStep(2, Fault::kMute);
-  EXPECT_EQ(Update(Rows({0x1800})), Failed(u"time-out 2"));
-  tablet.SendData(nullptr, 0, ToBytes("IRSend"));
-  Begin("no HEX file\r\n");
+// The memory for the images, and for a row that is sent.
+TEST_F(FirmwareUpdate, MemoryThatIsRefusedLeavesTheDialogWithAnEnd) {
+  const FirmwareBytes bytes = Rows({0x1800});
+  refusedSize = Flash::kSize / Flash::kRowSize * sizeof(FlashRow);
+  Begin(HexText(bytes));
   EXPECT_EQ(AwaitEnd(), kNotStarted);
-  EXPECT_EQ(fromTool, Texts());
+  refusedSize = 1 + 4 + Flash::kRowSize;
+  EXPECT_EQ(Update(bytes), Failed(u"time-out 3"));
+  EXPECT_EQ(refusedSize, 0U);
+  ExpectUpdate(bytes);
 }
 
 // ---- the dialog
