@@ -12,6 +12,10 @@ add_library(veltra_cores STATIC
   link/frame.cpp
 )
 
+if(WIN32)
+  target_sources(veltra_cores PRIVATE base/stack_guard.cpp)
+endif()
+
 function(veltra_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;BELOW" ${ARGN})
   add_library(veltra_${name} STATIC ${ROOM_SOURCES})
@@ -137,3 +141,6 @@ endif()
 # For the people who make firmware.
 add_executable(hexinfo tools/hexinfo.cpp)
 target_link_libraries(hexinfo PRIVATE veltra_cores)
+if(WIN32)
+  target_link_options(hexinfo PRIVATE -s)
+endif()
