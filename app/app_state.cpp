@@ -15,6 +15,7 @@ void PutInUse(Records*... records) {
 
 AppState::AppState() {
   link.whenLineIsGone = ForgetHeldSwitches;
+  power.isUpdateRunning = [] { return Firmware().bootloader.IsRunning(); };
 }
 
 AppState& GetAppState() {

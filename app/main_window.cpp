@@ -69,7 +69,16 @@ Result OnTaskbarCreated(const WindowMessage& m) {
   return 0;
 }
 
+// A controller without its firmware is not left alone; says so when one is.
+bool MustStay() {
+  if (!Firmware().bootloader.IsRunning()) return false;
+  ShowMessageBox(BoxKind::kUpdateRuns, Firmware().hFirmwareDlg, LoadResString(IDS_FIRMWARE_UPDATE_RUNS),
+                 GetDeviceModelName(), MB_OK);
+  return true;
+}
+
 Result OnClose(const WindowMessage& m) {
+  if (HasAppState() && MustStay()) return 0;
   RemoveTrayIcons(m.window);
   DestroyWindow(m.window);
   return 0;
@@ -80,8 +89,7 @@ Result OnDestroy(const WindowMessage&) {
   return 0;
 }
 
-// A controller without its firmware should not be left alone; the reason that is shown meanwhile was given
-// before.
+// The reason that is shown meanwhile was given before.
 Result OnQueryEndSession(const WindowMessage&) {
   if (Firmware().bootloader.IsRunning()) return FALSE;
   return {};
@@ -145,6 +153,7 @@ Result OnToolIcon(const WindowMessage& m) {
 // ---- menu commands ----------------------------------------------------------------------------------------
 
 void ConfirmClose(HWND window) {
+  if (MustStay()) return;
   const WideText question = LoadResString(IDS_CONFIRM_CLOSE);
   if (ShowMessageBox(BoxKind::kConfirmClose, window, question, GetDeviceModelName(), MB_YESNO) == IDYES)
     SendMessageW(window, WM_CLOSE, 0, 0);

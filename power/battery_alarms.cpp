@@ -38,8 +38,11 @@ void WarnLow() {
 void WarnAndPowerOff() {
   PlayResourceSound(IDW_CRITICAL_ALARM, false);
   ShowTrayBalloon(LoadResString(IDS_CRITICAL_BALLOON));
+  if (Power().isUpdateRunning()) return;  // the next check looks again
   Sleep(kCriticalWarningMs);
-  if (PowerOffSystem()) SendMessageW(MainWindow(), WM_CLOSE, 0, 0);
+  if (PowerOffSystem(EWX_POWEROFF | EWX_FORCE, SHTDN_REASON_MAJOR_POWER | SHTDN_REASON_MINOR_POWER_SUPPLY,
+                     Power().battery.Describe()))
+    SendMessageW(MainWindow(), WM_CLOSE, 0, 0);
 }
 
 }  // namespace

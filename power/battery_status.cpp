@@ -28,6 +28,14 @@ PowerSource BatteryStatus::GetPowerSource() {
   return powerSource;
 }
 
+bool BatteryStatus::IsCritical() {
+  return GetPowerSource() == PowerSource::kBattery && capacity <= BattCritPercentage;
+}
+
+WideText BatteryStatus::Describe() const {
+  return FormatText(TEXT("battery at %d %%, critical at %d %%"), capacity, BattCritPercentage);
+}
+
 void BatteryStatus::SetDetail(int index, Bytes reply) {
   constexpr size_t kLongestDetail = 255;
   const std::string_view text = TextOf(reply.first(std::min(reply.size(), kLongestDetail)));

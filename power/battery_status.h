@@ -37,6 +37,10 @@ struct BatteryStatus {
   void SetCapacity(int32_t percent);
   // Works out, stores and returns the power source.
   PowerSource GetPowerSource();
+  // On battery, at or below the critical level; whether or not that alarm is enabled.
+  bool IsCritical();
+  // "battery at 5 %, critical at 5 %"
+  [[nodiscard]] WideText Describe() const;
   // Keeps the first 255 bytes of the reply, up to its first zero byte.
   void SetDetail(int index, Bytes reply);
   // Empty when the controller has not answered.

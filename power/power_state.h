@@ -12,6 +12,7 @@ namespace veltra {
 struct PowerState {
   BatteryStatus battery;
   int32_t lowAlarmLevel = kAlarmArmed;  // capacity of the last low-battery alarm
+  bool (*isUpdateRunning)() = nullptr;  // the controller is without its firmware: no power-off now
 
   bool EnableFlightMode = false;
   bool EnableWLAN = true;

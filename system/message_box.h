@@ -7,7 +7,7 @@
 
 namespace veltra {
 
-enum class BoxKind { kConfirmClose, kBatteryDetails, kEndpointUnreached, kEndpointNotSet };
+enum class BoxKind { kConfirmClose, kUpdateRuns, kBatteryDetails, kEndpointUnreached, kEndpointNotSet };
 
 // Shows the box and waits for the person; the button, as MessageBoxW gives it. 0 at once when a box of that
 // kind stands already: however often it is asked for, one stands.

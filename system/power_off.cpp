@@ -1,8 +1,12 @@
 #include "system/power_off.h"
 
 #include "base/handles.h"
+#include "system/system_state.h"
 
 namespace veltra {
+namespace {
+
+constexpr const WCHAR* kTag = TEXT("Power off");
 
 // Windows reports success also when it adjusted nothing; only the last error tells.
 bool EnableShutdownPrivilege() {
@@ -17,9 +21,13 @@ bool EnableShutdownPrivilege() {
   return GetLastError() == ERROR_SUCCESS;
 }
 
-bool PowerOffSystem() {
-  return EnableShutdownPrivilege() &&
-         ExitWindowsEx(EWX_POWEROFF | EWX_FORCE, SHTDN_REASON_MAJOR_POWER | SHTDN_REASON_MINOR_POWER_SUPPLY);
+}  // namespace
+
+bool PowerOffSystem(UINT flags, DWORD reason, const WideText& why) {
+  Log().Write(kTag, why);
+  if (EnableShutdownPrivilege() && ExitWindowsEx(flags, reason)) return true;
+  Log().WriteError(kTag, FormatText(TEXT("refused by Windows, error %u"), GetLastError()));
+  return false;
 }
 
 }  // namespace veltra

@@ -3,12 +3,12 @@
 
 #include <windows.h>
 
+#include "base/text.h"
+
 namespace veltra {
 
-// Gives the process the right to shut Windows down; false when it cannot have it.
-bool EnableShutdownPrivilege();
-
-// Powers the tablet off without asking other programs; true when Windows accepted that.
-bool PowerOffSystem();
+// Tells Windows to power off; true when it accepts that. `flags` and `reason` are those of ExitWindowsEx,
+// `why` stands in the log, and behind it an error line when Windows refuses.
+bool PowerOffSystem(UINT flags, DWORD reason, const WideText& why);
 
 }  // namespace veltra

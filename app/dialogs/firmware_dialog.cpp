@@ -63,8 +63,8 @@ void OnProgress(HWND dialog, WPARAM progress, LPARAM lParam) {
 void OnCommand(HWND dialog, WPARAM wParam, LPARAM) {
   if (LOWORD(wParam) != IDOK) return;
   ShowWindow(dialog, SW_HIDE);
-  if (!EnableShutdownPrivilege()) return;
-  ExitWindowsEx(EWX_SHUTDOWN | EWX_POWEROFF | EWX_FORCEIFHUNG, SHTDN_REASON_FLAG_PLANNED);
+  PowerOffSystem(EWX_SHUTDOWN | EWX_POWEROFF | EWX_FORCEIFHUNG, SHTDN_REASON_FLAG_PLANNED,
+                 TEXT("OK in the Firmware dialog"));
 }
 
 constexpr DialogRow kDialogRows[] = {
@@ -106,6 +106,10 @@ void StartFirmwareUpdate(const WideText& path) {
   const HWND dialog = Firmware().hFirmwareDlg;
   if (!dialog) return Log().WriteError(kFirmwareLogTag, TEXT("refused, its dialog is not there: ") + path);
   ShowOnTop(dialog);
+  if (Power().battery.IsCritical()) {
+    Log().WriteError(kFirmwareLogTag, TEXT("refused, ") + Power().battery.Describe() + TEXT(": ") + path);
+    return ShowEnd(dialog, kNoStartText);
+  }
   ShowRunning(dialog);
   ForgetHeldSwitches();  // the bootloader tells of no release
   const std::optional<uint32_t> stepCount = Firmware().bootloader.Start(path);
