@@ -248,6 +248,11 @@ Result OnPicLineLostMessage(const WindowMessage&) {
   return 0;
 }
 
+Result OnPicLineOpenedMessage(const WindowMessage& m) {
+  OnPicLineOpened(m.wParam);
+  return 0;
+}
+
 Result OnQueryPicFirmware(const WindowMessage&) {
   constexpr int kOldestWanted = 95;
   return std::atoi(Link().identity.firmwareVersionText.c_str()) >= kOldestWanted ? 1 : 0;
@@ -330,6 +335,7 @@ constexpr MessageRow kMessageRows[] = {
     {kToolIconMessage, true, OnToolIcon},
     {WM_PIC_BYTE, true, OnPicByteMessage},
     {WM_PIC_LINE_LOST, true, OnPicLineLostMessage},
+    {WM_PIC_LINE_OPENED, true, OnPicLineOpenedMessage},
     {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
     {kDeviceToolRequest, true, OnDeviceToolRequest},
     {kDeviceReportRequest, true, OnDeviceReportRequest},

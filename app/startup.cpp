@@ -76,7 +76,7 @@ void PowerUsbOn() {
 
 void Resume() {
   Log().WriteDetail(TEXT("Resume"), TEXT("Device resuming from suspend"));
-  ReopenLostLine();
+  ReopenClosedLine();
   SendText("Ready");
   SwitchDisplayOn();
   PowerUsbOn();

@@ -23,6 +23,7 @@ struct PicRequest {
   std::vector<uint8_t> bytes;  // type first, then the content
   bool transmitted = false;    // at least once
   DWORD transmittedAt = 0;     // the last time, as GetTickCount tells it
+  bool wentAstray = false;     // the port was closed then, or has been since
 
   [[nodiscard]] std::string_view Text() const { return TextOf(bytes).substr(1); }
 };
@@ -39,6 +40,8 @@ struct LinkReceiver {
 struct LinkState {
   int32_t PicPortNumber = 2;
   std::shared_ptr<VeltraFramework::CSerialInput> picPort;  // null while the port is closed
+  uint32_t openings = 0;                                   // of the port so far
+  bool retryIsDue = false;                                 // the port will be tried once more
   void (*whenLineIsGone)() = nullptr;                      // lets go of what the switches hold down
   LinkReceiver receiver;
   PicQueue picQueue;

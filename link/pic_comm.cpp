@@ -3,8 +3,11 @@
 #include "link/link_state.h"
 #include "link/send_queue.h"
 #include "link/serial_input.h"
+#include "resources/resource_ids.h"
+#include "system/language.h"
 #include "system/numbers.h"
 #include "system/system_state.h"
+#include "system/tray_icons.h"
 
 namespace veltra {
 namespace {
@@ -16,10 +19,17 @@ bool IsLineLost() {
 }
 
 void StartPortRetryTimer() {
+  Link().retryIsDue = true;
   SetTimer(MainWindow(), PORT_RETRY_TIMER, kPortRetryMs, nullptr);
 }
 void StopPortRetryTimer() {
+  Link().retryIsDue = false;
   KillTimer(MainWindow(), PORT_RETRY_TIMER);
+}
+
+void TellThatItIsClosed(const WCHAR* why) {
+  Log().Write(TEXT("StartPicComm"), why);
+  if (!Link().retryIsDue) SetToolWarning(LoadResString(IDS_SWITCHES_DEAD));
 }
 
 }  // namespace
@@ -28,11 +38,14 @@ bool StartPicComm() {
   StopPicComm();
   auto port = std::make_shared<VeltraFramework::CSerialInput>(Link().PicPortNumber, WideText());
   if (!port->IsOpen()) {
-    Log().Write(TEXT("StartPicComm"), TEXT("failed to open port"));
+    TellThatItIsClosed(TEXT("failed to open port"));
     return false;
   }
+  port->StartMon(MainWindow(), nullptr);
   Link().picPort = std::move(port);
-  Link().picPort->StartMon(MainWindow(), nullptr);
+  ++Link().openings;
+  if (!PostMessageW(MainWindow(), WM_PIC_LINE_OPENED, Link().openings, 0)) RepeatAstrayHead();
+  SetToolWarning({});
   return true;
 }
 
@@ -40,7 +53,7 @@ void StopPicComm() {
   const auto port = std::move(Link().picPort);
   Link().picPort = nullptr;
   Link().whenLineIsGone();
-  ClearPicQueue();
+  NoteLostAnswer();
   if (!port) return;
   port->StopMon();
   port->Close();
@@ -73,10 +86,13 @@ void OnPicLineLost() {
   StartPortRetryTimer();
 }
 
-void ReopenLostLine() {
-  if (!IsLineLost()) return;
-  StopPortRetryTimer();
-  StartPicComm();
+void OnPicLineOpened(WPARAM opening) {
+  if (opening == Link().openings) RepeatAstrayHead();
+}
+
+void ReopenClosedLine() {
+  if (IsPicPortOpen() && !IsLineLost()) return;
+  if (StartPicComm()) StopPortRetryTimer();
 }
 
 void OnPortRetryTimer() {

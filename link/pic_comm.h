@@ -9,11 +9,12 @@ namespace veltra {
 
 constexpr UINT kPortRetryMs = 30000;
 
-// Opens COM<PicPortNumber> and starts its monitor. False, with a log line, when the port cannot be opened.
+// Opens COM<PicPortNumber> and starts its monitor. False, with a log line, when that fails; when no retry is
+// due either, the tool's icon tells the person that the switches do not work, until the port is open.
 bool StartPicComm();
 
-// Lets go of what the switches hold down, drops the requests that wait (their replies cannot come any more)
-// and closes the port.
+// Lets go of what the switches hold down and closes the port. Requests that wait are kept: when the port is
+// open again the first one is transmitted again, unless its answer was in the message queue already.
 void StopPicComm();
 
 [[nodiscard]] bool IsPicPortOpen();
@@ -26,8 +27,11 @@ void OnPicPortChange(const WideText& portName, bool arrived);
 // switches hold down and tries to open the port again after the retry time.
 void OnPicLineLost();
 
-// After standby: opens the port again at once when it was lost without notice.
-void ReopenLostLine();
+// Posted behind the bytes of earlier openings; `opening` counts them.
+void OnPicLineOpened(WPARAM opening);
+
+// After standby: opens the port at once when it is closed or was lost without notice.
+void ReopenClosedLine();
 
 // The retry timer fired.
 void OnPortRetryTimer();

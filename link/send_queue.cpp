@@ -68,12 +68,23 @@ void TransmitHead() {
   if (queue.empty() || queue.front().bytes.size() > kLongestRequest) return;
   queue.front().transmitted = true;
   queue.front().transmittedAt = GetTickCount();
+  queue.front().wentAstray = !Link().picPort;
   SendFrame(queue.front().bytes);
 }
 
 void TransmitNewHead() {
   const PicRequest* head = HeadRequest();
   if (head && !head->transmitted) TransmitHead();
+}
+
+void NoteLostAnswer() {
+  PicQueue& queue = Link().picQueue;
+  if (!queue.empty() && queue.front().transmitted) queue.front().wentAstray = true;
+}
+
+void RepeatAstrayHead() {
+  const PicRequest* head = HeadRequest();
+  if (head && head->wentAstray) TransmitHead();
 }
 
 std::optional<PicRequest> TakeAnsweredRequest() {

@@ -35,6 +35,11 @@ void TransmitHead();
 // Transmits the head when it is new; what was transmitted waits for its answer.
 void TransmitNewHead();
 
+// The port is being closed: an answer that has not come yet will not come any more.
+void NoteLostAnswer();
+// The port is open again: transmits the head again when its answer was lost so.
+void RepeatAstrayHead();
+
 // The request that an answer belongs to, taken out of the queue. A head that was never transmitted is not the
 // one that was answered, and stays.
 std::optional<PicRequest> TakeAnsweredRequest();

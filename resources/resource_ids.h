@@ -1,8 +1,9 @@
-// Ids of the program's resources, shared by the resource script and the code. Each type of resource counts for
-// itself: an icon, a sound and a text may carry the same number.
+// Ids of the program's resources, shared by the resource script and the code. Each type of resource counts
+// for itself: an icon, a sound and a text may carry the same number.
 #pragma once
 
-// Icons. The battery pictures of the notification area come in small sizes; the power meter shows its own, larger set.
+// Icons. The battery pictures of the notification area come in small sizes; the power meter shows its own,
+// larger set.
 #define IDI_PROGRAM 144
 #define IDI_BATTERY_HIGH 156
 #define IDI_BATTERY_MEDIUM 157
@@ -30,7 +31,8 @@
 #define IDM_POWER 132
 #define IDM_TOOL 133
 
-// Commands. The language items of the tool's menu count up from the first and take the place of the placeholder.
+// Commands. The language items of the tool's menu count up from the first and take the place of the
+// placeholder.
 #define IDC_OPEN_POWER_METER 127
 #define IDC_CLOSE 128
 #define IDC_BATTERY_INFO 40205
@@ -42,8 +44,8 @@
 // Dialogs. Two more go by names: KAVOOPTIONS and BATTERYBOX.
 #define IDD_FIRMWARE 171
 
-// Controls of the options dialog. The four rows of the side buttons: 0 top short, 1 bottom short, 2 top long, 3 bottom
-// long.
+// Controls of the options dialog. The four rows of the side buttons: 0 top short, 1 bottom short, 2 top long,
+// 3 bottom long.
 #define IDO_ROW_TYPE_0 1000
 #define IDO_ROW_TYPE_1 1001
 #define IDO_ROW_TYPE_2 1002
@@ -200,3 +202,4 @@
 #define IDS_CONFIRM_CLOSE 206
 #define IDS_FLIGHT_MODE_BALLOON 211
 #define IDS_FIRMWARE_UPDATE_RUNS 230
+#define IDS_SWITCHES_DEAD 231

@@ -125,6 +125,12 @@ void Controller::Hear(uint8_t byte) {
   if (const std::optional<WireEvent> event = reader_.Take(byte)) OnEvent(*event);
 }
 
+void Controller::LoseLine() {
+  reader_ = {};
+  unanswered_.clear();
+  askedAgain_ = false;
+}
+
 void Controller::OnEvent(const WireEvent& event) {
   if (onTraffic_)
     onTraffic_({host_.now(), Traffic::Direction::kFromTool, event.message, event.wire, event.fault});

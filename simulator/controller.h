@@ -120,6 +120,9 @@ class Controller {
   void CutPower();
   void RestorePower();
 
+  // The line went: half a frame is forgotten, and what is unanswered may be asked again.
+  void LoseLine();
+
   void Arm(Fault fault, int times = 1) { armed_[fault] += times; }
   // Armed when the firmware update gets there: step 1 is "GotoBootloader", step 2 the first erase command,
   // and so on.

@@ -95,6 +95,7 @@ std::optional<LRESULT> SimulatedTablet::SendUpdate(std::u16string_view path) {
 
 void SimulatedTablet::VanishPort() {
   port_.Vanish();
+  controller_.LoseLine();
 }
 void SimulatedTablet::ReturnPort() {
   port_.Return();

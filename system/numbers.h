@@ -31,6 +31,8 @@ constexpr uint32_t WM_PIC_BYTE = kFirstApplicationMessage + 0xCD;
 // Posted behind the last byte when the monitor thread ends by itself because the device is gone: lParam the
 // port's number.
 constexpr uint32_t WM_PIC_LINE_LOST = kFirstApplicationMessage + 0xCE;
+// Posted behind the bytes of earlier openings when the port was opened: wParam which opening.
+constexpr uint32_t WM_PIC_LINE_OPENED = kFirstApplicationMessage + 0xCF;
 // Posted to the Firmware dialog: wParam a BootProgress, lParam its detail.
 constexpr uint32_t WM_FIRMWARE_PROGRESS = kFirstApplicationMessage + 0xDE;
 constexpr uint32_t WM_QUERY_PIC_FIRMWARE = kFirstApplicationMessage + 0xDF;

@@ -29,20 +29,46 @@ NOTIFYICONDATAW IconRecord(HWND window, UINT id) {
   return record;
 }
 
-bool AddIcon(HWND window, UINT id, UINT message, int32_t iconId) {
+bool AddIcon(HWND window, UINT id, UINT message, int32_t iconId, const WideText& tooltip) {
   NOTIFYICONDATAW record = IconRecord(window, id);
   record.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
   record.uCallbackMessage = message;
   record.hIcon = LoadTrayIcon(iconId);
-  CopyText(record.szTip, GetDeviceModelName());
+  CopyText(record.szTip, tooltip);
   return Shell_NotifyIconW(NIM_ADD, &record) != FALSE;
 }
 
+void FillBalloon(NOTIFYICONDATAW& record, const WideText& text) {
+  record.uFlags |= NIF_INFO;
+  record.dwInfoFlags = NIIF_WARNING;
+  record.uTimeout = kBalloonMs;
+  CopyText(record.szInfo, text);
+  CopyText(record.szInfoTitle, GetDeviceModelName());
+}
+
+WideText ToolTooltip() {
+  const WideText& warning = System().tray.toolWarning;
+  return warning.empty() ? GetDeviceModelName() : warning;
+}
+
+// Its tooltip, and the balloon of a warning that nobody has seen yet.
+void UpdateToolIcon(HWND window) {
+  TrayState& tray = System().tray;
+  NOTIFYICONDATAW record = IconRecord(window, kToolIconId);
+  record.uFlags = NIF_TIP;
+  CopyText(record.szTip, ToolTooltip());
+  if (!tray.toolWarning.empty() && !tray.toolWarningTold) FillBalloon(record, tray.toolWarning);
+  tray.toolWarningTold = Shell_NotifyIconW(NIM_MODIFY, &record) != FALSE;
+}
+
 bool AddPowerIcon(HWND window) {
-  return AddIcon(window, kPowerIconId, kPowerIconMessage, IDI_BATTERY_HIGH);
+  return AddIcon(window, kPowerIconId, kPowerIconMessage, IDI_BATTERY_HIGH, GetDeviceModelName());
 }
 bool AddToolIcon(HWND window) {
-  return AddIcon(window, kToolIconId, kToolIconMessage, IDI_TOOL);
+  if (!AddIcon(window, kToolIconId, kToolIconMessage, IDI_TOOL, ToolTooltip())) return false;
+  const TrayState& tray = System().tray;
+  if (!tray.toolWarning.empty() && !tray.toolWarningTold) UpdateToolIcon(window);
+  return true;
 }
 
 void RemoveIcon(HWND window, UINT id) {
@@ -77,13 +103,7 @@ void RemoveTrayIcons(HWND window) {
 void UpdateTrayIcon(HWND window, const WideText& text, int32_t iconId, bool balloon) {
   TrayState& tray = System().tray;
   NOTIFYICONDATAW record = IconRecord(window, kPowerIconId);
-  if (balloon) {
-    record.uFlags = NIF_INFO;
-    record.dwInfoFlags = NIIF_WARNING;
-    record.uTimeout = kBalloonMs;
-    CopyText(record.szInfo, text);
-    CopyText(record.szInfoTitle, GetDeviceModelName());
-  }
+  if (balloon) FillBalloon(record, text);
   if (!balloon && text != tray.LastTooltip) {
     record.uFlags |= NIF_TIP;
     CopyText(record.szTip, text);
@@ -99,6 +119,14 @@ void UpdateTrayIcon(HWND window, const WideText& text, int32_t iconId, bool ball
 
 void ShowTrayBalloon(const WideText& text) {
   UpdateTrayIcon(MainWindow(), text, TrayState::kNoIcon, true);
+}
+
+void SetToolWarning(const WideText& text) {
+  TrayState& tray = System().tray;
+  if (text == tray.toolWarning) return;
+  tray.toolWarning = text;
+  tray.toolWarningTold = false;
+  UpdateToolIcon(MainWindow());
 }
 
 HICON LoadTrayIcon(int32_t iconId) {

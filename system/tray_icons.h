@@ -18,6 +18,8 @@ struct TrayState {
 
   WideText LastTooltip;  // of icon A
   int32_t LastIconId = kNoIcon;
+  WideText toolWarning;  // the tooltip of icon B, in the place of the model's name; empty: none
+  bool toolWarningTold = false;
   bool powerIconStands = false;
   bool toolIconStands = false;
   std::map<int32_t, UniqueIcon> icons;  // pictures by resource id
@@ -36,6 +38,9 @@ void RemoveTrayIcons(HWND window);
 void UpdateTrayIcon(HWND window, const WideText& text, int32_t iconId, bool balloon);
 // A warning at icon A: at most 255 characters, for 10 seconds.
 void ShowTrayBalloon(const WideText& text);
+// A warning that lasts: icon B tells it once in a balloon and in its tooltip until it is empty. At most 127
+// characters.
+void SetToolWarning(const WideText& text);
 
 // An icon of the program's resources at the size of the notification area; loaded once. Null when it is
 // missing.

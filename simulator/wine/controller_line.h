@@ -18,7 +18,10 @@ class ControllerLine {
   Controller& Pic() { return controller_; }
   [[nodiscard]] Duration Now() const;
   // The line goes, and another one comes.
-  void Unplug() { terminal_.reset(); }
+  void Unplug() {
+    terminal_.reset();
+    controller_.LoseLine();
+  }
   void Plug() { terminal_.emplace(link_); }
   // The tool has the port open.
   [[nodiscard]] bool IsOpen() const;

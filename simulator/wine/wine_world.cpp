@@ -297,9 +297,11 @@ std::optional<int64_t> WineWorld::PlugPort(bool plugged) {
   return answer;
 }
 
-// Here a wait for comm events outlives the line: the tool cannot know.
-Problem WineWorld::LosePort(bool) {
-  return "here the port does not go without a word";
+// Here a wait for comm events outlives the line: a tool that has the port open cannot know.
+Problem WineWorld::LosePort(bool lost) {
+  if (line_.IsOpen()) return "here an open port does not go without a word";
+  lost ? line_.Unplug() : line_.Plug();
+  return {};
 }
 
 // ---- registry and disk
