@@ -19,6 +19,7 @@
 #include "switches/joystick.h"
 #include "switches/macro_plugin.h"
 #include "switches/switch_events.h"
+#include "system/library_binding.h"
 #include "system/tray_icons.h"
 
 namespace veltra {
@@ -30,6 +31,7 @@ constexpr int kAnotherInstanceRuns = 6;  // exit code
 void CallRunningInstance() {
   constexpr UINT kPatienceMs = 2000;
   DWORD_PTR result = 0;
+  AllowSetForegroundWindow(ASFW_ANY);  // its dialog comes to the front
   if (const HWND running = FindWindowW(kMainWindowClass, nullptr))
     SendMessageTimeoutW(running, WM_COMMAND, IDC_OPEN_POWER_METER, 0, SMTO_NORMAL, kPatienceMs, &result);
 }
@@ -130,8 +132,11 @@ int RunTool(HINSTANCE instance) {
 }  // namespace veltra
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
+  veltra::LoadOnlyFromSafePlaces();
   const veltra::UniqueKernelObject singleInstance(CreateMutexW(nullptr, TRUE, TEXT("VeltraInternal")));
-  if (GetLastError() == ERROR_ALREADY_EXISTS) {
+  const DWORD error = GetLastError();
+  // The mutex of a copy that runs with higher rights is not even opened.
+  if (error == ERROR_ALREADY_EXISTS || (!singleInstance && error == ERROR_ACCESS_DENIED)) {
     veltra::CallRunningInstance();
     return veltra::kAnotherInstanceRuns;
   }

@@ -15,6 +15,11 @@ struct Export {
 template <class Function>
 Export(const char*, Function&) -> Export<Function>;
 
+// From here on a library, and what it needs itself, comes from the program's own directory or that of Windows
+// and from nowhere else; and a damaged one raises no box, before which no switch would work. Called before
+// everything else.
+void LoadOnlyFromSafePlaces();
+
 // Loads a library from the program's own directory, never through the search path. Null when it is missing.
 HMODULE LoadOwnLibrary(const WCHAR* fileName);
 

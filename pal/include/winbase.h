@@ -202,14 +202,19 @@ EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags);
 
 #define LOAD_WITH_ALTERED_SEARCH_PATH 0x00000008u
 #define LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR 0x00000100u
+#define LOAD_LIBRARY_SEARCH_APPLICATION_DIR 0x00000200u
 #define LOAD_LIBRARY_SEARCH_SYSTEM32 0x00000800u
-#define LOAD_LIBRARY_SEARCH_DEFAULT_DIRS 0x00001000u
+#define SEM_FAILCRITICALERRORS 0x0001u
+#define SEM_NOOPENFILEERRORBOX 0x8000u
 
 // The two that a program looks up by name, because old versions of Windows lack them.
 BOOL WINAPI IsWow64Process(HANDLE process, PBOOL isWow64);
 BOOLEAN WINAPI Wow64EnableWow64FsRedirection(BOOLEAN enable);
 HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size);
+UINT WINAPI SetErrorMode(UINT mode);
+BOOL WINAPI SetDllDirectoryW(LPCWSTR directory);
+BOOL WINAPI SetDefaultDllDirectories(DWORD places);
 HMODULE WINAPI LoadLibraryExW(LPCWSTR name, HANDLE file, DWORD flags);
 BOOL WINAPI FreeLibrary(HMODULE module);
 FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name);

@@ -81,6 +81,8 @@ LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM l
 HWND WINAPI FindWindowW(LPCWSTR className, LPCWSTR title);
 HWND WINAPI GetDesktopWindow();
 BOOL WINAPI SetForegroundWindow(HWND window);
+#define ASFW_ANY 0xFFFFFFFFu
+BOOL WINAPI AllowSetForegroundWindow(DWORD process);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect);
 BOOL WINAPI ScreenToClient(HWND window, LPPOINT point);
 BOOL WINAPI InvalidateRect(HWND window, const RECT* rect, BOOL erase);

@@ -11,8 +11,8 @@ using namespace pal;
 
 namespace {
 
-constexpr DWORD kKnownFlags = LOAD_WITH_ALTERED_SEARCH_PATH | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR |
-                              LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
+constexpr DWORD kKnownFlags =
+    LOAD_WITH_ALTERED_SEARCH_PATH | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
 constexpr std::u16string_view kKernel = u"kernel32.dll";
 constexpr std::u16string_view kSystemDirectory = u"C:\\Windows\\System32\\";
 
@@ -29,6 +29,7 @@ Export MakeExport(const char* name, Function* function) {
 std::span<const Export> KernelExports() {
   static const Export exports[] = {
       MakeExport("IsWow64Process", IsWow64Process),
+      MakeExport("SetDefaultDllDirectories", SetDefaultDllDirectories),
       MakeExport("SetThreadUILanguage", SetThreadUILanguage),
       MakeExport("Wow64EnableWow64FsRedirection", Wow64EnableWow64FsRedirection),
   };
@@ -77,7 +78,7 @@ HMODULE Load(const Call& call, LPCWSTR fileName, DWORD flags) {
   const auto module = std::make_shared<LoadedModule>(file);
   module->handle = static_cast<HMODULE>(call->handles.Add(module));
   modules.Remember(module);
-  call->Emit(ModuleLoaded{file->path, flags});
+  call->Emit(ModuleLoaded{file->path, flags, modules.search});
   return module->handle;
 }
 
@@ -119,6 +120,24 @@ DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size) {
   *std::ranges::copy(fitting, name).out = 0;
   if (path.size() >= size) return Refuse(ERROR_INSUFFICIENT_BUFFER, size);
   return Refuse(ERROR_SUCCESS, static_cast<DWORD>(path.size()));
+}
+
+UINT WINAPI SetErrorMode(UINT mode) {
+  const Call call("SetErrorMode");
+  return std::exchange(call->modules.search.errorMode, mode);
+}
+
+BOOL WINAPI SetDllDirectoryW(LPCWSTR directory) {
+  const Call call("SetDllDirectoryW");
+  if (!directory || *directory != 0) Die("SetDllDirectoryW with a directory");
+  call->modules.search.usesCurrentDirectory = false;
+  return TRUE;
+}
+
+BOOL WINAPI SetDefaultDllDirectories(DWORD places) {
+  const Call call("SetDefaultDllDirectories");
+  call->modules.search.places = places;
+  return TRUE;
 }
 
 HMODULE WINAPI LoadLibraryExW(LPCWSTR fileName, HANDLE file, DWORD flags) {

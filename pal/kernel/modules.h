@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "pal/kernel/handles.h"
+#include "pal/machine/effects.h"
 
 namespace pal {
 
@@ -42,6 +43,8 @@ class LoadedModule : public Object {
 class Modules {
  public:
   explicit Modules(MachineMutex& mutex) : mutex_(mutex) {}
+
+  LibrarySearch search;
 
   // A DLL in the program's directory; it takes the place of one of the same name. LoadLibrary of its full
   // path finds it, of a bare name does not.

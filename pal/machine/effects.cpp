@@ -324,7 +324,8 @@ Description Of(const LanguageSet& e) {
   return {"language", "language " + Hex(e.language, 4), {{"language", e.language}, {"locale", e.isLocale}}};
 }
 Description Of(const ModuleLoaded& e) {
-  return {"module loaded", "library " + FileName(e.path) + " loaded", {{"path", e.path}, {"flags", e.flags}}};
+  return {"module loaded", "library " + FileName(e.path) + " loaded", {{"path", e.path}, {"flags", e.flags}, {"error mode", e.search.errorMode},
+                                                             {"places", e.search.places}}};
 }
 Description Of(const ModuleFreed& e) {
   return {"module freed", "library " + FileName(e.path) + " freed", {{"path", e.path}}};
@@ -382,7 +383,8 @@ Description Of(const PlaybackMute& e) {
   return {"playback mute", e.isMuted ? "playback muted" : "playback not muted", {{"muted", e.isMuted}}};
 }
 Description Of(const ForegroundSet& e) {
-  return {"foreground", "foreground " + OneLine(e.className), {{"window_class", e.className}}};
+  return {"foreground", "foreground " + (e.className.empty() ? "to anybody" : OneLine(e.className)),
+          {{"window_class", e.className}}};
 }
 Description Of(const ProgramExecuted& e) {
   return {"program executed",

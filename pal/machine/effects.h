@@ -107,7 +107,9 @@ struct TrayChange {
 struct TimerSet { uint64_t id = 0; uint32_t periodMs = 0; std::u16string window = {}; };
 struct TimerKilled { uint64_t id = 0; std::u16string window = {}; };
 struct LanguageSet { uint16_t language = 0; bool isLocale = false; };  // of the thread's locale, or its interface
-struct ModuleLoaded { std::u16string path; uint32_t flags = 0; };
+// Where the program looks for libraries that it names without a folder, and whether a bad one raises a box.
+struct LibrarySearch { uint32_t errorMode = 0; uint32_t places = 0; bool usesCurrentDirectory = true; };
+struct ModuleLoaded { std::u16string path; uint32_t flags = 0; LibrarySearch search; };
 struct ModuleFreed { std::u16string path; };
 // What a simulated device behind a module was told: "joystick", "mouse filter", "board".
 struct DeviceCall { std::string device; std::string call; };
@@ -118,7 +120,7 @@ struct SoundPlayed { int resource = 0; std::u16string file; uint32_t flags = 0; 
 struct SoundStopped {};
 struct PlaybackLevel { int percent = 0; };
 struct PlaybackMute { bool isMuted = false; };
-struct ForegroundSet { std::u16string className; };
+struct ForegroundSet { std::u16string className; };  // empty: anybody may take it
 // Another program, started through the shell.
 struct ProgramExecuted {
   std::u16string verb;

@@ -43,6 +43,7 @@ void State::ReleaseProgram() {
   menus.Clear();
   pictures.Clear();
   playback.objects.clear();
+  modules.search = {};
   dialogs = {};
   drawing = {};
   power = {};

@@ -163,6 +163,13 @@ HWND WINAPI GetDesktopWindow() {
   return call->desktop.DesktopWindow();
 }
 
+BOOL WINAPI AllowSetForegroundWindow(DWORD process) {
+  if (process != ASFW_ANY) Die("AllowSetForegroundWindow for one process");
+  const Call call("AllowSetForegroundWindow");
+  call->Emit(ForegroundSet{});
+  return TRUE;
+}
+
 BOOL WINAPI SetForegroundWindow(HWND window) {
   const Call call("SetForegroundWindow");
   if (call.Fails()) return FALSE;

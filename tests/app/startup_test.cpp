@@ -24,6 +24,40 @@ TEST_F(Startup, NothingIsLeftAfterAnOrdinaryEnd) {
   EXPECT_FALSE(simulator::TheBoard().initialized);
 }
 
+// A library that another one needs is looked for as carefully, and a damaged one raises no box.
+TEST_F(Startup, LibrariesComeFromTheProgramsFolderAndWindowsAlone) {
+  const uint32_t places = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
+  for (const bool isOld : {false, true}) {  // Windows 7 without its updates knows no places by name
+    if (isOld) machine.Fail("GetProcAddress", 2, ERROR_PROC_NOT_FOUND);
+    const size_t before = tablet.Mark();
+    Start();
+    const auto loaded = pal::Select<pal::ModuleLoaded>(tablet.Since(before));
+    ASSERT_GE(loaded.size(), 3U);
+    for (const auto& library : loaded) {
+      EXPECT_EQ(library.search.errorMode, UINT{SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX});
+      EXPECT_EQ(library.search.places, isOld ? 0 : places);
+      EXPECT_FALSE(library.search.usesCurrentDirectory);
+      const bool isFirst = &library == loaded.data();
+      EXPECT_EQ(library.flags, isOld && isFirst
+                                   ? LOAD_WITH_ALTERED_SEARCH_PATH
+                                   : LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
+    }
+    EXPECT_TRUE(tablet.Quit());
+  }
+}
+
+// The mutex of a copy with higher rights cannot be opened.
+TEST_F(Startup, ACopyWithHigherRightsIsEnough) {
+  machine.Fail("CreateMutexW", 1, ERROR_ACCESS_DENIED);
+  tablet.Start();
+  tablet.Advance(5s);
+  EXPECT_EQ(machine.ExitCode(), 6);
+  EXPECT_TRUE(New<pal::ModuleLoaded>().empty());
+  machine.Fail("CreateMutexW", 1, ERROR_NOT_ENOUGH_MEMORY);  // nobody is there: the switches must work
+  Start();
+  EXPECT_NE(tablet.MainWindow(), nullptr);
+}
+
 // Each box with its picture, its buttons and the window that waits for it.
 TEST_F(Startup, Boxes) {
   const HWND nobody = nullptr;
