@@ -2,7 +2,9 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <objbase.h>
+
+#include <memory>
+#include <utility>
 
 #include "app/app_state.h"
 #include "app/dialogs/firmware_dialog.h"
@@ -97,9 +99,10 @@ void BringUp(const CommandLine& options) {
 }
 
 int RunTool(HINSTANCE instance) {
-  CoInitialize(nullptr);
+  auto com = std::make_shared<ComLibrary>();
   Trace(TEXT("Veltra Device tool started"));
   GetAppState().system.hInstance = instance;
+  System().com = std::move(com);
   StartVirtualJoystick();
   RegisterMainWindowClass(instance);
   InitCommonControls();

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <objbase.h>
-
 #include <utility>
 
 #include "app/app_state.h"
@@ -17,6 +15,7 @@
 #include "power/flight_mode_notice.h"
 #include "switches/macro_plugin.h"
 #include "switches/switch_events.h"
+#include "system/sent_messages.h"
 
 namespace veltra {
 namespace {
@@ -31,15 +30,17 @@ void ShowBoardError(const WCHAR* format, int32_t code, const WCHAR* caption) {
 }
 
 void StartBoardLibrary() {
-  Board().library = LoadBoardLibrary();
-  if (!Board().library.KEApiLibInitialize) return;
-  if (const int32_t code = Board().library.KEApiLibInitialize())
-    ShowBoardError(TEXT("Error during KEApiLibInitialize: %d"), code, TEXT("I2CInit"));
+  const std::shared_ptr<const BoardLibrary> board = Board().library = LoadBoardLibrary();
+  if (!board || !board->KEApiLibInitialize) return;
+  const int32_t code = board->KEApiLibInitialize();
+  if (code == 0) return;
+  ShowBoardError(TEXT("Error during KEApiLibInitialize: %d"), code, TEXT("I2CInit"));
+  ServeSentMessages();
 }
 
-void StopBoardLibrary(const BoardLibrary& board) {
-  if (!board.KEApiLibUnInitialize) return;
-  if (const int32_t code = board.KEApiLibUnInitialize())
+void StopBoardLibrary(const BoardLibrary* board) {
+  if (!board || !board->KEApiLibUnInitialize) return;
+  if (const int32_t code = board->KEApiLibUnInitialize())
     ShowBoardError(TEXT("Error during KEApiLibUnInitialize: %d"), code, TEXT("I2CDeinit"));
 }
 
@@ -100,16 +101,18 @@ void RunStartupSequence(bool resume) {
   StartBatteryTimer();
 }
 
+// The board's library and COM go at the end, or when who is at work with them up the stack has come back.
+//
 // The port is not stopped here but left to the end of the process: its monitor thread may hang in a driver,
 // and the end of a session must not wait for that.
 void RunShutdownSequence() {
   ForgetHeldSwitches();
   UnloadMacroLibrary();
   CodecPowerDown();
-  const BoardLibrary board = std::exchange(Board().library, {});
+  const auto board = std::move(Board().library);
+  const auto com = std::move(System().com);
   DestroyAppState();
-  StopBoardLibrary(board);
-  CoUninitialize();
+  StopBoardLibrary(board.get());
 }
 
 }  // namespace veltra

@@ -10,8 +10,8 @@ namespace veltra {
 template <class Record>
 inline Record* recordInUse = nullptr;
 
-// The session has ended meanwhile: thrown at who is still at work with the state, caught where Windows called
-// the tool.
+// The session has ended meanwhile, or the start has: thrown at who is still at work with the state, caught
+// where Windows called the tool.
 struct StateEnded : std::exception {
   [[nodiscard]] const char* what() const noexcept override { return "the state has ended"; }
 };

@@ -12,6 +12,8 @@
 #include "base/debug_output.h"
 #include "base/text.h"
 #include "system/message_box.h"
+#include "system/sent_messages.h"
+#include "system/system_state.h"
 
 namespace veltra {
 namespace {
@@ -32,9 +34,13 @@ struct Releaser {
 template <class Interface>
 using ComPointer = std::unique_ptr<Interface, Releaser>;
 
+void ShowBox(BoxKind kind, const WCHAR* text, const WCHAR* caption) {
+  ShowMessageBox(kind, nullptr, text, caption, MB_OK);
+  ServeSentMessages();
+}
+
 void ShowFatalError() {
-  ShowMessageBox(BoxKind::kEndpointNotSet, nullptr, TEXT("The program will exit."), TEXT("Fatal error"),
-                 MB_OK);
+  ShowBox(BoxKind::kEndpointNotSet, TEXT("The program will exit."), TEXT("Fatal error"));
 }
 
 // The steps up to the first that fails; its result.
@@ -68,12 +74,13 @@ HRESULT ApplyLevel(int32_t percent) {
 }  // namespace
 
 bool SetEndpointVolume(int32_t percent, bool showError) {
+  const std::shared_ptr<ComLibrary> com = System().com;
   const HRESULT result = ApplyLevel(percent);
   if (SUCCEEDED(result)) return true;
   Trace(TEXT("Audio codec error %d"), static_cast<int32_t>(result));
   if (showError)
-    ShowMessageBox(BoxKind::kEndpointUnreached, nullptr, TEXT("A problem with the audio codec was detected."),
-                   TEXT("Error termination"), MB_OK);
+    ShowBox(BoxKind::kEndpointUnreached, TEXT("A problem with the audio codec was detected."),
+            TEXT("Error termination"));
   return false;
 }
 

@@ -5,15 +5,16 @@
 
 namespace veltra {
 
-BoardLibrary LoadBoardLibrary() {
+std::shared_ptr<const BoardLibrary> LoadBoardLibrary() {
   BoardLibrary library;
   Bind(library.module, TEXT("keapi.dll"), Export{"KEApiLibInitialize", library.KEApiLibInitialize},
        Export{"KEApiLibUnInitialize", library.KEApiLibUnInitialize},
        Export{"KEApiI2cXfer", library.KEApiI2cXfer}, Export{"KEApiGetBoardInfo", library.KEApiGetBoardInfo},
        Export{"KEApiGetCpuInfo", library.KEApiGetCpuInfo},
        Export{"KEApiGetMemoryInfo", library.KEApiGetMemoryInfo});
-  if (!library.module) Trace(TEXT("keapi.dll is missing: board features are off"));
-  return library;
+  if (library.module) return std::make_shared<const BoardLibrary>(std::move(library));
+  Trace(TEXT("keapi.dll is missing: board features are off"));
+  return nullptr;
 }
 
 }  // namespace veltra

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <memory>
 
 #include "base/handles.h"
 
@@ -33,8 +34,8 @@ struct MemoryInfo {
 };
 static_assert(sizeof(BoardInfo) == 384 && sizeof(CpuInfo) == 76 && sizeof(MemoryInfo) == 44);
 
-// The library's functions, __stdcall without decoration; 0 is success. Null when the library or the export is
-// missing, which is an ordinary state of a machine: the board's features are off then.
+// The library's functions, __stdcall without decoration; 0 is success. Null when the export is missing, which
+// is an ordinary state of a machine: the board's features are off then.
 struct BoardLibrary {
   UniqueModule module;
   int32_t(WINAPI* KEApiLibInitialize)() = nullptr;
@@ -46,6 +47,7 @@ struct BoardLibrary {
   int32_t(WINAPI* KEApiGetMemoryInfo)(MemoryInfo*) = nullptr;
 };
 
-BoardLibrary LoadBoardLibrary();
+// Null when there is none.
+std::shared_ptr<const BoardLibrary> LoadBoardLibrary();
 
 }  // namespace veltra

@@ -25,8 +25,8 @@ struct AudioSettings {
 
 struct BoardState {
   AudioSettings audio;
-  BoardLibrary library;
-  uint8_t ExpanderPortA = 0;  // what the outputs of the I/O expander should be
+  std::shared_ptr<const BoardLibrary> library;  // null without one; who is at work in it holds it too
+  uint8_t ExpanderPortA = 0;                    // what the outputs of the I/O expander should be
   uint8_t ExpanderPortB = 0;
 };
 

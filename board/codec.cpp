@@ -10,6 +10,7 @@
 #include "resources/resource_ids.h"
 #include "system/maker_applications.h"
 #include "system/numbers.h"
+#include "system/sent_messages.h"
 #include "system/sounds.h"
 #include "system/system_state.h"
 
@@ -123,33 +124,52 @@ void ResetAudioPaths(bool forgetsMicrophone) {
   for (const CodecParameter& parameter : kResetParameters) WriteParameter(parameter);
 }
 
-void CodecDownload() {
-  for (const CodecBlock& block : CodecDownloadBlocks()) CodecWrite(block.address, block.data);
-}
+// The steps of the power-up, in their order.
+constexpr void (*kPowerUpSteps[])() = {
+    [] { PlayResourceSound(IDW_START, true); },
+    [] {
+      SetPortA(kExpanderCodecA7);
+      SetPortA(kExpanderCodecA6);
+      Sleep(kPowerMs);
+    },
+    [] {
+      SetPortB(kExpanderCodecB0);
+      SetPortA(kExpanderCodecGate);
+      SetPortB(kExpanderCodecB4);
+      Sleep(kCodecMs);
+    },
+    [] {
+      for (const CodecBlock& block : CodecDownloadBlocks()) CodecWrite(block.address, block.data);
+    },
+    [] {
+      for (const CodecParameter& parameter : kFilterParameters) WriteParameter(parameter);
+    },
+    [] { SetMicrophoneVolume(Board().audio.MicrophoneVol); },
+    [] {
+      Board().audio.speakerEnable = 0x00;
+      SpeakerAmpWrite(true);
+      HeadphoneAmpInit(true, true);
+    },
+    [] {
+      const bool survives = Board().audio.currentProfile == kSurvivingProfile;
+      SetAudioProfile(survives ? kSurvivingProfile : kNormalProfile);
+    },
+    [] {
+      SetSpeakerAmp(true);
+      SetHeadphoneMute(false);
+    },
+    [] { SetSpeakerVolume(Board().audio.SpeakerVol); },
+    [] { Board().audio.codecReady = true; },
+};
 
 }  // namespace
 
 bool CodecPowerUp() {
-  AudioSettings& audio = Board().audio;
-  PlayResourceSound(IDW_START, true);
-  SetPortA(kExpanderCodecA7);
-  SetPortA(kExpanderCodecA6);
-  Sleep(kPowerMs);
-  SetPortB(kExpanderCodecB0);
-  SetPortA(kExpanderCodecGate);
-  SetPortB(kExpanderCodecB4);
-  Sleep(kCodecMs);
-  CodecDownload();
-  for (const CodecParameter& parameter : kFilterParameters) WriteParameter(parameter);
-  SetMicrophoneVolume(audio.MicrophoneVol);
-  audio.speakerEnable = 0x00;
-  SpeakerAmpWrite(true);
-  HeadphoneAmpInit(true, true);
-  SetAudioProfile(audio.currentProfile == kSurvivingProfile ? kSurvivingProfile : kNormalProfile);
-  SetSpeakerAmp(true);
-  SetHeadphoneMute(false);
-  SetSpeakerVolume(audio.SpeakerVol);
-  audio.codecReady = true;
+  for (const auto& step : kPowerUpSteps) {
+    ServeSentMessages();
+    if (IsSuspended()) break;
+    step();
+  }
   return true;
 }
 

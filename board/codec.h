@@ -10,7 +10,9 @@ namespace veltra {
 
 constexpr UINT kCallProfileMs = 5000;
 
-// Both always return true: a failed transfer is reported by I2cWrite and the sequence goes on.
+// Both always return true: a failed transfer is reported by I2cWrite and the sequence goes on. Between the
+// steps of the power-up is handled what Windows sends; when it is the end of the session or a suspend, no
+// step follows.
 bool CodecPowerUp();
 bool CodecPowerDown();
 

@@ -14,11 +14,13 @@ namespace {
 
 constexpr int32_t kBus = 0;
 
-int32_t Transfer(const BoardLibrary& board, uint8_t address, Bytes bytes) {
+// Holds the library until it has come back: the session may end in there.
+int32_t Transfer(uint8_t address, Bytes bytes) {
+  const std::shared_ptr<const BoardLibrary> library = Board().library;
   uint8_t readBack = 0;
   uint32_t readLength = 0;
-  return board.KEApiI2cXfer(kBus, address, bytes.data(), static_cast<uint32_t>(bytes.size()), &readBack,
-                            &readLength);
+  return library->KEApiI2cXfer(kBus, address, bytes.data(), static_cast<uint32_t>(bytes.size()), &readBack,
+                               &readLength);
 }
 
 // Before attempt 2, 3 and every later one.
@@ -36,7 +38,7 @@ void ReportFailure(uint8_t address, int32_t reg, size_t count, int32_t result) {
 }  // namespace
 
 bool I2cWrite(uint8_t address, Bytes data, int32_t reg, int retries) {
-  if (!Board().library.KEApiI2cXfer) return false;
+  if (!Board().library || !Board().library->KEApiI2cXfer) return false;
   if (address != kExpanderAddress && !(Board().ExpanderPortA & kExpanderCodecGate)) return false;
   std::vector<uint8_t> bytes;
   if (reg >= 0) bytes.push_back(static_cast<uint8_t>(reg));
@@ -45,7 +47,7 @@ bool I2cWrite(uint8_t address, Bytes data, int32_t reg, int retries) {
   int32_t result = 0;
   for (int attempt = 1; attempt <= retries + 1; ++attempt) {
     if (attempt > 1) Sleep(PauseBefore(attempt));
-    result = Transfer(Board().library, address, bytes);
+    result = Transfer(address, bytes);
     if (result == 0) return true;
   }
   ReportFailure(address, reg, data.size(), result);

@@ -5,19 +5,20 @@
 namespace veltra {
 namespace {
 
+// Holds the library until it has come back: the session may end in there.
 template <class Record>
-bool Ask(int32_t(WINAPI* function)(Record*), Record& record) {
-  return function && function(&record) == 0;
+bool Ask(int32_t (WINAPI* BoardLibrary::*function)(Record*), Record& record) {
+  const std::shared_ptr<const BoardLibrary> library = Board().library;
+  return library && (*library).*function && ((*library).*function)(&record) == 0;
 }
 
 }  // namespace
 
 std::optional<PlatformInfo> ReadPlatformInfo() {
-  const BoardLibrary& library = Board().library;
   PlatformInfo info = {};
-  const bool hasBoard = Ask(library.KEApiGetBoardInfo, info.board);
-  const bool hasCpu = Ask(library.KEApiGetCpuInfo, info.cpu);
-  const bool hasMemory = Ask(library.KEApiGetMemoryInfo, info.memory);
+  const bool hasBoard = Ask(&BoardLibrary::KEApiGetBoardInfo, info.board);
+  const bool hasCpu = Ask(&BoardLibrary::KEApiGetCpuInfo, info.cpu);
+  const bool hasMemory = Ask(&BoardLibrary::KEApiGetMemoryInfo, info.memory);
   if (!hasBoard || !hasCpu || !hasMemory) return std::nullopt;
   return info;
 }

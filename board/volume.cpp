@@ -11,6 +11,7 @@
 #include "board/codec.h"
 #include "board/gain_tables.h"
 #include "resources/resource_ids.h"
+#include "system/sent_messages.h"
 #include "system/sounds.h"
 
 namespace veltra {
@@ -28,13 +29,17 @@ int32_t Resolve(int32_t& stored, int32_t argument, int32_t standard) {
   return stored;
 }
 
-void SetEndpointPatiently(int32_t percent) {
+// Another program may set the volume meanwhile: what counts is the volume of now.
+void SetEndpointPatiently() {
   constexpr int kAttempts = 5;
   for (int attempt = 1; attempt <= kAttempts; ++attempt) {
-    if (SetEndpointVolume(percent, attempt == kAttempts)) return;
+    if (SetEndpointVolume(EndpointPercent(Board().audio.SpeakerVol), attempt == kAttempts)) return;
     if (attempt == kAttempts) return;
     Trace(TEXT("SetSpeakerVolume failed: retrying"));
-    Sleep(static_cast<DWORD>(attempt) * 1000);
+    for (int seconds = 0; seconds < attempt; ++seconds) {
+      Sleep(1000);
+      ServeSentMessages();
+    }
   }
 }
 
@@ -48,9 +53,9 @@ void RouteMicrophone(uint16_t switchAddress, const CodecSelector& source, const 
 
 bool SetSpeakerVolume(int32_t volume) {
   AudioSettings& audio = Board().audio;
-  const int32_t effective = Resolve(audio.SpeakerVol, volume, kDefaultSpeakerVolume);
-  SetEndpointPatiently(EndpointPercent(effective));
-  audio.speakerGainStep = SpeakerGainStep(effective);
+  Resolve(audio.SpeakerVol, volume, kDefaultSpeakerVolume);
+  SetEndpointPatiently();
+  audio.speakerGainStep = SpeakerGainStep(audio.SpeakerVol);
   return SpeakerAmpWrite(false);
 }
 

@@ -1,11 +1,14 @@
 // A playback device for a Windows that has none: an in-process server for the class of the device enumerator.
-// It reports what is done to its one device.
+// It reports what is done to its one device. The function that the environment names in
+// VELTRA_PLAYBACK_REFUSES always fails.
 #include <windows.h>
 
 #include <endpointvolume.h>
 #include <mmdeviceapi.h>
 
+#include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "simulator/report.h"
 
@@ -18,6 +21,11 @@ constexpr GUID kDeviceEnumerator = {
 constexpr GUID kDevice = {0xD666063F, 0x1587, 0x4E43, {0x81, 0xF1, 0xB9, 0x48, 0xE8, 0x07, 0x36, 0x3F}};
 constexpr GUID kEndpointVolume = {
     0x5CDF2C82, 0x841E, 0x4546, {0x97, 0x22, 0x0C, 0xF7, 0x40, 0x78, 0x22, 0x9A}};
+
+bool IsRefused(std::string_view function) {
+  const char* refused = std::getenv("VELTRA_PLAYBACK_REFUSES");
+  return refused && function == refused;
+}
 
 HRESULT ReportCall(const std::string& call) {
   simulator::Report("playback", call);
@@ -47,7 +55,10 @@ class Volume final : public Lasting<IAudioEndpointVolume> {
  public:
   Volume() : Lasting(kEndpointVolume) {}
 
-  HRESULT WINAPI SetMute(BOOL mute, LPCGUID) override { return ReportCall(mute ? "muted" : "not muted"); }
+  HRESULT WINAPI SetMute(BOOL mute, LPCGUID) override {
+    if (IsRefused("SetMute")) return E_FAIL;
+    return ReportCall(mute ? "muted" : "not muted");
+  }
   HRESULT WINAPI SetMasterVolumeLevelScalar(FLOAT level, LPCGUID) override {
     return ReportCall(
         std::string("level ").append(std::to_string(static_cast<int>(level * 100 + 0.5F))).append(" %"));
@@ -90,6 +101,7 @@ class Enumerator final : public Lasting<IMMDeviceEnumerator> {
   Enumerator() : Lasting(kDeviceEnumerator) {}
 
   HRESULT WINAPI GetDefaultAudioEndpoint(EDataFlow, ERole, IMMDevice** device) override {
+    if (IsRefused("GetDefaultAudioEndpoint")) return E_FAIL;
     static Device only;
     *device = &only;
     return S_OK;

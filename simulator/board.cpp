@@ -1,5 +1,6 @@
 #include "simulator/board.h"
 
+#include <cstdlib>
 #include <string>
 
 #include "simulator/report.h"
@@ -92,9 +93,22 @@ int32_t Deliver(Board& board, uint8_t address, const Data& bytes) {
   return kNoDevice;
 }
 
+// What Windows has sent to the program is handled in here; the library must not be gone then.
+void ServeMessages() {
+  MSG message = {};
+  PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+  if (!GetModuleHandleW(TEXT("keapi.dll"))) simulator::Report("board", "unloaded at work");
+}
+
 }  // namespace
 
+int32_t simulator::FromEnvironment(const char* name) {
+  const char* value = std::getenv(name);
+  return value ? std::atoi(value) : 0;
+}
+
 int32_t simulator::Board::Transfer(uint8_t address, Data bytes) {
+  if (servesMessages != 0) ServeMessages();
   const int32_t error = Deliver(*this, address, bytes);
   std::string call = HexByte(address).append(":");
   for (const uint8_t byte : bytes) call.append(" ").append(HexByte(byte));

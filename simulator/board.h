@@ -27,16 +27,21 @@ struct I2cFailure {
   int32_t error = 5;
 };
 
+// A number of the environment, by which a real Windows is told what its library shall refuse; 0 without one.
+int32_t FromEnvironment(const char* name);
+
 struct Board {
-  int32_t initializeError = 0;    // what the next starts return
-  int32_t uninitializeError = 0;  // and the next stops
-  int32_t boardInfoError = 0;     // and the questions for the three records
+  int32_t initializeError = FromEnvironment("VELTRA_BOARD_START_ERROR");   // what the next starts return
+  int32_t uninitializeError = FromEnvironment("VELTRA_BOARD_STOP_ERROR");  // and the next stops
+  int32_t boardInfoError = 0;  // and the questions for the three records
   int32_t cpuInfoError = 0;
   int32_t memoryInfoError = 0;
+  int32_t servesMessages = FromEnvironment("VELTRA_BOARD_SERVES_MESSAGES");  // not 0: while it transfers
   bool initialized = false;
   Platform platform;
 
-  std::vector<I2cFailure> failures;    // tried in this order
+  std::vector<I2cFailure> failures = {  // tried in this order
+      {uint8_t{0x38}, FromEnvironment("VELTRA_BOARD_CODEC_ERRORS")}};
   std::vector<I2cTransfer> transfers;  // every one so far
 
   // What the devices hold.

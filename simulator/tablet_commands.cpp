@@ -66,6 +66,7 @@ Problem RunBoard(World& world, Words words) {
     TabletOf(world).TheDesk().Remove(Library::kBoard);
     return {};
   }
+  constexpr uint8_t kCodec = 0x38;
   const std::optional<int64_t> error = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
   struct Row {
     std::string_view word;
@@ -73,10 +74,15 @@ Problem RunBoard(World& world, Words words) {
   };
   constexpr Row kErrors[] = {{"start-error", &Board::initializeError},
                              {"stop-error", &Board::uninitializeError},
-                             {"info-error", &Board::boardInfoError}};
+                             {"info-error", &Board::boardInfoError},
+                             {"serves-messages", &Board::servesMessages}};
+  if (error && word == "codec-errors") {
+    TheBoard().failures = {{kCodec, static_cast<int>(*error)}};
+    return {};
+  }
   const auto* row = std::ranges::find(kErrors, word, &Row::word);
   if (!error || row == std::end(kErrors))
-    return ExpectedArguments("absent|start-error CODE|stop-error CODE|info-error CODE");
+    return ExpectedArguments("absent|start-error|stop-error|info-error|codec-errors|serves-messages NUMBER");
   TheBoard().*(row->error) = static_cast<int32_t>(*error);
   return {};
 }
@@ -112,8 +118,8 @@ constexpr WorldCommand kCommands[] = {
     {"fail", "FUNCTION TIMES", "Windows refuses the next calls of that function, as ExitWindowsEx", RunFail},
     {"joystick", "absent|free|disabled|...", "the virtual joystick; also mismatch, busy, taken", RunJoystick},
     {"mouse-filter", "absent|plain", "the mouse filter's library: none, or its 64-bit form", RunMouseFilter},
-    {"board", "absent|start-error CODE|...", "the board's library; also stop-error CODE, info-error CODE",
-     RunBoard},
+    {"board", "absent|start-error CODE|...",
+     "the board's library; also stop-error, info-error, codec-errors, serves-messages", RunBoard},
     {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", RunMacroPlugin},
     {"shell", "stop|start|restart", "the taskbar goes, comes, or comes anew", RunShell},
 };

@@ -4,11 +4,13 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <set>
 #include <vector>
 
 #include "base/record.h"
 #include "base/text.h"
+#include "system/com_library.h"
 #include "system/diagnostic_log.h"
 #include "system/folders.h"
 #include "system/message_box.h"
@@ -24,6 +26,7 @@ struct LanguageEntry {
 struct SystemState {
   HINSTANCE hInstance = nullptr;
   HWND hMainWnd = nullptr;
+  std::shared_ptr<ComLibrary> com;  // who is at work with an object of it holds it too
   TrayState tray;
   std::set<BoxKind> standingBoxes;  // message boxes that wait for the person
   bool Suspended = false;  // from the suspend notification until the resume has been handled

@@ -27,7 +27,7 @@ void WINAPI CoUninitialize() {
 // Numbered, so that runs are the same every time.
 HRESULT WINAPI CoCreateGuid(GUID* guid) {
   const Call call("CoCreateGuid");
-  if (call.Fails()) return static_cast<HRESULT>(call.Error());
+  if (call.Fails()) return call.Result();
   *guid = {++call->lastGuid, 0x5E6F, 0x4A71, {0x80, 0x92, 0xA3, 0xB4, 0xC5, 0xD6, 0xE7, 0xF8}};
   return S_OK;
 }
@@ -39,7 +39,7 @@ HRESULT WINAPI CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context
       context != CLSCTX_INPROC_SERVER)
     Die("CoCreateInstance of an unknown class");
   *object = nullptr;
-  if (call.Fails()) return static_cast<HRESULT>(call.Error());
+  if (call.Fails()) return call.Result();
   if (initialized == 0) return CO_E_NOTINITIALIZED;
   *object = MakeDeviceEnumerator(call->playback);
   return S_OK;

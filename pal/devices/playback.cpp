@@ -15,10 +15,6 @@ constexpr IID kDeviceInterface = {
 constexpr IID kVolumeInterface = {
     0x5CDF2C82, 0x841E, 0x4546, {0x97, 0x22, 0x0C, 0xF7, 0x40, 0x78, 0x22, 0x9A}};
 
-HRESULT ErrorOf(const Call& call) {
-  return static_cast<HRESULT>(call.Error());
-}
-
 template <class Interface>
 class Counted : public Interface, public ComObject {
  public:
@@ -62,7 +58,7 @@ class Volume final : public Counted<IAudioEndpointVolume> {
 
   HRESULT STDMETHODCALLTYPE SetMasterVolumeLevelScalar(float level, LPCGUID /*context*/) override {
     const Call call("SetMasterVolumeLevelScalar");
-    if (call.Fails()) return ErrorOf(call);
+    if (call.Fails()) return call.Result();
     if (!(level >= 0.0F && level <= 1.0F)) return E_INVALIDARG;
     call->playback.volume.level = level;
     call->Emit(PlaybackLevel{static_cast<int>(std::lround(level * 100.0F))});
@@ -70,7 +66,7 @@ class Volume final : public Counted<IAudioEndpointVolume> {
   }
   HRESULT STDMETHODCALLTYPE SetMute(BOOL muted, LPCGUID /*context*/) override {
     const Call call("SetMute");
-    if (call.Fails()) return ErrorOf(call);
+    if (call.Fails()) return call.Result();
     const bool changes = call->playback.volume.isMuted != (muted != FALSE);
     call->playback.volume.isMuted = muted != FALSE;
     call->Emit(PlaybackMute{muted != FALSE});
@@ -85,7 +81,7 @@ class Device final : public Counted<IMMDevice> {
   HRESULT STDMETHODCALLTYPE Activate(REFIID interfaceId, DWORD /*context*/, void* parameters,
                                      void** activated) override {
     const Call call("Activate");
-    if (call.Fails()) return ErrorOf(call);
+    if (call.Fails()) return call.Result();
     if (interfaceId != kVolumeInterface || parameters) Die("Activate of an unknown interface");
     *activated = static_cast<IAudioEndpointVolume*>(AddTo<Volume>(call->playback));
     return S_OK;
@@ -98,7 +94,7 @@ class Enumerator final : public Counted<IMMDeviceEnumerator> {
 
   HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow flow, ERole role, IMMDevice** device) override {
     const Call call("GetDefaultAudioEndpoint");
-    if (call.Fails()) return ErrorOf(call);
+    if (call.Fails()) return call.Result();
     if (flow != eRender || role != eConsole) Die("GetDefaultAudioEndpoint of another device");
     *device = AddTo<Device>(call->playback);
     return S_OK;

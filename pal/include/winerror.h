@@ -53,5 +53,8 @@
 #define E_NOINTERFACE (static_cast<HRESULT>(0x80004002))
 #define E_NOTIMPL (static_cast<HRESULT>(0x80004001))
 #define CO_E_NOTINITIALIZED (static_cast<HRESULT>(0x800401F0))
+#define HRESULT_FROM_WIN32(error)                                 \
+  (static_cast<HRESULT>(error) <= 0 ? static_cast<HRESULT>(error) \
+                                    : static_cast<HRESULT>((error) | 0x80070000u))
 #define SUCCEEDED(result) (static_cast<HRESULT>(result) >= 0)
 #define FAILED(result) (static_cast<HRESULT>(result) < 0)

@@ -94,6 +94,8 @@ class Call {
   // Whether the test wants this call to fail; the last error is set already.
   [[nodiscard]] bool Fails() const { return error_.has_value(); }
   [[nodiscard]] DWORD Error() const { return error_.value_or(ERROR_SUCCESS); }
+  // The same as COM returns it.
+  [[nodiscard]] HRESULT Result() const { return HRESULT_FROM_WIN32(Error()); }
 
  private:
   State& state_;

@@ -100,7 +100,37 @@ Problem RunPicture(World& world, Words words) {
   return std::system((command + "'" + words[1] + "'").c_str()) == 0 ? Problem() : "the picture is not made";
 }
 
+// What a simulated device reads from the environment when the tool is started.
+struct DeviceFault {
+  std::string_view command;
+  std::string_view word;
+  const char* variable;
+};
+constexpr DeviceFault kDeviceFaults[] = {
+    {"board", "start-error", "VELTRA_BOARD_START_ERROR"},
+    {"board", "stop-error", "VELTRA_BOARD_STOP_ERROR"},
+    {"board", "codec-errors", "VELTRA_BOARD_CODEC_ERRORS"},
+    {"board", "serves-messages", "VELTRA_BOARD_SERVES_MESSAGES"},
+    {"playback", "refuses", "VELTRA_PLAYBACK_REFUSES"},
+};
+
+void LetDevicesWork() {
+  for (const DeviceFault& fault : kDeviceFaults) unsetenv(fault.variable);
+}
+
+Problem RunDeviceFault(World&, Words words) {
+  for (const DeviceFault& fault : kDeviceFaults) {
+    if (words.size() != 3 || words[0] != fault.command || words[1] != fault.word) continue;
+    setenv(fault.variable, words[2].c_str(), 1);
+    return {};
+  }
+  return "no such fault of that device, \"help\" lists them";
+}
+
 constexpr WorldCommand kCommands[] = {
+    {"board", "start-error|stop-error|...",
+     "from the next start on; also codec-errors, serves-messages NUMBER", RunDeviceFault},
+    {"playback", "refuses FUNCTION", "the playback device, from the next start on", RunDeviceFault},
     {"command", "NUMBER", "the command of a menu item, sent to the tool", RunCommand},
     {"program", "NAME [ARGUMENT...]", "starts a program of Windows", RunProgram},
     {"window", "CAPTION [TEXT]", "waits for a window of any program, and for one of its texts", RunWindow},
@@ -117,6 +147,7 @@ WineWorld::WineWorld() : line_(Prefix() / "com2") {
   constexpr int kAttempts = 10;
   std::filesystem::remove_all(HostPath(kDataFolder));
   std::filesystem::remove(ProgramPath("devices.log"));
+  LetDevicesWork();
   // The session of the story before may still be ending, and take along what is started meanwhile.
   Problem problem = "no observer";
   for (int n = 0; problem && n < kAttempts; ++n) {

@@ -142,29 +142,6 @@ TEST_F(Startup, TheEndOfTheSessionShutsDownOnce) {
   EXPECT_TRUE(New<pal::RegistryWrite>().empty());
 }
 
-TEST_F(Startup, ASessionMayEndWhileABoxOfTheStartIsOpen) {
-  const struct {
-    std::u16string_view caption;
-    const char* call;
-    int failures;
-    DWORD error;
-  } boxes[] = {{u"I2CInit", nullptr, 0, 0}, {u"Error termination", "CoCreateInstance", 5, DWORD(E_FAIL)}};
-  for (const auto& box : boxes) {
-    simulator::TheBoard().initializeError = box.call ? 0 : 7;
-    if (box.call) machine.Fail(box.call, box.failures, box.error);
-    const size_t before = tablet.Mark();
-    tablet.Start();
-    ASSERT_TRUE(machine.clock.AdvanceUntil([&] { return Box() && Box()->caption == box.caption; }, 60s));
-    EXPECT_EQ(tablet.Ask(WM_ENDSESSION, TRUE), 0);
-    const size_t ended = tablet.Mark();
-    tablet.Advance(10s);
-    EXPECT_EQ(machine.ExitCode(), 0);
-    EXPECT_EQ(BoardStops(tablet.Since(before)), 1U);
-    EXPECT_TRUE(pal::Select<pal::SerialOpened>(tablet.Since(ended)).empty());
-    EXPECT_TRUE(pal::Select<pal::SoundPlayed>(tablet.Since(ended)).empty());
-  }
-}
-
 // Windows delivers the end while the tool waits for another program: what it was about to do to the board is
 // too late.
 TEST_F(Startup, NothingReachesTheBoardWhenTheSessionEndedMeanwhile) {
