@@ -165,10 +165,8 @@ void OnLogLine(Bytes line) {
 // Answers of the bootloader take their request out of the queue and transmit nothing: the update sends its
 // next command itself.
 void OnBootloaderData(Bytes data) {
-  constexpr size_t kAddressedLength = 4;  // behind the type: one byte and a 24-bit address
   if (data.size() < kAddressedLength) return;
-  const uint32_t wordAddress = data[1] + (uint32_t{data[2]} << 8) + (uint32_t{data[3]} << 16);
-  Firmware().bootloader.OnResponse(2 * wordAddress, data.subspan(kAddressedLength));
+  Firmware().bootloader.OnResponse(AddressIn(data), data.subspan(kAddressedLength));
 }
 
 void OnBootloaderAcknowledge(Bytes) {

@@ -178,6 +178,11 @@ std::optional<uint32_t> AddressInQuestion(const BootSequence& sequence) {
 
 }  // namespace
 
+uint32_t AddressIn(Bytes content) {
+  const uint32_t word = content[1] + (uint32_t{content[2]} << 8) + (uint32_t{content[3]} << 16);
+  return 2 * word;
+}
+
 std::string Describe(const BootFailure& failure) {
   std::string text = StepOf(failure.state);
   if (failure.address) text += Text(" 0x%05X", *failure.address);

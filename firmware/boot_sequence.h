@@ -63,6 +63,11 @@ struct BootFailure {
 // "reading back row 0x01900: differs at 0x01934, file 3F, controller FF"
 std::string Describe(const BootFailure& failure);
 
+// What of a command or a read-back, type left out, says where: a count and a word address.
+constexpr size_t kAddressedLength = 4;
+// The image address of such a content, which is at least as long.
+uint32_t AddressIn(Bytes content);
+
 // ---- what is to be done, in this order
 
 struct SendRequest {  // to the controller, through its queue

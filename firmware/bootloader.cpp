@@ -30,13 +30,48 @@ void LogTakenAway(const PicRequest& request) {
   Log().WriteError(kFirmwareLogTag, TEXT("unanswered, taken away: ") + Widen(request.Text()));
 }
 
+void LogRefusal(const std::optional<HexReading>& file, const WideText& path) {
+  std::string why = "cannot be read";
+  if (file) why = file->fault ? Describe(*file->fault) : "no byte lies where an update writes";
+  Log().WriteError(kFirmwareLogTag, TEXT("refused, ") + Widen(why) + TEXT(": ") + path);
+}
+
+struct StepTag {
+  MessageType type;
+  const WCHAR* tag;
+};
+
+constexpr StepTag kStepTags[] = {
+    {MessageType::kErasePage, TEXT("ErasePageFromDevice")},
+    {MessageType::kWriteRow, TEXT("WriteRowToDevice")},
+    {MessageType::kReadMemory, TEXT("ReadRowFromDevice")},
+    {MessageType::kFinished, TEXT("Verified")},  // else it is not sent
+};
+
+void LogStep(const SendRequest& request) {
+  const bool isAddressed = request.content.size() >= kAddressedLength;
+  for (const StepTag& step : kStepTags)
+    if (step.type == request.type)
+      Log().WriteDetail(step.tag, isAddressed ? FormatText(TEXT("0x%05X"), AddressIn(request.content))
+                                              : WideText(TEXT("every row")));
+}
+
+bool IsOfVerifying(const BootFailure& failure) {
+  return failure.detail == static_cast<int32_t>(BootError::kRowDiffers) ||
+         failure.detail == static_cast<int32_t>(BootError::kRowNotReadBack);
+}
+
 }  // namespace
 
 std::optional<uint32_t> Bootloader::Start(const WideText& path) {
   BootEffects effects;
   try {
-    effects = sequence.Start(ReadHexFile(path));
-    if (effects.empty()) return std::nullopt;
+    const std::optional<HexReading> file = ReadHexFile(path);
+    effects = sequence.Start(file ? file->bytes : HexBytes());
+    if (effects.empty()) {
+      LogRefusal(file, path);
+      return std::nullopt;
+    }
     if (const std::optional<PicRequest> lost = TakeUnansweredHead(stepTimeout)) LogTakenAway(*lost);
   } catch (const std::bad_alloc&) {
     return std::nullopt;
@@ -128,6 +163,7 @@ void Bootloader::FollowTimer() {
 
 void Bootloader::Do(const SendRequest& request) {
   lateAnswerDue = false;
+  LogStep(request);
   EnqueueForUpdate(request.content, request.type);
 }
 
@@ -155,7 +191,9 @@ void Bootloader::Do(const PostProgress& progress) {
 }
 
 void Bootloader::Do(const LogFailure& log) {
-  Log().WriteError(kFirmwareLogTag, Widen(Describe(log.failure)));
+  const WideText text = Widen(Describe(log.failure));
+  if (IsOfVerifying(log.failure)) Log().WriteDetail(TEXT("Verify fail"), text);
+  Log().WriteError(kFirmwareLogTag, text);
 }
 
 }  // namespace veltra

@@ -95,7 +95,31 @@ HexBytes InOrder(const std::vector<HexBytes::Start>& runs, std::span<const uint8
   return {std::move(starts), std::move(ordered)};
 }
 
+const char* TextOf(HexRule rule) {
+  switch (rule) {
+    case HexRule::kLongEnough:
+      return "a line, comments included, has at least 11 characters";
+    case HexRule::kBeginning:
+      return "a line begins with \":\" (a record) or \";\" (a comment)";
+    case HexRule::kDigits:
+      return "behind the \":\" stand hexadecimal digits only";
+    case HexRule::kLength:
+      return "a record is as long as its byte count says: 11 characters and two for each byte";
+    case HexRule::kType:
+      return "the record type is 00 to 05";
+    case HexRule::kChecksum:
+      return "the bytes of a record, checksum included, add up to 0 modulo 256";
+    case HexRule::kNotBehindEnd:
+      return "behind the end-of-file record stand only comments and other end-of-file records";
+  }
+  return "";
+}
+
 }  // namespace
+
+std::string Describe(const HexFault& fault) {
+  return "line " + std::to_string(fault.line) + " breaks the rule: " + TextOf(fault.rule);
+}
 
 HexRun HexBytes::Run(size_t n) const {
   const size_t end = n + 1 < starts_.size() ? starts_[n + 1].offset : bytes_.size();

@@ -110,6 +110,9 @@ struct HexFault {
   std::string text;  // of the line, no more than one character longer than the longest record
 };
 
+// "line 2 breaks the rule: the record type is 00 to 05"
+std::string Describe(const HexFault& fault);
+
 // What is accepted, though whoever made the file may have meant something else. Lines from 1, 0 when there is
 // none.
 struct HexRemarks {

@@ -21,27 +21,27 @@ bool ReadPiece(const UniqueFile& file, std::vector<char>& piece, uint64_t left) 
 }
 
 // To the size that the file has now; a file that ends earlier cannot be read.
-HexBytes ReadToSize(const UniqueFile& file, uint64_t size) {
+std::optional<HexReading> ReadToSize(const UniqueFile& file, uint64_t size) {
   HexReader reader;
   std::vector<char> piece;
   for (uint64_t left = size; left > 0; left -= piece.size()) {
-    if (!ReadPiece(file, piece, left)) return {};
-    if (!reader.Take({piece.data(), piece.size()})) return {};
+    if (!ReadPiece(file, piece, left)) return std::nullopt;
+    if (!reader.Take({piece.data(), piece.size()})) break;
   }
-  return reader.Finish().bytes;
+  return reader.Finish();
 }
 
 }  // namespace
 
-HexBytes ReadHexFile(const WideText& path) {
+std::optional<HexReading> ReadHexFile(const WideText& path) {
   const UniqueFile file(
       CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
   LARGE_INTEGER size = {};
-  if (!file || !GetFileSizeEx(file.Get(), &size)) return {};
+  if (!file || !GetFileSizeEx(file.Get(), &size)) return std::nullopt;
   try {
     return ReadToSize(file, static_cast<uint64_t>(size.QuadPart));
   } catch (const std::bad_alloc&) {  // a file far larger than any firmware, on a 32-bit Windows
-    return {};
+    return std::nullopt;
   }
 }
 

@@ -198,26 +198,6 @@ void PrintRanges(const std::vector<Range>& ranges) {
     std::printf("    and %zu more ranges  %" PRIu64 " bytes\n", ranges.size() - kMostLines, unprinted);
 }
 
-const char* TextOf(HexRule rule) {
-  switch (rule) {
-    case HexRule::kLongEnough:
-      return "a line, comments included, has at least 11 characters";
-    case HexRule::kBeginning:
-      return "a line begins with \":\" (a record) or \";\" (a comment)";
-    case HexRule::kDigits:
-      return "behind the \":\" stand hexadecimal digits only";
-    case HexRule::kLength:
-      return "a record is as long as its byte count says: 11 characters and two for each byte";
-    case HexRule::kType:
-      return "the record type is 00 to 05";
-    case HexRule::kChecksum:
-      return "the bytes of a record, checksum included, add up to 0 modulo 256";
-    case HexRule::kNotBehindEnd:
-      return "behind the end-of-file record stand only comments and other end-of-file records";
-  }
-  return "";
-}
-
 // What a terminal can show of a line.
 std::string Printable(std::string_view line) {
   constexpr size_t kMostCharacters = 100;
@@ -232,8 +212,7 @@ std::string Printable(std::string_view line) {
 }
 
 void PrintFault(const HexFault& fault) {
-  std::printf("  line %" PRIu64 " breaks the rule: %s\n    %s\n", fault.line, TextOf(fault.rule),
-              Printable(fault.text).c_str());
+  std::printf("  %s\n    %s\n", Describe(fault).c_str(), Printable(fault.text).c_str());
 }
 
 void PrintRemarks(const HexRemarks& remarks) {

@@ -222,6 +222,7 @@ TEST_F(FirmwareUpdate, AFileThatCannotBeUsedStartsNothing) {
     Begin(text);
     EXPECT_EQ(AwaitEnd(), kNotStarted);
   }
+  EXPECT_NE(Log().find("refused, line 18 breaks the rule: a line begins with"), std::string::npos) << Log();
   machine.disk.Hold(kFile, true);  // another program works on it
   Begin(HexText(Rows({0x1800})));
   EXPECT_EQ(AwaitEnd(), kNotStarted);
