@@ -41,7 +41,10 @@ bool StartPicComm() {
     TellThatItIsClosed(TEXT("failed to open port"));
     return false;
   }
-  port->StartMon(MainWindow(), nullptr);
+  if (!port->StartMon(MainWindow(), nullptr)) {
+    TellThatItIsClosed(TEXT("failed to start the monitor"));
+    return false;
+  }
   Link().picPort = std::move(port);
   ++Link().openings;
   if (!PostMessageW(MainWindow(), WM_PIC_LINE_OPENED, Link().openings, 0)) RepeatAstrayHead();
@@ -56,6 +59,7 @@ void StopPicComm() {
   NoteLostAnswer();
   if (!port) return;
   port->StopMon();
+  if (!port->IsOpen()) Log().WriteError(kDeviceChangeTag, TEXT("Pic port does not stop, left to its thread"));
   port->Close();
 }
 
@@ -82,7 +86,7 @@ void OnPicPortChange(const WideText& portName, bool arrived) {
 void OnPicLineLost() {
   if (!IsLineLost()) return;  // a message of an earlier opening
   Log().WriteError(kDeviceChangeTag, TEXT("Pic port lost without notice"));
-  Link().whenLineIsGone();
+  StopPicComm();
   StartPortRetryTimer();
 }
 

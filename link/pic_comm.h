@@ -23,8 +23,8 @@ void StopPicComm();
 // line only.
 void OnPicPortChange(const WideText& portName, bool arrived);
 
-// The monitor thread ended because the device is gone, and no removal was announced: lets go of what the
-// switches hold down and tries to open the port again after the retry time.
+// The monitor thread ended because the device is gone, and no removal was announced: closes the port at once,
+// as its name cannot come back before, and tries to open it again after the retry time.
 void OnPicLineLost();
 
 // Posted behind the bytes of earlier openings; `opening` counts them.

@@ -23,6 +23,7 @@ constexpr DWORD kWriteMsPerByte = 10;
 constexpr DWORD kWriteMs = 1000;
 constexpr DWORD kPostRetryMs = 10;  // between two tries to post into a full message queue
 constexpr DWORD kStopRetryMs = 50;  // between two requests to stop waiting for events
+constexpr int kStopTries = 100;
 
 bool ApplyTimeouts(HANDLE port) {
   COMMTIMEOUTS timeouts = {};
@@ -63,10 +64,6 @@ DWORD TakeErrorFlags(HANDLE port) {
   return flags;
 }
 
-void ShowReadError(const WCHAR* format, DWORD number) {
-  MessageBoxW(nullptr, FormatText(format, number).c_str(), nullptr, MB_OK);
-}
-
 }  // namespace
 
 // What the owner's thread and the monitor thread share. Reads and writes have an OVERLAPPED each, so that
@@ -83,6 +80,8 @@ struct CSerialInput::Line {
   HWND targetWindow = nullptr;
   DataCallback dataCallback = nullptr;
   int32_t portNumber = 0;
+  std::atomic<bool> showsBox = false;     // the monitor thread waits for a person, not for the driver
+  std::atomic<bool> isAbandoned = false;  // its owner has given it up: nobody takes its bytes
 
   ~Line() { ClosePort(); }
 
@@ -105,7 +104,14 @@ struct CSerialInput::Line {
     return true;
   }
 
+  void ShowReadError(const WCHAR* format, DWORD number) {
+    showsBox = true;
+    MessageBoxW(nullptr, FormatText(format, number).c_str(), nullptr, MB_OK);
+    showsBox = false;
+  }
+
   void Deliver(std::span<const uint8_t> bytes) {
+    if (isAbandoned) return;
     if (!targetWindow) {
       if (dataCallback) dataCallback(portNumber, bytes.data(), static_cast<uint32_t>(bytes.size()));
       return;
@@ -193,10 +199,21 @@ void CSerialInput::StopMon() {
   Line& line = *line_;
   if (!line.monitorStopped) return;
   SetEvent(line.stopRequested.Get());
-  while (line.port != INVALID_HANDLE_VALUE) {
+  for (int n = 0; n < kStopTries && !line.showsBox; ++n) {
+    if (line.port == INVALID_HANDLE_VALUE) return;
     SetCommMask(line.port, 0);
-    if (WaitForSingleObject(line.monitorStopped.Get(), kStopRetryMs) != WAIT_TIMEOUT) break;
+    if (WaitForSingleObject(line.monitorStopped.Get(), kStopRetryMs) != WAIT_TIMEOUT) return;
   }
+  Abandon();
+}
+
+// Closing a port whose driver hangs could hang, too, so it stays the thread's. Behind a box the driver is
+// free.
+void CSerialInput::Abandon() {
+  line_->isAbandoned = true;
+  if (line_->showsBox) line_->ClosePort();
+  line_ = std::make_shared<Line>();
+  isOpen_ = false;
 }
 
 bool CSerialInput::IsMonitoring() const {
@@ -214,21 +231,21 @@ DWORD WINAPI CSerialInput::CommThreadProc(void* line) {
   } catch (...) {
     OutputDebugStringW(TEXT("serial monitor ended by an exception\r\n"));
   }
+  Line& ended = **owned;
+  SetEvent(ended.monitorStopped.Get());
+  if (!ended.IsStopRequested() && ended.targetWindow) ended.Post(WM_PIC_LINE_LOST, 0);
   return 0;
 }
 
+// Until the line is being closed or is lost. Who sets another mask ends a wait with an empty one, and so does
+// a driver that is going.
 void CSerialInput::Monitor(Line& line) {
-  if (!SetCommMask(line.port, EV_RXCHAR)) {
-    line.ClosePort();
-    return;
-  }
+  if (!SetCommMask(line.port, EV_RXCHAR)) return;
   while (line.port != INVALID_HANDLE_VALUE && !line.IsStopRequested()) {
     DWORD events = 0;
-    if (!WaitCommEvent(line.port, &events, nullptr)) break;
-    if ((events & EV_RXCHAR) && !Drain(line)) break;
+    if (!WaitCommEvent(line.port, &events, nullptr) || events == 0) return;
+    if ((events & EV_RXCHAR) && !Drain(line)) return;
   }
-  SetEvent(line.monitorStopped.Get());
-  if (!line.IsStopRequested() && line.targetWindow) line.Post(WM_PIC_LINE_LOST, 0);
 }
 
 // Hands on all that the driver holds. False when the driver does not even tell how much that is: some report
@@ -251,13 +268,13 @@ uint32_t CSerialInput::Read(Line& line, uint8_t* buffer, uint32_t wanted) {
   DWORD received = 0;
   if (ReadFile(port, buffer, wanted, &received, &line.readOverlapped)) return received;
   if (GetLastError() != ERROR_IO_PENDING) {
-    if (const DWORD flags = TakeErrorFlags(port)) ShowReadError(TEXT("<CE3-%u>"), flags);
+    if (const DWORD flags = TakeErrorFlags(port)) line.ShowReadError(TEXT("<CE3-%u>"), flags);
     return 0;
   }
   const DWORD error = AwaitTransfer(port, line.readOverlapped, received);
   if (error == ERROR_SUCCESS) return received;
-  ShowReadError(TEXT("<CE1-%u>"), error);
-  if (const DWORD flags = TakeErrorFlags(port)) ShowReadError(TEXT("<CE2-%u>"), flags);
+  line.ShowReadError(TEXT("<CE1-%u>"), error);
+  if (const DWORD flags = TakeErrorFlags(port)) line.ShowReadError(TEXT("<CE2-%u>"), flags);
   return received;
 }
 

@@ -41,6 +41,8 @@ class CSerialInput {
   // could be had; the port is closed then.
   virtual bool StartMon(HWND targetWindow, DataCallback dataCallback);
   // Returns when the monitor thread has seen its end. Bytes that it could not post until then are dropped.
+  // Gives up after 5 s, and at once while the thread shows a box: the line is the thread's then and the port
+  // counts as closed here.
   virtual void StopMon();
   [[nodiscard]] virtual bool IsMonitoring() const;
   [[nodiscard]] virtual int32_t GetPort() const { return portNumber_; }
@@ -51,6 +53,7 @@ class CSerialInput {
  private:
   struct Line;
 
+  void Abandon();
   static DWORD WINAPI CommThreadProc(void* line);
   static void Monitor(Line& line);
   static bool Drain(Line& line);

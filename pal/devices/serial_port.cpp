@@ -80,7 +80,7 @@ void PortHandle::DeviceGone() {
 
 // The driver ends a wait at the moment of the event, even when the waiting thread comes to run later.
 void PortHandle::EndWait(Outcome outcome) {
-  if (!wait_ || wait_->outcome) return;
+  if (!wait_ || wait_->outcome || port_.hangs_) return;
   wait_->outcome = outcome;
   port_.state_.scheduler.Notify();
 }
@@ -163,10 +163,9 @@ DWORD PortHandle::WaitEvent(DWORD* events) {
     FetchFromTty();
     const Waited waited = port_.state_.scheduler.Wait(isOver, std::nullopt, tty_ ? tty_->Descriptor() : -1);
     if (waited == Waited::kReadable) continue;
-    if (waited == Waited::kProgramEnds) EndWait({ERROR_OPERATION_ABORTED, 0});
     break;
   }
-  const Outcome outcome = *wait_->outcome;
+  const Outcome outcome = wait_->outcome.value_or(Outcome{ERROR_OPERATION_ABORTED, 0});
   wait_.reset();
   if (events) *events = outcome.events;
   return outcome.error;
@@ -292,6 +291,13 @@ bool Port::IsOpen() const {
 void Port::FailNextRead(DWORD error, DWORD commErrors, bool atOnce) {
   const MachineLock lock(state_.mutex);
   readFailure_ = {error, commErrors, atOnce};
+}
+
+void Port::Hang(bool hangs) {
+  const MachineLock lock(state_.mutex);
+  hangs_ = hangs;
+  const std::shared_ptr<PortHandle> handle = handle_.lock();
+  if (!hangs && handle) handle->WakeWithoutEvent();
 }
 
 DCB Port::Settings() const {

@@ -41,6 +41,7 @@ class PortHandle final : public Object {
   // The line's side.
   void Raise(DWORD events);  // those of the mask end the wait, or are kept for the next one
   void DeviceGone();
+  void WakeWithoutEvent() { EndWait({ERROR_SUCCESS, 0}); }
   [[nodiscard]] bool IsAlive() const { return !deviceGone_ && !closed_; }
 
  private:
@@ -76,6 +77,7 @@ class Port final : public SerialPort {
   void Return() override;
   [[nodiscard]] bool IsOpen() const override;
   void FailNextRead(DWORD error, DWORD commErrors, bool atOnce) override;
+  void Hang(bool hangs) override;
   [[nodiscard]] DCB Settings() const override;
   [[nodiscard]] COMMTIMEOUTS Timeouts() const override;
   void SetDriverDefaults(const DCB& dcb) override;
@@ -99,6 +101,7 @@ class Port final : public SerialPort {
   const int number_;
   std::filesystem::path ttyPath_;  // empty: in memory
   bool present_ = true;
+  bool hangs_ = false;
   std::function<void(std::span<const uint8_t>)> device_;
   std::weak_ptr<PortHandle> handle_;
   std::deque<uint8_t> input_;

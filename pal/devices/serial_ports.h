@@ -31,6 +31,9 @@ class SerialPort {
   // The next read fails with this error, in the call itself or in its completion, and raises these flags of
   // ClearCommError.
   virtual void FailNextRead(DWORD error, DWORD commErrors, bool atOnce = false) = 0;
+  // The driver hangs: no wait for events ends, whatever happens. When it no longer does, a wait ends with an
+  // empty mask.
+  virtual void Hang(bool hangs) = 0;
   // The settings that the program made last, for tests.
   [[nodiscard]] virtual DCB Settings() const = 0;
   [[nodiscard]] virtual COMMTIMEOUTS Timeouts() const = 0;

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <random>
+#include <stdexcept>
 
 #include "pal/machine/machine.h"
 
@@ -131,16 +132,72 @@ TEST_F(Serial, AMonitorThatCannotStartClosesThePort) {
   ExpectNothingLeft();
 }
 
-// The driver refuses the mask with which the monitor listens, or the one with which it is stopped.
-TEST_F(Serial, ARefusedMaskNeverHangsTheStop) {
-  for (const int mask : {0, 1}) {
-    machine.Fail("SetCommMask", 1, ERROR_GEN_FAILURE, mask);
-    Run([] {
-      CSerialInput serial(2, u"");
-      EXPECT_TRUE(serial.StartMon(nullptr, nullptr));
-      Sleep(10);
-      serial.StopMon();
+// The driver refuses the mask with which the monitor listens, or the one with which it is stopped; it ends
+// the wait with an empty mask; whoever takes the bytes throws.
+TEST_F(Serial, AMonitorThatEndsByItselfSaysSoAndStopsAtOnce) {
+  enum { kRefusedStart, kRefusedStop, kEmptyMask, kException, kEnd };
+  for (int what = 0; what < kEnd; ++what) {
+    Collector collector;
+    if (what <= kRefusedStop) machine.Fail("SetCommMask", 1, ERROR_GEN_FAILURE, what);
+    machine.clock.After(5ms, [&] {
+      if (what == kException) port.Deliver(std::vector<uint8_t>(1, 'x'));
+      if (what != kEmptyMask) return;
+      port.Hang(true);
+      port.Hang(false);
     });
+    Run([&] {
+      CSerialInput serial(2, u"");
+      const HWND window = what == kException ? nullptr : CreateCollectorWindow(collector);
+      EXPECT_TRUE(serial.StartMon(
+          window, [](int32_t, const uint8_t*, uint32_t) { throw std::runtime_error("no room"); }));
+      Sleep(10);
+      EXPECT_EQ(serial.IsMonitoring(), what == kRefusedStop);
+      serial.StopMon();
+      EXPECT_TRUE(serial.IsOpen());
+      PumpUntil([&] { return collector.linesLost > 0; });
+    });
+    EXPECT_EQ(collector.linesLost, what == kRefusedStart || what == kEmptyMask) << what;
+    ExpectNothingLeft();
+  }
+}
+
+// Behind a box that nobody answers the port is free at once; with a driver that hangs it is the thread's
+// until that comes back.
+TEST_F(Serial, AThreadThatDoesNotStopIsLeftToItself) {
+  for (const bool isBox : {true, false}) {
+    Collector collector;
+    pal::Time took{};
+    machine.clock.After(5ms, [&] {
+      if (isBox)
+        port.FailNextRead(1117, 0);
+      else
+        port.Hang(true);
+      port.Deliver(std::vector<uint8_t>(1, 'x'));
+    });
+    machine.clock.After(20s, [&] {
+      if (isBox)
+        machine.boxes.Answer(IDOK);
+      else
+        port.Hang(false);
+    });
+    Run([&] {
+      CSerialInput serial(2, u"");
+      serial.StartMon(CreateCollectorWindow(collector), nullptr);
+      Sleep(10);
+      const pal::Time before = machine.clock.Now();
+      serial.StopMon();
+      took = machine.clock.Now() - before;
+      EXPECT_FALSE(serial.IsOpen());
+      EXPECT_FALSE(serial.IsMonitoring());
+      serial.Close();
+      EXPECT_EQ(CSerialInput(2, u"").IsOpen(), isBox);
+      Sleep(20000);
+      PumpUntil([&] { return collector.linesLost > 0; });
+    });
+    EXPECT_GE(took, isBox ? 0s : 5s);
+    EXPECT_LE(took, isBox ? 0s : 6s);
+    EXPECT_TRUE(collector.bytes.empty());
+    EXPECT_EQ(collector.linesLost, 0);
     ExpectNothingLeft();
   }
 }
