@@ -140,7 +140,7 @@ if(WIN32)
 endif()
 
 # For the people who make firmware.
-add_executable(hexinfo tools/hexinfo.cpp)
+add_executable(hexinfo tools/hexinfo.cpp tools/update_forecast.cpp)
 target_link_libraries(hexinfo PRIVATE veltra_cores)
 if(WIN32)
   target_link_options(hexinfo PRIVATE -s)

@@ -273,6 +273,9 @@ HexReading HexReader::Finish() {
   reading.remarks = remarks_;
   if (reading.fault) return reading;
   reading.remarks.unreadLength = heldLength_;
+  Record last;
+  const bool endsUnread = Decode(HeldLine(), last) > 0 && last.Type() == kEndOfFile;
+  reading.remarks.endMissing = !endSeen_ && !endsUnread;
   const size_t read = bytes_.size();
   reading.bytes = ascending_ ? HexBytes(std::move(starts_), std::move(bytes_)) : InOrder(starts_, bytes_);
   reading.remarks.replacedBytes = read - reading.bytes.size();

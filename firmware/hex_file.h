@@ -120,6 +120,7 @@ struct HexRemarks {
   uint64_t oddUpperLine = 0;   // the first record of type 04 without exactly two data bytes
   uint64_t unreadLength = 0;   // characters of a last line that has no end
   uint64_t replacedBytes = 0;  // bytes that a later record gave another time
+  bool endMissing = false;     // no record of type 01, not even as a last line that has no end
 };
 
 struct HexReading {

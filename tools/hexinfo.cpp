@@ -1,45 +1,42 @@
 // hexinfo: what the device tool makes of a HEX file, for the person who makes firmware.
 //
-// Says whether an update accepts the file and, if not, which line breaks which rule; what an update with it
-// erases and writes, which bytes it leaves out, and how long it takes.
-#include <algorithm>
-#include <array>
+// Says whether an update accepts the file and, if not, which line breaks which rule; whether it can succeed;
+// what an update with it erases and writes, which bytes it leaves out, what the flash then holds, and how
+// long it takes.
 #include <cinttypes>
 #include <cstdio>
 #include <fstream>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
-#include "firmware/boot_sequence.h"
 #include "firmware/flash_image.h"
 #include "firmware/hex_file.h"
-#include "link/frame.h"
 #include "tools/command_line_program.h"
+#include "tools/update_forecast.h"
 
 namespace {
 
 using namespace veltra;
 
-constexpr int kAccepted = 0;
-constexpr int kRefused = 1;
+constexpr int kSucceeds = 0;
+constexpr int kFails = 1;
 constexpr int kNoAnswer = 2;  // usage, or a file that cannot be read or written
 
 constexpr char kUsage[] =
     "usage: hexinfo [--binary OUT] FILE\n"
     "\n"
-    "Says whether the device tool accepts the HEX file FILE for an update of the controller, what the update "
-    "would\n"
-    "do and how long it would take; or which line of the file breaks which rule.\n"
+    "Says whether an update of the controller with the HEX file FILE can succeed, what it would do and how "
+    "long\n"
+    "it would take; or which line of the file breaks which rule.\n"
     "\n"
     "  --binary OUT  also write the bytes of the file to OUT, from its lowest address to its highest, gaps "
     "as 0\n"
     "  --help        print this\n"
     "\n"
-    "Exit code: 0 accepted, 1 refused, 2 wrong usage or a file that cannot be read or written.\n";
+    "Exit code: 0 accepted, 1 refused or bound to fail, 2 wrong usage or a file that cannot be read or "
+    "written.\n";
 
 struct Options {
   bool help = false;
@@ -95,94 +92,7 @@ bool WriteBinary(const std::string& path, const HexBytes& bytes) {
   return !file.fail();
 }
 
-// ---- how long an update takes
-
-constexpr double kBitsPerSecond = 57600;
-constexpr double kBitsPerByte = 10;       // start bit, 8 data bits, stop bit
-constexpr double kPausePerFrame = 0.005;  // the tool's, behind the first byte of each of its frames
-
-struct LineUse {
-  double bytes = 0;  // in both directions
-  double framesOfTool = 0;
-
-  void Command(const std::vector<uint8_t>& message) {
-    bytes += static_cast<double>(EncodeFrame(message).size());
-    ++framesOfTool;
-  }
-  void Answer(const std::vector<uint8_t>& message) {
-    bytes += static_cast<double>(EncodeFrame(message).size());
-  }
-  [[nodiscard]] double Seconds() const {
-    return bytes * kBitsPerByte / kBitsPerSecond + framesOfTool * kPausePerFrame;
-  }
-};
-
-std::vector<uint8_t> MessageOf(MessageType type, std::span<const uint8_t> content) {
-  std::vector<uint8_t> message;
-  message.reserve(content.size() + 1);
-  message.push_back(static_cast<uint8_t>(type));
-  message.insert(message.end(), content.begin(), content.end());
-  return message;
-}
-
-// What the controller does with a request, as shortly as can be, and what the update makes of that.
-BootEffects Answer(BootSequence& update, const SendRequest& request, LineUse& use) {
-  if (request.type == MessageType::kText) {
-    use.Answer(MessageOf(MessageType::kReply, std::array<uint8_t, 1>{}));
-    return update.OnEnterBootloader();
-  }
-  if (request.type != MessageType::kReadMemory) {
-    use.Answer(MessageOf(request.type, {}));
-    return update.OnResponse(0, {});
-  }
-  const FlashRow& row = *update.fileImage.FindRow(update.verifyQueue.front());
-  std::vector<uint8_t> content = request.content;  // the answer says again which row it is
-  content.insert(content.end(), row.bytes.begin(), row.bytes.end());
-  use.Answer(MessageOf(request.type, content));
-  return update.OnResponse(row.address, row.bytes);
-}
-
-// The frames of the update that begins with these effects, every step of it answered at once.
-LineUse LineUseOf(BootSequence& update, BootEffects effects) {
-  LineUse use;
-  SendRequest last{};
-  for (bool sent = true; sent;) {
-    sent = false;
-    for (const BootEffect& effect : effects) {
-      if (const auto* request = std::get_if<SendRequest>(&effect)) last = *request;
-      const bool isRepeated = std::holds_alternative<RepeatRequest>(effect);
-      if (!isRepeated && !std::holds_alternative<SendRequest>(effect)) continue;
-      use.Command(MessageOf(last.type, last.content));
-      sent = true;
-    }
-    if (sent) effects = Answer(update, last, use);
-  }
-  return use;
-}
-
 // ---- the report
-
-struct Range {
-  uint64_t begin;
-  uint64_t end;  // behind the last address
-};
-
-// The parts of the runs that an update leaves out, ascending.
-std::vector<Range> OutsideWindow(const HexBytes& bytes) {
-  std::vector<Range> outside;
-  for (size_t n = 0; n < bytes.RunCount(); ++n) {
-    const HexRun run = bytes.Run(n);
-    uint64_t begin = run.address;
-    const uint64_t end = begin + run.bytes.size();
-    for (const AddressRange& inside : kProgrammableWindow) {
-      if (begin < inside.begin) outside.push_back({begin, std::min<uint64_t>(end, inside.begin)});
-      begin = std::max<uint64_t>(begin, std::min<uint64_t>(end, inside.end));
-      if (begin == end) break;
-    }
-    if (begin < end) outside.push_back({begin, end});
-  }
-  return outside;
-}
 
 void PrintRanges(const std::vector<Range>& ranges) {
   constexpr size_t kMostLines = 32;
@@ -230,39 +140,60 @@ void PrintRemarks(const HexRemarks& remarks) {
   if (remarks.replacedBytes != 0)
     std::printf("  warning: %" PRIu64 " bytes are replaced by later ones for the same addresses\n",
                 remarks.replacedBytes);
+  if (remarks.endMissing)
+    std::printf("  warning: no end-of-file record (type 01) is read; is the file whole?\n");
 }
 
-void PrintUpdate(BootSequence& update, const BootEffects& begin) {
-  const size_t pages = update.eraseQueue.size();
-  const size_t rows = update.writeQueue.size();
-  const LineUse use = LineUseOf(update, begin);
-  std::printf("  %zu pages to erase, %zu rows to write and read back\n", pages, rows);
+void PrintForecast(const UpdateForecast& forecast) {
+  std::printf("  %zu pages to erase, %zu rows to write and read back\n", forecast.pages, forecast.rows);
   std::printf(
       "  %.1f s at %.0f baud (%.0f bytes on the line), and what the controller needs to erase and write\n",
-      use.Seconds(), kBitsPerSecond, use.bytes);
+      forecast.seconds, kBitsPerSecond, forecast.bytesOnLine);
+  std::printf("  in the flash, CRC-32 %08" PRIX32 ":\n", forecast.checksum);
+  PrintRanges(forecast.written);
+  if (forecast.erasedOnly.empty()) return;
+  std::printf("  erased with their pages, and not written:\n");
+  PrintRanges(forecast.erasedOnly);
+  if (forecast.erasesReservedRow)
+    std::printf("  warning: among them is row 0x%05" PRIX32 ", which no update writes\n", kReservedFlashRow);
 }
 
-// Prints the report; whether an update accepts the file.
+void PrintUnverifiable(const std::vector<HexByte>& bytes) {
+  if (bytes.empty()) return;
+  std::printf("  an update with it ends with error -103: fourth bytes of instructions read back as 00\n");
+  std::printf("    0x%05" PRIX32 " is %02X", bytes.front().address, bytes.front().value);
+  if (bytes.size() > 1) std::printf(", and %zu more are not 00", bytes.size() - 1);
+  std::printf("\n");
+}
+
+const char* VerdictOf(const UpdateForecast& forecast) {
+  if (!forecast.starts) return "refused";
+  return forecast.unverifiable.empty() ? "accepted" : "would fail";
+}
+
+// Prints the report; whether an update succeeds, as far as the file tells.
 bool Report(const std::string& name, const HexReading& reading) {
-  BootSequence update;
-  const BootEffects begin = update.Start(reading.bytes);
-  const bool accepted = !begin.empty();
-  std::printf("%s: %s\n", accepted ? "accepted" : "refused", name.c_str());
+  const UpdateForecast forecast = Foresee(reading.bytes);
+  std::printf("%s: %s\n", VerdictOf(forecast), name.c_str());
+  PrintUnverifiable(forecast.unverifiable);
   if (reading.fault) {
     PrintFault(*reading.fault);
   } else if (reading.bytes.empty()) {
     std::printf("  no data\n");
   } else {
     std::printf("  %zu bytes in %zu ranges\n", reading.bytes.size(), reading.bytes.RunCount());
-    if (!accepted) std::printf("  no byte lies where an update writes\n");
+    if (!forecast.starts) std::printf("  no byte lies where an update writes\n");
   }
-  if (accepted) PrintUpdate(update, begin);
-  if (const std::vector<Range> outside = OutsideWindow(reading.bytes); !outside.empty()) {
+  if (forecast.starts) PrintForecast(forecast);
+  if (!forecast.outside.empty()) {
     std::printf("  outside the programmable window, not written:\n");
-    PrintRanges(outside);
+    PrintRanges(forecast.outside);
   }
+  if (2 * forecast.outsideBytes > reading.bytes.size())
+    std::printf(
+        "  warning: most of it lies outside the programmable window; was it linked for this bootloader?\n");
   PrintRemarks(reading.remarks);
-  return accepted;
+  return forecast.starts && forecast.unverifiable.empty();
 }
 
 int Fail(const char* what, const std::string& path) {
@@ -273,10 +204,10 @@ int Fail(const char* what, const std::string& path) {
 int Run(const Options& options) {
   const std::optional<HexReading> reading = ReadFile(options.file);
   if (!reading) return Fail("read", options.file);
-  const bool accepted = Report(options.file, *reading);
+  const bool succeeds = Report(options.file, *reading);
   if (!options.binary.empty() && !reading->bytes.empty() && !WriteBinary(options.binary, reading->bytes))
     return Fail("write", options.binary);
-  return accepted ? kAccepted : kRefused;
+  return succeeds ? kSucceeds : kFails;
 }
 
 }  // namespace

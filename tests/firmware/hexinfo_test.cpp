@@ -37,49 +37,77 @@ std::string Records(unsigned first, unsigned last, unsigned step, unsigned byte)
 TEST_F(Hexinfo, TellsWhatAnUpdateDoesWithAFile) {
   const std::string time = " bytes on the line), and what the controller needs to erase and write\n";
   const std::string outside = "  outside the programmable window, not written:\n";
+  const std::string erased = "  erased with their pages, and not written:\n";
+  const std::string bound =
+      "  an update with it ends with error -103: fourth bytes of instructions read back as 00\n";
+  const std::string noEnd = "  warning: no end-of-file record (type 01) is read; is the file whole?\n";
   std::string lines;
   char line[64];
   for (unsigned n = 0; n < 64; n += 2)
     lines.append(
         line, static_cast<size_t>(std::snprintf(line, sizeof line, "    0x%05X to 0x%05X  1 bytes\n", n, n)));
   const struct {
+    int code;
     std::string text;
     std::string printed;
   } kCases[] = {
       // One byte in each of three rows of one page and in one row of another.
-      {":011800005592\n:011900005591\n:011FFF00558C\n:01200000558A\n",
-       "  4 bytes in 3 ranges\n  2 pages to erase, 4 rows to write and read back\n"
+      {0, ":011800005592\n:011900005591\n:011F0000558B\n:01200000558A\n:00000001FF\n",
+       "accepted: a.hex\n  4 bytes in 4 ranges\n  2 pages to erase, 4 rows to write and read back\n"
        "  0.5 s at 57600 baud (2256" +
-           time},
-      // 17FE to 1801, and the ends of the row at 12800 with their neighbours.
-      {":0417FE0001020304DD\n:020000040001F9\n:0227FF000102D5\n:0228FF000102D4\n:0247FF000102B5\n",
-       "  10 bytes in 4 ranges\n  4 pages to erase, 4 rows to write and read back\n"
-       "  0.5 s at 57600 baud (2278" +
-           time + outside +
-           "    0x017FE to 0x017FF  2 bytes\n    0x12800 to 0x12800  1 bytes\n"
-           "    0x128FF to 0x128FF  1 bytes\n    0x14800 to 0x14800  1 bytes\n"},
-      // Bytes of the frames: enter 19, its reply 6; erase 9, twice, answer 5; write 265, answer 5; read 9,
-      // answer
-      // 265; finish 5, answer 5.
-      {":020000021000EC\n:00000004FC\n:0118000001E6\n:0118000002E5\n",
-       "  1 bytes in 1 ranges\n  1 pages to erase, 1 rows to write and read back\n"
-       "  0.1 s at 57600 baud (602" +
            time +
+           "  in the flash, CRC-32 E88598A2:\n"
+           "    0x01800 to 0x019FF  512 bytes\n    0x01F00 to 0x020FF  512 bytes\n" +
+           erased + "    0x01A00 to 0x01EFF  1280 bytes\n    0x02100 to 0x027FF  1792 bytes\n"},
+      // 17FE to 1801, and the ends of the row at 12800 with their neighbours: 127FF and 147FF are fourth
+      // bytes.
+      {1, ":0417FE0001020304DD\n:020000040001F9\n:0227FF000102D5\n:0228FF000102D4\n:0247FF000102B5\n",
+       "would fail: a.hex\n" + bound +
+           "    0x127FF is 01, and 1 more are not 00\n"
+           "  10 bytes in 4 ranges\n  4 pages to erase, 4 rows to write and read back\n"
+           "  0.5 s at 57600 baud (2278" +
+           time +
+           "  in the flash, CRC-32 61CBB800:\n"
+           "    0x01800 to 0x018FF  256 bytes\n    0x12700 to 0x127FF  256 bytes\n"
+           "    0x12900 to 0x129FF  256 bytes\n    0x14700 to 0x147FF  256 bytes\n" +
+           erased +
+           "    0x01900 to 0x01FFF  1792 bytes\n    0x12000 to 0x126FF  1792 bytes\n"
+           "    0x12800 to 0x128FF  256 bytes\n    0x12A00 to 0x12FFF  1536 bytes\n"
+           "    0x14000 to 0x146FF  1792 bytes\n"
+           "  warning: among them is row 0x12800, which no update writes\n" +
+           outside +
+           "    0x017FE to 0x017FF  2 bytes\n    0x12800 to 0x12800  1 bytes\n"
+           "    0x128FF to 0x128FF  1 bytes\n    0x14800 to 0x14800  1 bytes\n" +
+           noEnd},
+      // Bytes of the frames: enter 19, its reply 6; erase 9, twice, answer 5; write 265, answer 5; read 9,
+      // answer 265; finish 5, answer 5.
+      {0, ":020000021000EC\n:00000004FC\n:0118000001E6\n:0118000002E5\n:00000001FF",
+       "accepted: a.hex\n  1 bytes in 1 ranges\n  1 pages to erase, 1 rows to write and read back\n"
+       "  0.1 s at 57600 baud (602" +
+           time + "  in the flash, CRC-32 DC3E41E4:\n    0x01800 to 0x018FF  256 bytes\n" + erased +
+           "    0x01900 to 0x01FFF  1792 bytes\n"
            "  warning: line 1: segments (type 02) count for nothing, the data behind it go to lower "
-           "addresses; use "
-           "type 04\n"
+           "addresses; use type 04\n"
            "  warning: line 2: a type 04 record without exactly two data bytes\n"
+           "  warning: the last line has no line end, its 11 characters are not read\n"
            "  warning: 1 bytes are replaced by later ones for the same addresses\n"},
       // Each 55 is escaped.
-      {Records(0x1800, 0x18FF, 1, 0x55) + Records(0, 79, 2, 7),
-       "  296 bytes in 41 ranges\n  1 pages to erase, 1 rows to write and read back\n"
-       "  0.2 s at 57600 baud (1114" +
-           time + outside + lines + "    and 8 more ranges  8 bytes\n"},
+      {1, Records(0x1800, 0x18FF, 1, 0x55) + Records(0, 79, 2, 7) + Records(0x1000, 0x10FF, 1, 7),
+       "would fail: a.hex\n" + bound +
+           "    0x01803 is 55, and 63 more are not 00\n"
+           "  552 bytes in 42 ranges\n  1 pages to erase, 1 rows to write and read back\n"
+           "  0.2 s at 57600 baud (1114" +
+           time + "  in the flash, CRC-32 E50D6C32:\n    0x01800 to 0x018FF  256 bytes\n" + erased +
+           "    0x01900 to 0x01FFF  1792 bytes\n" + outside + lines +
+           "    and 9 more ranges  264 bytes\n"
+           "  warning: most of it lies outside the programmable window; was it linked for this "
+           "bootloader?\n" +
+           noEnd},
   };
   for (const auto& c : kCases) {
     folder.Write("a.hex", c.text);
-    EXPECT_EQ(Run("a.hex"), 0);
-    EXPECT_EQ(output, "accepted: a.hex\n" + c.printed);
+    EXPECT_EQ(Run("a.hex"), c.code);
+    EXPECT_EQ(output, c.printed);
   }
 }
 
@@ -109,9 +137,9 @@ TEST_F(Hexinfo, SaysWhyAFileIsRefused) {
 }
 
 TEST_F(Hexinfo, WritesTheBinaryAndAnswersWrongUse) {
-  folder.Write("a.hex", ":020000040001F9\n:0400000041424344F2\n:020000040000FA\n:02FFF0003132AC\n");
+  folder.Write("a.hex", ":020000040001F9\n:040000004142430036\n:020000040000FA\n:02FFF0003132AC\n");
   EXPECT_EQ(Run("--binary a.bin a.hex"), 0);
-  EXPECT_EQ(folder.Read("a.bin"), "12" + std::string(14, '\0') + "ABCD");
+  EXPECT_EQ(folder.Read("a.bin"), "12" + std::string(14, '\0') + "ABC" + '\0');
   EXPECT_EQ(Run("--help"), 0);
   EXPECT_TRUE(output.starts_with("usage: hexinfo"));
   for (const char* arguments : {"", "--binary a.hex", "a.hex b.hex", "--bin x a.hex", "a.hex --binary"}) {
