@@ -47,7 +47,7 @@ struct BoardLibrary {
   int32_t(WINAPI* KEApiGetMemoryInfo)(MemoryInfo*) = nullptr;
 };
 
-// Null when there is none.
+// Null when there is none. An error line says what is missing.
 std::shared_ptr<const BoardLibrary> LoadBoardLibrary();
 
 }  // namespace veltra

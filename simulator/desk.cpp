@@ -82,8 +82,14 @@ Desk::Desk(pal::Machine& machine) : machine_(machine) {
   InstallTables(machine);
 }
 
-void Desk::Install(Library library) {
-  machine_.modules.Add(Row(library).fileName, Row(library).exports);
+void Desk::Install(Library library, std::string_view lacking) {
+  std::vector<pal::Export> exports = Row(library).exports;
+  std::erase_if(exports, [&](const pal::Export& one) { return one.name == lacking; });
+  machine_.modules.Add(Row(library).fileName, std::move(exports));
+}
+void Desk::Damage(Library library) {
+  Remove(library);
+  machine_.disk.Write(std::u16string(pal::Disk::kProgramDirectory).append(Row(library).fileName), "damaged");
 }
 void Desk::Remove(Library library) {
   machine_.modules.Remove(Row(library).fileName);

@@ -23,8 +23,11 @@ class Desk {
   Desk(const Desk&) = delete;
   Desk& operator=(const Desk&) = delete;
 
-  void Install(Library library);
+  // Without the export of that name, when one is named.
+  void Install(Library library, std::string_view lacking = {});
   void Remove(Library library);
+  // The file is there, and no library.
+  void Damage(Library library);
   // The mouse filter under the undecorated name, as a 64-bit library exports it.
   void InstallPlainMouseFilter();
 

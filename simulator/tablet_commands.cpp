@@ -62,10 +62,10 @@ Problem RunMouseFilter(World& world, Words words) {
 
 Problem RunBoard(World& world, Words words) {
   const std::string_view word = Argument(words, 1);
-  if (words.size() == 2 && word == "absent") {
-    TabletOf(world).TheDesk().Remove(Library::kBoard);
-    return {};
-  }
+  Desk& desk = TabletOf(world).TheDesk();
+  if (words.size() == 2 && word == "absent") return desk.Remove(Library::kBoard), Problem();
+  if (words.size() == 2 && word == "damaged") return desk.Damage(Library::kBoard), Problem();
+  if (words.size() == 3 && word == "lacks") return desk.Install(Library::kBoard, words[2]), Problem();
   constexpr uint8_t kCodec = 0x38;
   const std::optional<int64_t> error = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
   struct Row {
@@ -82,7 +82,7 @@ Problem RunBoard(World& world, Words words) {
   }
   const auto* row = std::ranges::find(kErrors, word, &Row::word);
   if (!error || row == std::end(kErrors))
-    return ExpectedArguments("absent|start-error|stop-error|info-error|codec-errors|serves-messages NUMBER");
+    return ExpectedArguments("absent|damaged|lacks EXPORT|start-error CODE|..., \"help\" lists them");
   TheBoard().*(row->error) = static_cast<int32_t>(*error);
   return {};
 }
@@ -118,8 +118,8 @@ constexpr WorldCommand kCommands[] = {
     {"fail", "FUNCTION TIMES", "Windows refuses the next calls of that function, as ExitWindowsEx", RunFail},
     {"joystick", "absent|free|disabled|...", "the virtual joystick; also mismatch, busy, taken", RunJoystick},
     {"mouse-filter", "absent|plain", "the mouse filter's library: none, or its 64-bit form", RunMouseFilter},
-    {"board", "absent|start-error CODE|...",
-     "the board's library; also stop-error, info-error, codec-errors, serves-messages", RunBoard},
+    {"board", "absent|damaged|lacks EXPORT|...",
+     "the board's library; also start-, stop-, info-error, codec-errors, serves-messages NUMBER", RunBoard},
     {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", RunMacroPlugin},
     {"shell", "stop|start|restart", "the taskbar goes, comes, or comes anew", RunShell},
 };

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "base/handles.h"
+#include "base/text.h"
 
 namespace veltra {
 
@@ -24,14 +25,23 @@ void LoadOnlyFromSafePlaces();
 HMODULE LoadOwnLibrary(const WCHAR* fileName);
 
 // Loads the library and looks its functions up. Where two exports name one function, the first that is there
-// counts.
+// counts. What is missing, with Windows' error, for the log; empty when all is there.
 template <class... Functions>
-void Bind(UniqueModule& module, const WCHAR* fileName, const Export<Functions>&... exports) {
-  module.Reset(LoadOwnLibrary(fileName));
+WideText Bind(UniqueModule& module, const WCHAR* fileName, const Export<Functions>&... exports) {
+  WideText missing;
+  DWORD error = ERROR_SUCCESS;
   const auto look = [&]<class Function>(const Export<Function>& wanted) {
-    if (!wanted.function) wanted.function = FindExport<Function>(module.Get(), wanted.name);
+    if (wanted.function) return;
+    wanted.function = FindExport<Function>(module.Get(), wanted.name);
+    if (wanted.function) return;
+    error = GetLastError();
+    missing += TEXT(" ") + Widen(wanted.name);
   };
+  module.Reset(LoadOwnLibrary(fileName));
+  if (!module) return FormatText(TEXT("%s: Windows error %d"), fileName, GetLastError());
   (look(exports), ...);
+  if (missing.empty()) return {};
+  return FormatText(TEXT("%s lacks%s: Windows error %d"), fileName, missing, error);
 }
 
 }  // namespace veltra

@@ -74,6 +74,8 @@ HMODULE Load(const Call& call, LPCWSTR fileName, DWORD flags) {
   }
   // Nothing is searched for: a name alone would find whatever a stranger left somewhere on the way.
   const auto file = IsFullPath(name) ? modules.FindFile(name) : nullptr;
+  if (!file && IsFullPath(name) && call->disk.Locate(name).IsFile())
+    return Refuse(ERROR_BAD_EXE_FORMAT, HMODULE{});  // a file, and no library
   if (!file) return Refuse(ERROR_MOD_NOT_FOUND, HMODULE{});
   const auto module = std::make_shared<LoadedModule>(file);
   module->handle = static_cast<HMODULE>(call->handles.Add(module));

@@ -114,10 +114,6 @@ constexpr DeviceFault kDeviceFaults[] = {
     {"playback", "refuses", "VELTRA_PLAYBACK_REFUSES"},
 };
 
-void LetDevicesWork() {
-  for (const DeviceFault& fault : kDeviceFaults) unsetenv(fault.variable);
-}
-
 Problem RunDeviceFault(World&, Words words) {
   for (const DeviceFault& fault : kDeviceFaults) {
     if (words.size() != 3 || words[0] != fault.command || words[1] != fault.word) continue;
@@ -127,9 +123,42 @@ Problem RunDeviceFault(World&, Words words) {
   return "no such fault of that device, \"help\" lists them";
 }
 
+constexpr char kBoardLibrary[] = "keapi.dll";
+
+void InstallBoardLibrary() {
+  std::filesystem::copy_file(std::filesystem::path(std::getenv("VELTRA_DEVICES")) / kBoardLibrary,
+                             ProgramPath(kBoardLibrary), std::filesystem::copy_options::overwrite_existing);
+}
+
+void LetDevicesWork() {
+  for (const DeviceFault& fault : kDeviceFaults) unsetenv(fault.variable);
+  InstallBoardLibrary();
+}
+
+// Its name in the library ends in another letter, which leaves the names in their order.
+Problem RemoveExport(const std::string& name) {
+  InstallBoardLibrary();
+  std::fstream file(ProgramPath(kBoardLibrary), std::ios::in | std::ios::out | std::ios::binary);
+  const std::string content(std::istreambuf_iterator<char>(file), {});
+  const size_t at = content.find(name + '\0');
+  if (at == content.npos) return "the library has no such export";
+  file.seekp(static_cast<std::streamoff>(at + name.size() - 1));
+  file.put('_');
+  return {};
+}
+
+Problem RunBoard(World& world, Words words) {
+  const std::string_view word = words.size() > 1 ? std::string_view(words[1]) : std::string_view();
+  if (words.size() == 3 && word == "lacks") return RemoveExport(words[2]);
+  if (words.size() != 2 || (word != "absent" && word != "damaged")) return RunDeviceFault(world, words);
+  std::filesystem::remove(ProgramPath(kBoardLibrary));
+  if (word == "damaged") std::ofstream(ProgramPath(kBoardLibrary)) << word;
+  return {};
+}
+
 constexpr WorldCommand kCommands[] = {
-    {"board", "start-error|stop-error|...",
-     "from the next start on; also codec-errors, serves-messages NUMBER", RunDeviceFault},
+    {"board", "absent|damaged|lacks EXPORT|...",
+     "from the next start on; also start-error, stop-error, codec-errors, serves-messages NUMBER", RunBoard},
     {"playback", "refuses FUNCTION", "the playback device, from the next start on", RunDeviceFault},
     {"command", "NUMBER", "the command of a menu item, sent to the tool", RunCommand},
     {"program", "NAME [ARGUMENT...]", "starts a program of Windows", RunProgram},
