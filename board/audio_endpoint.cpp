@@ -11,6 +11,7 @@
 
 #include "base/debug_output.h"
 #include "base/text.h"
+#include "board/endpoint_callback.h"
 #include "system/message_box.h"
 #include "system/sent_messages.h"
 #include "system/system_state.h"
@@ -43,8 +44,9 @@ void ShowFatalError() {
   ShowBox(BoxKind::kEndpointNotSet, TEXT("The program will exit."), TEXT("Fatal error"));
 }
 
-// The steps up to the first that fails; its result.
+// The steps up to the first that fails; its result. Nobody tells the callback of changes that others make.
 HRESULT ApplyLevel(int32_t percent) {
+  const ComPointer<CAudioEndpointVolumeCallback> callback(new CAudioEndpointVolumeCallback);
   HRESULT result = CoCreateGuid(&eventContext);
   if (FAILED(result)) return result;
 

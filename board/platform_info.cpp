@@ -5,11 +5,21 @@
 namespace veltra {
 namespace {
 
+// The library's own record may be longer than the one that is known here.
+template <class Record>
+struct WithRoom {
+  Record record = {};
+  uint8_t room[1024] = {};
+};
+
 // Holds the library until it has come back: the session may end in there.
 template <class Record>
 bool Ask(int32_t (WINAPI* BoardLibrary::*function)(Record*), Record& record) {
   const std::shared_ptr<const BoardLibrary> library = Board().library;
-  return library && (*library).*function && ((*library).*function)(&record) == 0;
+  WithRoom<Record> answer;
+  if (!library || !((*library).*function) || ((*library).*function)(&answer.record) != 0) return false;
+  record = answer.record;
+  return true;
 }
 
 }  // namespace

@@ -77,8 +77,8 @@ void SetMicrophoneVolume(int32_t level) {
 void StepSpeakerVolume(int32_t direction) {
   const int32_t volume = Board().audio.SpeakerVol;
   if (direction != 0 && direction != 1) return;
-  SetSpeakerVolume(direction == 0 ? std::min(volume + kVolumeStep, kLoudest)
-                                  : std::max(volume - kVolumeStep, kQuietest));
+  SetSpeakerVolume(direction == 0 ? std::min(volume, kLoudest - kVolumeStep) + kVolumeStep
+                                  : std::max(volume, kQuietest + kVolumeStep) - kVolumeStep);
   PlayResourceSound(IDW_VOLUME_STEP, false);
 }
 

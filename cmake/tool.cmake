@@ -62,6 +62,7 @@ veltra_room(board BELOW system SOURCES
   board/audio_endpoint.cpp
   board/board_library.cpp
   board/codec.cpp
+  board/endpoint_callback.cpp
   board/expander.cpp
   board/i2c.cpp
   board/platform_info.cpp

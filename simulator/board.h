@@ -37,6 +37,7 @@ struct Board {
   int32_t cpuInfoError = 0;
   int32_t memoryInfoError = 0;
   int32_t servesMessages = FromEnvironment("VELTRA_BOARD_SERVES_MESSAGES");  // not 0: while it transfers
+  size_t longerBy = 0;  // bytes by which its records are longer than those that the tool knows
   bool initialized = false;
   Platform platform;
 

@@ -1,5 +1,6 @@
 // What the board's library says about the board, its processor and its memory.
 #include <algorithm>
+#include <cstring>
 
 #include "simulator/board.h"
 #include "simulator/report.h"
@@ -12,7 +13,11 @@ void Fill(char (&field)[Size], const std::string& text) {
   std::copy_n(text.begin(), std::min(Size, text.size()), field);
 }
 
-int32_t ReportInfo(std::string call, int32_t error) {
+// The call's result, when the fields are filled.
+template <class Record>
+int32_t Answer(std::string call, Record* record, int32_t error) {
+  constexpr int kSomething = 0xA5;
+  if (error == 0) std::memset(record + 1, kSomething, simulator::TheBoard().longerBy);
   if (error != 0) call.append(" error ").append(std::to_string(error));
   simulator::Report("board", call);
   return error;
@@ -30,7 +35,7 @@ int32_t WINAPI KEApiGetBoardInfo(simulator::BoardRecord* record) {
     Fill(record->texts[4], board.platform.carrierInfo);
     Fill(record->texts[5], board.platform.firmwareVersion);
   }
-  return ReportInfo("board info", board.boardInfoError);
+  return Answer("board info", record, board.boardInfoError);
 }
 
 int32_t WINAPI KEApiGetCpuInfo(simulator::CpuRecord* record) {
@@ -41,7 +46,7 @@ int32_t WINAPI KEApiGetCpuInfo(simulator::CpuRecord* record) {
     record->counts[1] = board.platform.coreCount;
     record->counts[2] = board.platform.threadCount;
   }
-  return ReportInfo("cpu info", board.cpuInfoError);
+  return Answer("cpu info", record, board.cpuInfoError);
 }
 
 int32_t WINAPI KEApiGetMemoryInfo(simulator::MemoryRecord* record) {
@@ -52,5 +57,5 @@ int32_t WINAPI KEApiGetMemoryInfo(simulator::MemoryRecord* record) {
     record->numbers[2] = board.platform.memorySpeed;
     Fill(record->type, board.platform.memoryType);
   }
-  return ReportInfo("memory info", board.memoryInfoError);
+  return Answer("memory info", record, board.memoryInfoError);
 }

@@ -1,5 +1,6 @@
 // Everything that the tool tells the board, as it crosses the I2C bus of the simulated tablet.
 #include "simulator/board.h"
+#include "board/endpoint_callback.h"
 #include "pal/machine/person.h"
 #include "resources/resource_ids.h"
 #include "tests/board/bus_text.h"
@@ -145,6 +146,25 @@ TEST_F(BoardTest, OnlyTheThirdProfileSurvivesASleep) {
     Resume();
     EXPECT_EQ(Board().codec[0xE280], (std::vector<uint8_t>{0x00, routing})) << profile;
   }
+}
+
+TEST(EndpointCallback, AnswersWhatComAsksAndGoesWithItsLastReference) {
+  constexpr GUID kCallback = {0x657804FA, 0xD6AD, 0x4496, {0x8A, 0x60, 0x35, 0x27, 0x52, 0xAF, 0x4F, 0x89}};
+  constexpr GUID kAnother = {0x657804FA, 0xD6AD, 0x4496, {}};
+  auto* const callback = new CAudioEndpointVolumeCallback;
+  AUDIO_VOLUME_NOTIFICATION_DATA change = {};
+  EXPECT_EQ(callback->OnNotify(&change), S_OK);
+  EXPECT_EQ(callback->OnNotify(nullptr), E_INVALIDARG);
+  void* object = callback;
+  EXPECT_EQ(callback->QueryInterface(kAnother, &object), E_NOINTERFACE);
+  EXPECT_EQ(object, nullptr);
+  for (const GUID& known : {kCallback, IID_IUnknown}) {
+    EXPECT_EQ(callback->QueryInterface(known, &object), S_OK);
+    EXPECT_EQ(object, callback);
+  }
+  EXPECT_EQ(callback->Release(), 2U);
+  EXPECT_EQ(callback->Release(), 1U);
+  EXPECT_EQ(callback->Release(), 0U);
 }
 
 // ---- failures ---------------------------------------------------------------------------------------------
