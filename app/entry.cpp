@@ -29,13 +29,11 @@ namespace {
 
 constexpr int kAnotherInstanceRuns = 6;  // exit code
 
-// The running instance opens its power meter; it answers when the user has closed it, which nobody waits for.
+// The running instance opens its power meter, when it has come up.
 void CallRunningInstance() {
-  constexpr UINT kPatienceMs = 2000;
-  DWORD_PTR result = 0;
   AllowSetForegroundWindow(ASFW_ANY);  // its dialog comes to the front
   if (const HWND running = FindWindowW(kMainWindowClass, nullptr))
-    SendMessageTimeoutW(running, WM_COMMAND, IDC_OPEN_POWER_METER, 0, SMTO_NORMAL, kPatienceMs, &result);
+    PostMessageW(running, WM_COMMAND, IDC_OPEN_POWER_METER, 0);
 }
 
 void RegisterMainWindowClass(HINSTANCE instance) {

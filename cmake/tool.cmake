@@ -40,6 +40,7 @@ veltra_room(system BELOW base SOURCES
   system/message_box.cpp
   system/power_off.cpp
   system/registry.cpp
+  system/send_while_alive.cpp
   system/sent_messages.cpp
   system/sounds.cpp
   system/start_program.cpp

@@ -189,13 +189,15 @@ Problem Delivered(Console& console, std::optional<int64_t> answer) {
 }
 
 Problem RunApp(Console& console, Words words) {
+  constexpr std::string_view kActions[] = {"open", "close", "hang", "wake"};
   const std::string_view action = Argument(words, 1);
-  if (words.size() != 3 || (action != "open" && action != "close"))
-    return ExpectedArguments("open|close NAME");
+  if (words.size() != 3 || std::ranges::find(kActions, action) == std::end(kActions))
+    return ExpectedArguments("open|close|hang|wake NAME");
   if (action == "open") {
     console.TheWorld().OpenApplication(words[2]);
     return {};
   }
+  if (action != "close") return console.TheWorld().HangApplication(words[2], action == "hang");
   return console.TheWorld().CloseApplication(words[2]) ? Problem() : "that application is not open";
 }
 
@@ -324,7 +326,8 @@ constexpr ConsoleCommand kCommands[] = {
     {"machine", "NAME NUMBER|text TEXT", "a machine setting in the registry, for the next start", true,
      RunMachine},
     {"registry", "[NAME]", "print the user settings in the registry", false, RunRegistry},
-    {"app", "open|close NAME", "one of the maker's applications, by its window's class", true, RunApp},
+    {"app", "open|close|hang|wake NAME",
+     "one of the maker's applications, by its window's class; it hangs, and lives again", true, RunApp},
     {"action", "BUTTON TYPE NUMBER|TEXT",
      "what fn1-short, fn2-short, fn1-long or fn2-long does after the next start", true, RunAction},
     {"other-copy", "", "another copy of the tool runs already", true, RunOtherCopy},

@@ -215,6 +215,13 @@ bool TabletWorld::IsApplicationOpen(std::string_view windowClass) {
   return tablet_.TheDesk().Find(windowClass) != nullptr;
 }
 
+Problem TabletWorld::HangApplication(std::string_view windowClass, bool hangs) {
+  const HWND window = tablet_.TheDesk().Find(windowClass);
+  if (!window) return "that application is not open";
+  tablet_.Machine().desktop.SetHung(window, hangs);
+  return {};
+}
+
 void TabletWorld::PlayOtherCopy() {
   tablet_.Machine().system.AddForeignMutex(SimulatedTablet::kMainWindowClass);
   tablet_.TheDesk().Open(kMainWindow);

@@ -42,6 +42,7 @@ class TabletWorld : public World {
   void OpenApplication(std::string_view windowClass) override;
   bool CloseApplication(std::string_view windowClass) override;
   [[nodiscard]] bool IsApplicationOpen(std::string_view windowClass) override;
+  Problem HangApplication(std::string_view windowClass, bool hangs) override;
   void PlayOtherCopy() override;
 
   [[nodiscard]] std::optional<DialogLook> FrontDialog() override;

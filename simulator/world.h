@@ -140,6 +140,8 @@ class World {
   virtual void OpenApplication(std::string_view windowClass) = 0;
   virtual bool CloseApplication(std::string_view windowClass) = 0;
   [[nodiscard]] virtual bool IsApplicationOpen(std::string_view windowClass) = 0;
+  // It looks at no messages from now on, or does so again.
+  virtual Problem HangApplication(std::string_view windowClass, bool hangs) = 0;
   virtual void PlayOtherCopy() = 0;
 
   // ---- the person

@@ -13,6 +13,7 @@
 #include "system/injected_input.h"
 #include "system/maker_applications.h"
 #include "system/numbers.h"
+#include "system/send_while_alive.h"
 #include "system/system_state.h"
 
 namespace veltra {
@@ -126,7 +127,7 @@ bool GiveToApplication(const SwitchEvent& event) {
     held.application = windowClass;
     held.releaseLetter = LetterOf(button, false);
   }
-  SendMessageW(application, kSwitchLetterMessage, 0, LetterOf(button, event.pressed));
+  SendWhileAlive(application, kSwitchLetterMessage, 0, LetterOf(button, event.pressed));
   return true;
 }
 

@@ -2,14 +2,11 @@
 
 #include <vector>
 
+#include "system/send_while_alive.h"
 #include "system/system_state.h"
 
 namespace veltra {
 namespace {
-
-// A receiver may be slow, so the time counts only when it hangs: the switches wait for the main thread.
-constexpr UINT kWhileNotHung = SMTO_ABORTIFHUNG | SMTO_NOTIMEOUTIFNOTHUNG;
-constexpr UINT kHungAfterMs = 5000;
 
 // A receiver may send the tool a request while it handles an answer. One that always does would use up the
 // stack.
@@ -34,9 +31,8 @@ bool SendCopiedData(HWND receiver, ULONG_PTR tag, Bytes data) {
   copied.dwData = tag;
   copied.cbData = static_cast<DWORD>(copy.size());
   copied.lpData = copy.data();
-  DWORD_PTR result = 0;
-  return SendMessageTimeoutW(receiver, WM_COPYDATA, reinterpret_cast<WPARAM>(mainWindow),
-                             reinterpret_cast<LPARAM>(&copied), kWhileNotHung, kHungAfterMs, &result) != 0;
+  return SendWhileAlive(receiver, WM_COPYDATA, reinterpret_cast<WPARAM>(mainWindow),
+                        reinterpret_cast<LPARAM>(&copied));
 }
 
 }  // namespace veltra

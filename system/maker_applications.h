@@ -15,7 +15,7 @@ constexpr const WCHAR* kLexoraClass = TEXT("Lexora");
 constexpr const WCHAR* kPageVoiceClass = TEXT("PageVoice");
 constexpr const WCHAR* kWendleClass = TEXT("Wendle");
 
-// The messages and tags are those of system/numbers.h.
+// The messages and tags are those of system/numbers.h. An application that hangs is waited for 5 s at most.
 void SendCommand(const WCHAR* windowClass, UINT message, int32_t command);
 void SendToTalkBuilder(ULONG_PTR tag, const void* data, size_t size);
 

@@ -259,7 +259,7 @@ void WineWorld::Wait(Duration span) {
 
 void WineWorld::Settle() {
   Turn();
-  if (!hasEnded_ && HasMainWindow()) Ask(0, 0, 0);
+  if (!hasEnded_ && !otherCopyHangs_ && HasMainWindow()) Ask(0, 0, 0);
   Turn();
 }
 
@@ -408,6 +408,10 @@ bool WineWorld::CloseApplication(std::string_view windowClass) {
 }
 bool WineWorld::IsApplicationOpen(std::string_view windowClass) {
   return Run({"find", std::string(windowClass)}) == "yes";
+}
+Problem WineWorld::HangApplication(std::string_view windowClass, bool hangs) {
+  if (windowClass == kToolWindow) otherCopyHangs_ = hangs;
+  return TryRun({hangs ? "hang" : "wake", std::string(windowClass)});
 }
 void WineWorld::PlayOtherCopy() {
   Run({"hold", kToolWindow});

@@ -59,6 +59,7 @@ class WineWorld : public World {
   void OpenApplication(std::string_view windowClass) override;
   bool CloseApplication(std::string_view windowClass) override;
   [[nodiscard]] bool IsApplicationOpen(std::string_view windowClass) override;
+  Problem HangApplication(std::string_view windowClass, bool hangs) override;
   void PlayOtherCopy() override;
 
   [[nodiscard]] std::optional<DialogLook> FrontDialog() override;
@@ -94,6 +95,7 @@ class WineWorld : public World {
   std::function<void(TimelineEntry, bool)> listener_;
   bool wasOpen_ = false;
   bool hasEnded_ = true;  // the end of the tool has been told
+  bool otherCopyHangs_ = false;
   bool sessionEnded_ = false;
 };
 

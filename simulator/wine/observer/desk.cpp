@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <stdexcept>
+#include <thread>
 
 #include "simulator/wine/observer/commands.h"
 
@@ -138,9 +139,33 @@ std::string RunOpen(const Words& words) {
 std::string RunClose(const Words& words) {
   const auto window = windows.find(Wide(words[1]));
   if (window == windows.end()) return "no";
-  DestroyWindow(window->second);
+  SendMessageW(window->second, WM_CLOSE, 0, 0);  // it may be of another thread
   windows.erase(window);
   return "yes";
+}
+
+// Its window goes to a thread that looks at no messages until it is woken.
+std::map<std::wstring, HANDLE> wakers;
+
+std::string RunHang(const Words& words) {
+  RunClose(words);
+  const std::wstring name = Wide(words[1]);
+  const HANDLE isOpen = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+  const HANDLE isWoken = wakers[name] = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+  std::thread([=] {
+    Open(name);
+    SetEvent(isOpen);
+    WaitForSingleObject(isWoken, INFINITE);
+    MSG message = {};
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+  }).detach();
+  WaitForSingleObject(isOpen, INFINITE);
+  return {};
+}
+
+std::string RunWake(const Words& words) {
+  SetEvent(wakers.at(Wide(words[1])));
+  return {};
 }
 
 // A window with a text field in it, which gets the keyboard.
@@ -175,6 +200,8 @@ constexpr Command kCommands[] = {
     {"watch", 0, RunWatch},        // becomes the taskbar, and hears what is told to everybody
     {"open", 1, RunOpen},          // CLASS: a watched window of that class
     {"close", 1, RunClose},        // CLASS: yes, or no
+    {"hang", 1, RunHang},          // CLASS: opens it anew
+    {"wake", 1, RunWake},          // CLASS
     {"field", 1, RunField},        // CAPTION
     {"hold", 1, RunHold},          // NAME: a mutex
     {"received", 0, RunReceived},  // the latest copied text, its line ends as 1E

@@ -13,7 +13,7 @@ namespace observer {
 
 using Words = std::vector<std::string>;
 
-// Writes the line; line ends in it become blanks. Called on the main thread only.
+// Writes the line; line ends in it become blanks.
 void Report(std::string_view kind, std::string_view text = {});
 // Something happened, in the words of the simulated tablet: "mouse left down".
 inline void ReportEvent(std::string_view text) {
