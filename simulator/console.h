@@ -42,7 +42,11 @@ class Console {
   [[nodiscard]] Duration LastActionAt() const { return lastActionAt_; }
   // How many requests the controller had before the tool was started last.
   [[nodiscard]] size_t RequestsAtStart() const { return requestsAtStart_; }
-  void NoteStart() { requestsAtStart_ = world_.Pic().Requests().size(); }
+  void NoteStart() {
+    requestsAtStart_ = world_.Pic().Requests().size();
+    hasStarted_ = true;
+  }
+  [[nodiscard]] bool ToolRuns() { return hasStarted_ && !world_.ExitCode(); }
   UpdateRecord& LastUpdate() { return lastUpdate_; }
 
  private:
@@ -54,6 +58,7 @@ class Console {
   Duration lastActionAt_{0};
   UpdateRecord lastUpdate_;
   size_t requestsAtStart_ = 0;
+  bool hasStarted_ = false;
   bool ended_ = false;
 };
 

@@ -43,6 +43,7 @@ Problem RunExit(Console& console, Words) {
 // --------------------------------------------------------------------------------
 
 Problem RunStart(Console& console, Words words) {
+  if (console.ToolRuns()) return "the tool runs already";
   console.NoteStart();
   console.TheWorld().Start(words.size() > 1 ? JoinWords(words.subspan(1)) : "-s");
   return {};

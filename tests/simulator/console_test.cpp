@@ -66,7 +66,7 @@ TEST_F(ConsoleTest, ControlsAreFoundByTextLabelOrNumber) {
         "type Middle x", "check control WLAN unchecked", "check control WLAN text x",
         "check no control OK enabled", "check control \"Switch 1\" has Nothing",
         "check control \"Speaker volume\" at 12", "press 1002", "press 1018", "check no dialog Options",
-        "check dialog Nothing", "menu Options"})
+        "check dialog Nothing", "menu Options", "start -s"})
     EXPECT_TRUE(console.RunLine(line)) << line;
 }
 
