@@ -45,6 +45,15 @@ void WarnAndPowerOff() {
     SendMessageW(MainWindow(), WM_CLOSE, 0, 0);
 }
 
+void Check() {
+  RetryTrayIcons(MainWindow());  // before a balloon needs one
+  const AlarmDecision decision = Decide();
+  Power().lowAlarmLevel = decision.lowAlarmLevel;
+  if (decision.alarm == BatteryAlarm::kLow) WarnLow();
+  if (decision.alarm == BatteryAlarm::kCritical) WarnAndPowerOff();
+  UpdateTrayBatteryIcon();
+}
+
 }  // namespace
 
 void StartBatteryTimer() {
@@ -60,12 +69,12 @@ void StopBatteryTimer() {
 
 void CheckBatteryAlarms() {
   StopBatteryTimer();
-  const AlarmDecision decision = Decide();
-  Power().lowAlarmLevel = decision.lowAlarmLevel;
-  if (decision.alarm == BatteryAlarm::kLow) WarnLow();
-  if (decision.alarm == BatteryAlarm::kCritical) WarnAndPowerOff();
-  RetryTrayIcons(MainWindow());
-  UpdateTrayBatteryIcon();
+  try {
+    Check();
+  } catch (...) {
+    StartBatteryTimer();
+    throw;
+  }
   StartBatteryTimer();
 }
 

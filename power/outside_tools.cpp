@@ -32,28 +32,36 @@ bool IsOn(const PowerFlag& flag) {
   return number && number->type == REG_DWORD && number->value == 1;
 }
 
+// A tool that is missing starts in silence, and nothing of that name is started from elsewhere. Null then,
+// and when it is not a process of its own.
+UniqueKernelObject Start(const WCHAR* name, const WCHAR* verb, const WideText& parameters, bool inItsFolder) {
+  const WideText folder = ModuleDirectory();
+  if (folder.empty()) return {};
+  const WideText program = folder + name;
+  SHELLEXECUTEINFOW execute = {};
+  execute.cbSize = sizeof(execute);
+  execute.fMask = SEE_MASK_NOCLOSEPROCESS | SEE_MASK_FLAG_NO_UI;
+  execute.lpVerb = verb;
+  execute.lpFile = program.c_str();
+  execute.lpParameters = parameters.c_str();
+  if (inItsFolder) execute.lpDirectory = folder.c_str();
+  execute.nShow = SW_SHOWNORMAL;
+  return UniqueKernelObject(ShellExecuteExW(&execute) ? execute.hProcess : nullptr);
+}
+
 }  // namespace
 
 void SetBrightness(int32_t level) {
-  const WideText folder = ModuleDirectory();
-  ShellExecuteW(nullptr, nullptr, (folder + TEXT("nircmd.exe")).c_str(),
-                FormatText(TEXT("setbrightness %d"), level).c_str(), folder.c_str(), SW_SHOWNORMAL);
+  Start(TEXT("nircmd.exe"), nullptr, FormatText(TEXT("setbrightness %d"), level), true);
 }
 
 void RunFlagToggler(const WideText& keyName, const WideText& valueName) {
-  const WideText program = ModuleDirectory() + TEXT("FlagToggler.exe");
-  const WideText parameters = FormatText(TEXT("OurQuietSmallMarker -KeyName %s -ValueName %s -SetValue %d"),
-                                         QuoteArgument(keyName), QuoteArgument(valueName), 0);
-  SHELLEXECUTEINFOW execute = {};
-  execute.cbSize = sizeof(execute);
-  execute.fMask = SEE_MASK_NOCLOSEPROCESS;
-  execute.lpVerb = TEXT("runas");
-  execute.lpFile = program.c_str();
-  execute.lpParameters = parameters.c_str();
-  execute.nShow = SW_SHOWNORMAL;
-  if (!ShellExecuteExW(&execute) || !execute.hProcess) return;
-  const UniqueKernelObject process(execute.hProcess);
-  WaitForSingleObject(process.Get(), kToggleMs);
+  const UniqueKernelObject process =
+      Start(TEXT("FlagToggler.exe"), TEXT("runas"),
+            FormatText(TEXT("OurQuietSmallMarker -KeyName %s -ValueName %s -SetValue %d"),
+                       QuoteArgument(keyName), QuoteArgument(valueName), 0),
+            false);
+  if (process) WaitForSingleObject(process.Get(), kToggleMs);
 }
 
 void CheckPowerFlags() {

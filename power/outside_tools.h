@@ -7,7 +7,7 @@
 
 namespace veltra {
 
-// Sets the display's brightness by "nircmd.exe"; does not wait, ignores failures.
+// Sets the display's brightness by "nircmd.exe"; does not wait, ignores failures, as that it is missing.
 void SetBrightness(int32_t level);
 
 // Sets a 32-bit value under HKEY_LOCAL_MACHINE to 0 by "FlagToggler.exe", which asks the user for elevation.

@@ -43,6 +43,7 @@ BOOL WINAPI Shell_NotifyIconW(DWORD message, PNOTIFYICONDATAW data);
 // ---- starting programs --------------------------------------------------------------------------------------
 
 #define SEE_MASK_NOCLOSEPROCESS 0x00000040u
+#define SEE_MASK_FLAG_NO_UI 0x00000400u
 
 struct SHELLEXECUTEINFOW {
   DWORD cbSize;

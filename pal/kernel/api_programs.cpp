@@ -1,7 +1,10 @@
 // Other programs, started through the shell. They are only written down.
 #include <shellapi.h>
 
+#include <algorithm>
+
 #include "pal/machine/state.h"
+#include "pal/text/unicode.h"
 
 using namespace pal;
 
@@ -31,26 +34,52 @@ HANDLE StartProcess(State& state) {
   return state.handles.Add(std::make_shared<ProcessObject>(state.scheduler, end));
 }
 
+bool IsMissing(const Call& call, std::u16string_view file) {
+  return std::ranges::any_of(call->system.removedPrograms,
+                             [file](const std::u16string& removed) { return EqualFolded(removed, file); });
+}
+
+bool Execute(SHELLEXECUTEINFOW& info) {
+  const Call call("ShellExecuteExW");
+  if (call.Fails()) return false;
+  if (info.cbSize != sizeof(info)) Die("SHELLEXECUTEINFOW of another size");
+  if (info.fMask & ~(SEE_MASK_NOCLOSEPROCESS | SEE_MASK_FLAG_NO_UI))
+    Die("ShellExecuteExW with an unknown flag");
+  if (IsMissing(call, info.lpFile)) return Refuse(ERROR_FILE_NOT_FOUND, false);
+  call->Emit(ProgramExecuted{TextOrNothing(info.lpVerb), TextOrNothing(info.lpFile),
+                             TextOrNothing(info.lpParameters), TextOrNothing(info.lpDirectory), info.nShow,
+                             info.fMask});
+  info.hProcess = info.fMask & SEE_MASK_NOCLOSEPROCESS ? StartProcess(call.Get()) : nullptr;
+  return true;
+}
+
 }  // namespace
 
-HINSTANCE WINAPI ShellExecuteW(HWND, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory,
+void WindowsSystem::RemoveProgram(std::u16string_view path) {
+  const MachineLock lock(mutex_);
+  removedPrograms.emplace_back(path);
+}
+
+HINSTANCE WINAPI ShellExecuteW(HWND owner, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory,
                                int show) {
   constexpr ULONG_PTR kStarted = 42;
-  const Call call("ShellExecuteW");
-  if (call.Fails()) return reinterpret_cast<HINSTANCE>(static_cast<ULONG_PTR>(call.Error()));
-  call->Emit(ProgramExecuted{TextOrNothing(verb), TextOrNothing(file), TextOrNothing(parameters),
-                             TextOrNothing(directory), show});
-  return reinterpret_cast<HINSTANCE>(kStarted);
+  SHELLEXECUTEINFOW info = {};
+  info.cbSize = sizeof(info);
+  info.hwnd = owner;
+  info.lpVerb = verb;
+  info.lpFile = file;
+  info.lpParameters = parameters;
+  info.lpDirectory = directory;
+  info.nShow = show;
+  const bool started = ShellExecuteExW(&info) != FALSE;
+  return reinterpret_cast<HINSTANCE>(started ? kStarted : static_cast<ULONG_PTR>(GetLastError()));
 }
 
 BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info) {
-  const Call call("ShellExecuteExW");
-  if (call.Fails()) return FALSE;
-  if (info->cbSize != sizeof(*info)) Die("SHELLEXECUTEINFOW of another size");
-  if (info->fMask & ~SEE_MASK_NOCLOSEPROCESS) Die("ShellExecuteExW with an unknown flag");
-  call->Emit(ProgramExecuted{TextOrNothing(info->lpVerb), TextOrNothing(info->lpFile),
-                             TextOrNothing(info->lpParameters), TextOrNothing(info->lpDirectory), info->nShow,
-                             info->fMask});
-  info->hProcess = info->fMask & SEE_MASK_NOCLOSEPROCESS ? StartProcess(call.Get()) : nullptr;
-  return TRUE;
+  if (Execute(*info)) return TRUE;
+  if (GetLastError() == ERROR_FILE_NOT_FOUND && !(info->fMask & SEE_MASK_FLAG_NO_UI)) {
+    MessageBoxW(info->hwnd, u"Windows cannot find the program.", info->lpFile, MB_OK | MB_ICONERROR);
+    SetLastError(ERROR_FILE_NOT_FOUND);
+  }
+  return FALSE;
 }

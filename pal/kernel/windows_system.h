@@ -29,9 +29,12 @@ struct WindowsSystem {
   Time executedProgramTime{0};  // how long a program runs that the shell started
 
   void AddForeignMutex(std::u16string_view name);  // another process holds it
+  // The shell does not find the program of that path any more. Any other counts as there.
+  void RemoveProgram(std::u16string_view path);
 
   // ---- for the calls of Windows ----
   std::vector<std::weak_ptr<Mutex>> namedMutexes;
+  std::vector<std::u16string> removedPrograms;
 
  private:
   MachineMutex& mutex_;

@@ -167,5 +167,18 @@ TEST_F(DeviceOperations, PowerSettingsThatAreOffOrOddStartNothing) {
   EXPECT_EQ(started[0].verb, u"");
 }
 
+// Neither is looked for anywhere else.
+TEST_F(DeviceOperations, OutsideToolsThatAreMissingAreMissedInSilence) {
+  machine.registry.SetDword(HKEY_LOCAL_MACHINE, kKey, u"HiberbootEnabled", 1);
+  for (const char16_t* name : {u"FlagToggler.exe", u"nircmd.exe"})
+    machine.system.RemoveProgram(std::u16string(pal::Disk::kProgramDirectory) + name);
+  Start();
+  Operate(15, 70);
+  machine.Fail("GetModuleFileNameW", 1, ERROR_ACCESS_DENIED);
+  Operate(15, 70);
+  EXPECT_TRUE(machine.boxes.Shown().empty());
+  EXPECT_TRUE(pal::Select<pal::ProgramExecuted>(tablet.Since(0)).empty());
+}
+
 }  // namespace
 }  // namespace veltra

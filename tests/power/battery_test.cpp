@@ -156,6 +156,18 @@ TEST_F(Battery, TheAdapterComesAndGoesInEveryBand) {
     }
 }
 
+TEST_F(Battery, ACheckThatBreaksOffIsFollowedByTheNext) {
+  Start();
+  bool isFirst = true;
+  machine.OnEffect([&](const pal::Effect& effect) {
+    const auto* sound = std::get_if<pal::SoundPlayed>(&effect.detail);
+    if (sound && sound->resource == 160 && std::exchange(isFirst, false)) throw std::bad_alloc();
+  });
+  Report(9);
+  tablet.Advance(7s);
+  EXPECT_EQ(machine.tray.Find(kPowerIcon).value_or(pal::TrayIcon()).tooltip, u"9% remaining");
+}
+
 TEST_F(Battery, OnlyAChangedCapacityIsLogged) {
   SwitchDetailsOn();
   Start();
