@@ -197,6 +197,7 @@ constexpr RangeRow<void (*)(UINT_PTR timer)> kTimerRows[] = {
     {kBottomButtonTimer, kBottomButtonTimer, OnLongPressTimer},
     {kCallProfileTimer, kCallProfileTimer, [](UINT_PTR) { OnCallProfileTimer(); }},
     {PORT_RETRY_TIMER, PORT_RETRY_TIMER, [](UINT_PTR) { OnPortRetryTimer(); }},
+    {kSwitch1AcceptTimer, kSwitch2AcceptTimer, OnAcceptTimer},
 };
 
 Result OnTimer(const WindowMessage& m) {

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "app/app_state.h"
+#include "app/power_events.h"
 #include "board/expander.h"
 #include "link/identity_store.h"
 #include "link/infrared.h"
@@ -103,6 +104,7 @@ constexpr PrefixRow kPrefixRows[] = {
 // An update leaves no release to come: side buttons rest from its start on.
 void OnSwitchEvent(const SwitchEvent& event) {
   if (IsSideButton(event.button) && Firmware().bootloader.IsRunning()) return;
+  if (event.pressed) OnPressWhileSuspended();
   HandleSwitchEvent(event);
 }
 

@@ -1,5 +1,6 @@
 #include "app/power_events.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "app/app_state.h"
@@ -22,6 +23,7 @@ void PowerDownBoard() {
 void OnSuspend() {
   Log().WriteDetail(TEXT("Suspend"), TEXT("Device going to suspend"));
   StopBatteryTimer();
+  System().suspendedAt = GetTickCount();
   ForgetHeldSwitches();
   if (!std::exchange(System().Suspended, true)) PowerDownBoard();
 }
@@ -37,6 +39,15 @@ void OnResume() {
 }
 
 }  // namespace
+
+void OnPressWhileSuspended() {
+  constexpr int32_t kFallsAsleepMs = 5000;  // Windows itself waits 2 s for programs
+  const auto sinceSuspend = static_cast<int32_t>(static_cast<DWORD>(GetMessageTime()) - System().suspendedAt);
+  if (!IsSuspended() || sinceSuspend < kFallsAsleepMs) return;
+  Log().WriteError(TEXT("Resume"), TEXT("not announced, a press ends the suspend"));
+  System().Suspended = false;
+  SetTimer(MainWindow(), kResumeTimer, static_cast<UINT>(std::max(App().WakeupDelay, 0)), nullptr);
+}
 
 void OnPowerEvent(WPARAM event) {
   if (event == PBT_APMSUSPEND) OnSuspend();

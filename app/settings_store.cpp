@@ -1,5 +1,6 @@
 #include "app/settings_store.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <variant>
@@ -29,6 +30,13 @@ void ApplySwitchClicks() {
   Switches().Sw2CmdVal = kSwitchRightClick;
 }
 
+// Who cannot press at all for longer than that would take the switch for a broken one.
+void LimitPressRules() {
+  constexpr int32_t kLongestMs = 2000;
+  for (int32_t* time : {&Switches().SwAcceptMs, &Switches().SwRepeatGuardMs})
+    *time = std::clamp(*time, 0, kLongestMs);
+}
+
 // In the order of reading and of writing.
 constexpr Setting kUserSettings[] = {
     {TEXT("BattLow"), true, []() -> Field { return &Power().battery.BattLow; }},
@@ -49,6 +57,8 @@ constexpr Setting kUserSettings[] = {
     {TEXT("Sw2CmdVal"), true, []() -> Field { return &Switches().Sw2CmdVal; }},
     {TEXT("TB4RevSw"), false, []() -> Field { return &Switches().TB4RevSw; }},
     {TEXT("LexoraRevSw"), false, []() -> Field { return &Switches().LexoraRevSw; }},
+    {TEXT("SwAcceptMs"), false, []() -> Field { return &Switches().SwAcceptMs; }, LimitPressRules},
+    {TEXT("SwRepeatGuardMs"), false, []() -> Field { return &Switches().SwRepeatGuardMs; }, LimitPressRules},
     {TEXT("WakeupDelay"), true, []() -> Field { return &App().WakeupDelay; }},
     {TEXT("StartupDelay"), true, []() -> Field { return &App().StartupDelay; }},
     {TEXT("AllowEscape"), true, []() -> Field { return &Switches().AllowEscape; }},

@@ -10,6 +10,7 @@ add_library(veltra_cores STATIC
   firmware/flash_image.cpp
   firmware/hex_file.cpp
   link/frame.cpp
+  switches/press_filter.cpp
 )
 
 if(WIN32)

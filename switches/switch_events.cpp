@@ -1,6 +1,7 @@
 #include "switches/switch_events.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "link/pic_comm.h"
@@ -49,7 +50,7 @@ struct SideButton {
   SwitchButton button;
   WPARAM source;  // in the registered message
   UINT_PTR timer;
-  bool SwitchesState::*held;
+  std::optional<DWORD> SwitchesState::*held;
   bool needsAllowEscape;
   void (*shortPress)();
   void (*longPress)();
@@ -69,23 +70,31 @@ bool CanReleaseCome() {
   return IsPicPortOpen() && !IsSuspended();
 }
 
-// Whether its press was still waiting for the release or the time of a long press.
-bool Disarm(const SideButton& button) {
+// When it was pressed, if that was still waiting for the release or the time of a long press.
+std::optional<DWORD> Disarm(const SideButton& button) {
   KillTimer(MainWindow(), button.timer);
-  return std::exchange(Switches().*button.held, false);
+  return std::exchange(Switches().*button.held, std::nullopt);
+}
+
+// When the controller said what is being handled, ms. The main thread may have been busy since.
+DWORD EventTime() {
+  return static_cast<DWORD>(GetMessageTime());
 }
 
 void OnSideButton(const SideButton& button, bool pressed) {
   if (button.needsAllowEscape && !Switches().AllowEscape) return;
   if (Switches().SwitchInputMessage != 0)
     SendNotifyMessageW(HWND_BROADCAST, Switches().SwitchInputMessage, button.source, pressed ? 1 : 0);
-  if (!pressed) {
-    if (Disarm(button)) button.shortPress();
+  if (pressed) {
+    if (!CanReleaseCome()) return;
+    SetTimer(MainWindow(), button.timer, kLongPressMs, nullptr);
+    Switches().*button.held = EventTime();
     return;
   }
-  if (!CanReleaseCome()) return;
-  SetTimer(MainWindow(), button.timer, kLongPressMs, nullptr);
-  Switches().*button.held = true;
+  const std::optional<DWORD> since = Disarm(button);
+  if (!since) return;
+  const bool isLong = EventTime() - *since >= kLongPressMs;
+  (isLong ? button.longPress : button.shortPress)();
 }
 
 // ---- switches ---------------------------------------------------------------------------------------------
@@ -94,11 +103,14 @@ SwitchIndex IndexOf(SwitchButton button) {
   return button == SwitchButton::kSwitch1 ? kSwitch1 : kSwitch2;
 }
 
+const SwitchEvent& EventOf(SwitchButton button, bool pressed) {
+  return *std::ranges::find_if(kSwitchEvents, [&](const SwitchEvent& event) {
+    return event.button == button && event.pressed == pressed;
+  });
+}
+
 WCHAR LetterOf(SwitchButton button, bool pressed) {
-  return std::ranges::find_if(
-             kSwitchEvents,
-             [&](const SwitchEvent& event) { return event.button == button && event.pressed == pressed; })
-      ->letter;
+  return EventOf(button, pressed).letter;
 }
 
 SwitchButton OtherSwitch(SwitchButton button) {
@@ -142,6 +154,7 @@ bool ShowInOptions(const SwitchEvent& event) {
   return true;
 }
 
+// An event that counts.
 void OnSwitch(const SwitchEvent& event) {
   const SwitchIndex index = IndexOf(event.button);
   NoteHeld(event);
@@ -153,19 +166,38 @@ void OnSwitch(const SwitchEvent& event) {
   if (event.pressed && !CanReleaseCome()) ReleaseHeldSwitch(index);
 }
 
+UINT_PTR AcceptTimerOf(SwitchIndex index) {
+  return kSwitch1AcceptTimer + index;
+}
+
+void FilterSwitch(const SwitchEvent& event) {
+  using Outcome = PressFilter::Outcome;
+  const SwitchIndex index = IndexOf(event.button);
+  const PressRules rules = {Switches().SwAcceptMs, Switches().SwRepeatGuardMs};
+  PressFilter& filter = Switches().pressFilters[index];
+  const Outcome outcome =
+      event.pressed ? filter.OnPress(EventTime(), rules) : filter.OnRelease(EventTime(), rules);
+  if (outcome == Outcome::kAwait)
+    SetTimer(MainWindow(), AcceptTimerOf(index), static_cast<UINT>(rules.acceptMs), nullptr);
+  if (outcome == Outcome::kPressedAndLeft) OnSwitch(EventOf(event.button, true));
+  if (outcome == Outcome::kPressedAndLeft || outcome == Outcome::kCounts) OnSwitch(event);
+}
+
 }  // namespace
 
 void HandleSwitchEvent(const SwitchEvent& event) {
   SetThreadExecutionState(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED);  // switches the display on
   for (const SideButton& button : kSideButtons)
     if (button.button == event.button) return OnSideButton(button, event.pressed);
-  OnSwitch(event);
+  FilterSwitch(event);
 }
 
 void ForgetHeldSwitches() {
   for (const SideButton& button : kSideButtons) Disarm(button);
-  ReleaseHeldSwitch(kSwitch1);
-  ReleaseHeldSwitch(kSwitch2);
+  for (const SwitchIndex index : {kSwitch1, kSwitch2}) {
+    Switches().pressFilters[index].Forget();
+    ReleaseHeldSwitch(index);
+  }
   Switches().switchIndicator.pressedMask = 0;
   RepaintSwitchIndicator();
 }
@@ -173,6 +205,13 @@ void ForgetHeldSwitches() {
 void OnLongPressTimer(UINT_PTR timer) {
   for (const SideButton& button : kSideButtons)
     if (timer == button.timer && Disarm(button)) button.longPress();
+}
+
+void OnAcceptTimer(UINT_PTR timer) {
+  KillTimer(MainWindow(), timer);
+  const bool isFirst = timer == kSwitch1AcceptTimer;
+  if (Switches().pressFilters[isFirst ? kSwitch1 : kSwitch2].OnAccepted())
+    OnSwitch(EventOf(isFirst ? SwitchButton::kSwitch1 : SwitchButton::kSwitch2, true));
 }
 
 }  // namespace veltra

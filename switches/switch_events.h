@@ -24,6 +24,7 @@ constexpr SwitchEvent kSwitchEvents[] = {
     {"Fn2Make", 'Z', SwitchButton::kBottom, true},  {"Fn2Break", 'z', SwitchButton::kBottom, false},
 };
 
+// The event of the message that the main thread is handling: its time decides how long something was held.
 void HandleSwitchEvent(const SwitchEvent& event);
 
 constexpr bool IsSideButton(SwitchButton button) {
@@ -36,5 +37,7 @@ void ForgetHeldSwitches();
 
 // The long-press timer of a side button fired; `timer` is its id.
 void OnLongPressTimer(UINT_PTR timer);
+// The timer of a switch whose press counts only after a while.
+void OnAcceptTimer(UINT_PTR timer);
 
 }  // namespace veltra

@@ -14,6 +14,7 @@
 #include "switches/joystick.h"
 #include "switches/macro_plugin.h"
 #include "switches/mouse_filter.h"
+#include "switches/press_filter.h"
 
 namespace veltra {
 
@@ -53,13 +54,18 @@ struct SwitchesState {
   bool AllowEscape = true;
   bool TB4RevSw = false;
   bool LexoraRevSw = false;
+  int32_t SwAcceptMs = 0;  // of both switches, see PressRules
+  int32_t SwRepeatGuardMs = 0;
 
   UINT SwitchInputMessage = RegisterWindowMessageW(TEXT("Veltra_SwitchInput"));  // 0 when that failed
+  std::array<PressFilter, 2> pressFilters;
   HeldOutputs heldOutputs;
   SwitchIndicator switchIndicator;
-  bool escHeld = false;  // a long press of the middle, top or bottom side button is pending
-  bool fn1Held = false;
-  bool fn2Held = false;
+  // Since when the middle, top or bottom side button is down and its long press pending, ms by the clock of
+  // messages.
+  std::optional<DWORD> escHeld;
+  std::optional<DWORD> fn1Held;
+  std::optional<DWORD> fn2Held;
 
   ButtonActions buttonActions;                 // what a press of each side button does
   std::shared_ptr<const MacroLibrary> macros;  // null without a plug-in; who is at work in it holds it too

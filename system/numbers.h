@@ -16,6 +16,8 @@ constexpr uint32_t kTopButtonTimer = 7;
 constexpr uint32_t kBottomButtonTimer = 8;
 constexpr uint32_t kCallProfileTimer = 9;
 constexpr uint32_t PORT_RETRY_TIMER = 10;
+constexpr uint32_t kSwitch1AcceptTimer = 11;  // of a press that counts only after a while
+constexpr uint32_t kSwitch2AcceptTimer = 12;
 
 // ---- private messages to the main window
 

@@ -161,6 +161,7 @@ LRESULT WINAPI SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPA
                                    UINT timeoutMs, PDWORD_PTR result);
 BOOL WINAPI SendNotifyMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 void WINAPI PostQuitMessage(int exitCode);
+LONG WINAPI GetMessageTime();
 UINT WINAPI RegisterWindowMessageW(LPCWSTR name);
 UINT_PTR WINAPI SetTimer(HWND window, UINT_PTR id, UINT periodMs, TIMERPROC callback);
 BOOL WINAPI KillTimer(HWND window, UINT_PTR id);

@@ -221,6 +221,11 @@ void WINAPI PostQuitMessage(int exitCode) {
   CallingThread("PostQuitMessage").queue.PostQuit(exitCode);
 }
 
+LONG WINAPI GetMessageTime() {
+  const Call call;
+  return static_cast<LONG>(CallingThread("GetMessageTime").queue.TimeOfLast());
+}
+
 UINT WINAPI RegisterWindowMessageW(LPCWSTR name) {
   const Call call("RegisterWindowMessageW");
   if (call.Fails()) return 0;

@@ -52,6 +52,12 @@ bool MessageQueue::Has(const MessageFilter& filter, Time now) const {
 }
 
 std::optional<MSG> MessageQueue::Take(const MessageFilter& filter, Time now, bool remove) {
+  const std::optional<MSG> message = TakeNext(filter, now, remove);
+  if (message && remove) timeOfLast_ = message->time;
+  return message;
+}
+
+std::optional<MSG> MessageQueue::TakeNext(const MessageFilter& filter, Time now, bool remove) {
   if (const size_t index = FindPosted(filter); index < posted_.size()) {
     const MSG message = posted_[index];
     if (remove) posted_.erase(posted_.begin() + static_cast<std::ptrdiff_t>(index));

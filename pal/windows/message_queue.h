@@ -55,6 +55,8 @@ class MessageQueue {
   // the longest.
   // With `remove` false the message stays where it is.
   std::optional<MSG> Take(const MessageFilter& filter, Time now, bool remove);
+  // When the message that was taken last came into the queue.
+  [[nodiscard]] DWORD TimeOfLast() const { return timeOfLast_; }
   [[nodiscard]] bool HasSent() const { return !sent_.empty(); }
   std::shared_ptr<SentMessage> TakeSent();  // null when there is none
   [[nodiscard]] size_t PostedCount() const { return posted_.size(); }
@@ -78,6 +80,7 @@ class MessageQueue {
   void Clear();
 
  private:
+  std::optional<MSG> TakeNext(const MessageFilter& filter, Time now, bool remove);
   [[nodiscard]] size_t FindPosted(const MessageFilter& filter) const;  // posted_.size() when there is none
   [[nodiscard]] HWND FindToPaint(const MessageFilter& filter) const;   // null when there is none
   [[nodiscard]] size_t FindDueTimer(const MessageFilter& filter,
@@ -88,6 +91,7 @@ class MessageQueue {
   std::vector<HWND> toPaint_;
   std::vector<WindowTimer> timers_;
   std::optional<int> quit_;
+  DWORD timeOfLast_ = 0;
 };
 
 }  // namespace pal

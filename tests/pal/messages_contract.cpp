@@ -55,6 +55,16 @@ TEST_F(Messages, PostedOnesComeInOrderAndQuitComesLast) {
   EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));  // it came once
 }
 
+TEST_F(Messages, AMessageKnowsWhenItWasPosted) {
+  const DWORD before = GetTickCount();
+  PostMessageW(window.Get(), kFirst, 0, 0);
+  Sleep(200);
+  MSG message;
+  ASSERT_GT(GetMessageW(&message, nullptr, kFirst, kFirst), 0);
+  EXPECT_LT(message.time - before, 150u);
+  EXPECT_EQ(static_cast<DWORD>(GetMessageTime()), message.time);
+}
+
 TEST_F(Messages, FiltersChooseByWindowAndNumber) {
   TestWindow other([](HWND, UINT, WPARAM, LPARAM) { return TestWindow::kDefault; }, TEXT("ContractOther"));
   TakeAll();
