@@ -241,10 +241,10 @@ DWORD WINAPI CSerialInput::CommThreadProc(void* line) {
 // a driver that is going.
 void CSerialInput::Monitor(Line& line) {
   if (!SetCommMask(line.port, EV_RXCHAR)) return;
+  DWORD events = EV_RXCHAR;  // what came before the mask was set raises no event
   while (line.port != INVALID_HANDLE_VALUE && !line.IsStopRequested()) {
-    DWORD events = 0;
-    if (!WaitCommEvent(line.port, &events, nullptr) || events == 0) return;
     if ((events & EV_RXCHAR) && !Drain(line)) return;
+    if (!WaitCommEvent(line.port, &events, nullptr) || events == 0) return;
   }
 }
 
