@@ -42,9 +42,9 @@ struct BoardLibrary {
   int32_t(WINAPI* KEApiLibUnInitialize)() = nullptr;
   int32_t(WINAPI* KEApiI2cXfer)(int32_t bus, uint8_t address, const uint8_t* writeData, uint32_t writeLength,
                                 uint8_t* readData, uint32_t* readLength) = nullptr;
-  int32_t(WINAPI* KEApiGetBoardInfo)(BoardInfo*) = nullptr;
-  int32_t(WINAPI* KEApiGetCpuInfo)(CpuInfo*) = nullptr;
-  int32_t(WINAPI* KEApiGetMemoryInfo)(MemoryInfo*) = nullptr;
+  int32_t(WINAPI* KEApiGetBoardInfo)(void* boardInfo) = nullptr;
+  int32_t(WINAPI* KEApiGetCpuInfo)(void* cpuInfo) = nullptr;
+  int32_t(WINAPI* KEApiGetMemoryInfo)(void* memoryInfo) = nullptr;
 };
 
 // Null when there is none. An error line says what is missing.

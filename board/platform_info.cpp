@@ -14,7 +14,7 @@ struct WithRoom {
 
 // Holds the library until it has come back: the session may end in there.
 template <class Record>
-bool Ask(int32_t (WINAPI* BoardLibrary::*function)(Record*), Record& record) {
+bool Ask(int32_t (WINAPI* BoardLibrary::*function)(void*), Record& record) {
   const std::shared_ptr<const BoardLibrary> library = Board().library;
   WithRoom<Record> answer;
   if (!library || !((*library).*function) || ((*library).*function)(&answer.record) != 0) return false;

@@ -65,7 +65,7 @@ int32_t WINAPI KEApiLibInitialize(void);
 int32_t WINAPI KEApiLibUnInitialize(void);
 int32_t WINAPI KEApiI2cXfer(int32_t bus, uint8_t address, const uint8_t* writeData, uint32_t writeLength,
                             uint8_t* readData, uint32_t* readLength);
-int32_t WINAPI KEApiGetBoardInfo(simulator::BoardRecord* record);
-int32_t WINAPI KEApiGetCpuInfo(simulator::CpuRecord* record);
-int32_t WINAPI KEApiGetMemoryInfo(simulator::MemoryRecord* record);
+int32_t WINAPI KEApiGetBoardInfo(void* boardRecord);
+int32_t WINAPI KEApiGetCpuInfo(void* cpuRecord);
+int32_t WINAPI KEApiGetMemoryInfo(void* memoryRecord);
 }

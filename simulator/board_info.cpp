@@ -25,7 +25,8 @@ int32_t Answer(std::string call, Record* record, int32_t error) {
 
 }  // namespace
 
-int32_t WINAPI KEApiGetBoardInfo(simulator::BoardRecord* record) {
+int32_t WINAPI KEApiGetBoardInfo(void* boardRecord) {
+  auto* record = static_cast<simulator::BoardRecord*>(boardRecord);
   const simulator::Board& board = simulator::TheBoard();
   if (board.boardInfoError == 0) {
     Fill(record->texts[0], board.platform.boardName);
@@ -38,7 +39,8 @@ int32_t WINAPI KEApiGetBoardInfo(simulator::BoardRecord* record) {
   return Answer("board info", record, board.boardInfoError);
 }
 
-int32_t WINAPI KEApiGetCpuInfo(simulator::CpuRecord* record) {
+int32_t WINAPI KEApiGetCpuInfo(void* cpuRecord) {
+  auto* record = static_cast<simulator::CpuRecord*>(cpuRecord);
   const simulator::Board& board = simulator::TheBoard();
   if (board.cpuInfoError == 0) {
     Fill(record->name, board.platform.cpuName);
@@ -49,7 +51,8 @@ int32_t WINAPI KEApiGetCpuInfo(simulator::CpuRecord* record) {
   return Answer("cpu info", record, board.cpuInfoError);
 }
 
-int32_t WINAPI KEApiGetMemoryInfo(simulator::MemoryRecord* record) {
+int32_t WINAPI KEApiGetMemoryInfo(void* memoryRecord) {
+  auto* record = static_cast<simulator::MemoryRecord*>(memoryRecord);
   const simulator::Board& board = simulator::TheBoard();
   if (board.memoryInfoError == 0) {
     record->numbers[0] = board.platform.memoryTotal;

@@ -4,6 +4,6 @@
 
 #include "simulator/report.h"
 
-void WINAPI MouseFilter(DWORD mode) {
+void WINAPI MouseFilter(int32_t mode) {
   simulator::Report("mouse filter", std::to_string(mode));
 }

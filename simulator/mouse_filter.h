@@ -3,4 +3,6 @@
 
 #include <windows.h>
 
-extern "C" void WINAPI MouseFilter(DWORD mode);
+#include <cstdint>
+
+extern "C" void WINAPI MouseFilter(int32_t mode);

@@ -28,16 +28,18 @@ void SetCompletionEvent(State& state, const OVERLAPPED& overlapped, bool signale
 }  // namespace
 
 std::optional<int> PortNumberOf(std::u16string_view name) {
-  if (name.starts_with(kDevicePrefix)) name.remove_prefix(kDevicePrefix.size());
-  if (!SameName(name.substr(0, kPortPrefix.size()), kPortPrefix)) return std::nullopt;
+  const bool isDevice = name.starts_with(kDevicePrefix);
+  const std::optional<int> noPort = isDevice ? std::optional(0) : std::nullopt;
+  if (isDevice) name.remove_prefix(kDevicePrefix.size());
+  if (!SameName(name.substr(0, kPortPrefix.size()), kPortPrefix)) return noPort;
   name.remove_prefix(kPortPrefix.size());
-  if (name.empty() || name.size() > 3) return std::nullopt;
+  if (name.empty() || name.size() > 3) return noPort;
   int number = 0;
   for (const char16_t digit : name) {
-    if (digit < u'0' || digit > u'9') return std::nullopt;
+    if (digit < u'0' || digit > u'9') return noPort;
     number = number * 10 + (digit - u'0');
   }
-  return number > 0 ? std::optional(number) : std::nullopt;
+  return number > 0 ? std::optional(number) : noPort;
 }
 
 void BeginOverlapped(State& state, OVERLAPPED& overlapped) {

@@ -111,7 +111,7 @@ class Port final : public SerialPort {
   COMMTIMEOUTS timeouts_{};
 };
 
-// The number in "\\.\COM5" and "COM5", empty for any other name.
+// The number in "\\.\COM5" and "COM5", 0 for another device, empty for any other name.
 std::optional<int> PortNumberOf(std::u16string_view name);
 
 // Ends a transfer: the result for GetOverlappedResult, and its event.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 
 #include "pal/machine/machine_mutex.h"
 #include "pal/resources/byte_reader.h"
@@ -54,9 +53,10 @@ ResourceKey ReadHeader(ByteReader& reader, DWORD& dataSize) {
 }  // namespace
 
 void ResourceTable::Load(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
   if (!file) Die("cannot read the resource file " + path.string());
-  const std::vector<uint8_t> content(std::istreambuf_iterator<char>(file), {});
+  std::vector<uint8_t> content(static_cast<size_t>(file.tellg()));
+  file.seekg(0).read(reinterpret_cast<char*>(content.data()), static_cast<std::streamsize>(content.size()));
   const MachineLock lock(mutex_);
   entries_.clear();
   ByteReader reader(content);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "pal/machine/die.h"
 #include "pal/text/unicode.h"
 
 namespace pal {
@@ -56,8 +55,10 @@ PathParts TakePathApart(std::u16string_view path, std::u16string_view directory)
     // Another computer, or a device: there is none on this disk.
     parts.error = path.starts_with(u"\\\\.\\") ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
   } else if (path.size() >= 2 && path[1] == u':' && IsDriveLetter(path[0])) {
-    if (path.size() == 2 || !IsSeparator(path[2])) Die("a path relative to the directory of a drive");
     parts.drive = FoldCase(path.substr(0, 1)).front();
+    const bool fromRoot = path.size() > 2 && IsSeparator(path[2]);
+    const bool isOfDirectory = directory.starts_with(parts.drive);  // on other drives it is the root
+    if (!fromRoot && isOfDirectory) parts.names = TakePathApart(directory, {}).names;
     AddNames(parts, path.substr(2));
   } else {
     parts = TakePathApart(directory, {});

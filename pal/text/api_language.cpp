@@ -21,7 +21,7 @@ BOOL WINAPI SetThreadLocale(LCID locale) {
 LANGID WINAPI SetThreadUILanguage(LANGID language) {
   const Call call("SetThreadUILanguage");
   if (call.Fails()) return 0;
-  if (language == 0) Die("SetThreadUILanguage: only the choice of a language is known");
+  if (language == 0) language = kUserLanguage;
   CurrentThreadLanguage().userInterface = language;
   call->Emit(LanguageSet{language});
   return language;

@@ -99,6 +99,7 @@ class Serial : public testing::Test {
 
 TEST(SerialNames, APortThatIsNotThere) {
   EXPECT_EQ(OpenPort(TEXT("\\\\.\\COM77")), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(OpenPort(TEXT("\\\\.\\COM-7")), INVALID_HANDLE_VALUE);
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
 }
 
