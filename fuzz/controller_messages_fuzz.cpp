@@ -1,19 +1,32 @@
-// Any message of the controller, in good frames: the input is cut at its line feeds into messages.
-#include <string_view>
-#include <vector>
-
+// Any messages of the controller, in good frames, and bytes between them.
 #include "fuzz/tablet_for_fuzzing.h"
-#include "link/frame.h"
+
+namespace {
+
+using fuzz::Input;
+using fuzz::Tablet;
+
+void SayText(Tablet& tablet, Input& input) {
+  tablet.Pic().SendText(fuzz::Narrow(input.Piece()));
+}
+
+void SayReply(Tablet& tablet, Input& input) {
+  tablet.Pic().SendReply(fuzz::Narrow(input.Piece()));
+}
+
+void SayAnything(Tablet& tablet, Input& input) {
+  tablet.Pic().SendRaw(simulator::EncodeFrame(input.Piece()));
+}
+
+void SayBytes(Tablet& tablet, Input& input) {
+  tablet.Pic().SendRaw(input.Piece());
+}
+
+constexpr fuzz::Act kActs[] = {SayText, SayReply, SayAnything, SayBytes};
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  std::string_view rest(reinterpret_cast<const char*>(data), size);
-  while (!rest.empty()) {
-    const std::string_view message = rest.substr(0, rest.find('\n'));
-    rest.remove_prefix(std::min(rest.size(), message.size() + 1));
-    fuzz::Tablet().Pic().SendRaw(
-        veltra::EncodeFrame({reinterpret_cast<const uint8_t*>(message.data()), message.size()}));
-  }
-  fuzz::Tablet().Advance(std::chrono::milliseconds(100));
-  fuzz::ExpectAlive();
+  fuzz::PlayOnNewTablet(data, size, kActs);
   return 0;
 }
