@@ -380,7 +380,7 @@ std::vector<Setting> WineWorld::Settings() {
   for (const std::string& word : Split(Run({"list", "user"}))) {
     const size_t equals = word.find('=');
     if (equals == word.npos) continue;
-    Setting& setting = settings.emplace_back(word.substr(0, equals), std::nullopt);
+    Setting& setting = settings.emplace_back(Setting{word.substr(0, equals), std::nullopt});
     if (equals + 1 < word.size()) setting.number = std::stoi(word.substr(equals + 1));
   }
   return settings;

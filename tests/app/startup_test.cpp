@@ -97,7 +97,7 @@ TEST_F(Startup, OfOneKindOneBoxStands) {
   SetUserValue(u"Sw1CmdVal", -1);
   Start();
   for (int n = 0; n < 300; ++n)
-    for (const WPARAM command : {40205, 128})
+    for (const WPARAM command : {40205U, 128U})
       machine.desktop.Post(tablet.MainWindow(), WM_COMMAND, command, 0);
   tablet.Advance(1s);
   EXPECT_EQ(machine.boxes.Shown().size(), 2U);

@@ -125,7 +125,7 @@ TEST(HexReader, NamesTheFirstLineThatBreaksARule) {
 TEST(HexReader, CountsLinesAsEditorsDo) {
   for (const std::string lines :
        {"\n\n\n", "\r\r\r", "\r\n\r\n\r\n", "\n\r\n\r", "\r\n\n\n", "\r;123456789A\n\n"})
-    for (const size_t size : {1, 2, 100}) {
+    for (const size_t size : {1U, 2U, 100U}) {
       const HexReading reading = ReadInPieces(lines + "?\n", size);
       ASSERT_TRUE(reading.fault);
       EXPECT_EQ(reading.fault->line, 4U) << testing::PrintToString(lines) << " in pieces of " << size;
@@ -153,7 +153,7 @@ TEST(HexReader, RemarksOnWhatIsAcceptedAndProbablyNotMeant) {
 TEST(HexBytes, KeepsRunsAsLongAsTheyCanBe) {
   // 2 bytes each, out of order: 10 touches 12, 20 overlaps 21, 30 lies alone.
   std::string text;
-  for (const unsigned address : {30, 12, 21, 10, 20}) text += Record(0, address, {1, 2}) + "\n";
+  for (const unsigned address : {30U, 12U, 21U, 10U, 20U}) text += Record(0, address, {1, 2}) + "\n";
   const HexBytes bytes = ReadHexText(text).bytes;
   std::vector<std::pair<uint32_t, Data>> runs;
   for (size_t n = 0; n < bytes.RunCount(); ++n)

@@ -61,7 +61,7 @@ TEST(Controls, PicturesGiveBackTheOneBefore) {
 TEST(Controls, EditsLimitWhatIsTyped) {
   OpenDialogRun run([](OpenDialogRun& d) {
     d.Send(EDIT, EM_LIMITTEXT, 3);
-    for (const WCHAR unit : {'a', 'b', 'c', 'd'}) d.Send(EDIT, WM_CHAR, unit);
+    for (const WCHAR unit : {TEXT('a'), TEXT('b'), TEXT('c'), TEXT('d')}) d.Send(EDIT, WM_CHAR, unit);
     EXPECT_EQ(d.Text(EDIT), TEXT("abc"));
     SetDlgItemTextW(d.dialog, EDIT, TEXT("by the program"));
     EXPECT_EQ(d.Text(EDIT), TEXT("by the program"));

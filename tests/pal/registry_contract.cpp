@@ -45,7 +45,7 @@ TEST_F(Registry, KeysAreMadeWithAllAboveThem) {
   const Text inner = outer + TEXT("\\Inner");
   EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, inner.c_str(), 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
   DWORD disposition = 0;
-  for (const DWORD expected : {1, 2}) {  // made, and found
+  for (const DWORD expected : {1U, 2U}) {  // made, and found
     ASSERT_EQ(Create(inner, &key, &disposition), ERROR_SUCCESS);
     EXPECT_EQ(disposition, expected);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);

@@ -28,7 +28,7 @@ class Timers : public testing::Test {
 };
 
 TEST_F(Timers, ComeAgainAndAgain) {
-  for (const UINT period : {60, 0}) {  // never faster than ten milliseconds
+  for (const UINT period : {60U, 0U}) {  // never faster than ten milliseconds
     const int start = ClockMs();
     ASSERT_EQ(SetTimer(window.Get(), 5, period, nullptr), 5u);
     MSG message;

@@ -217,7 +217,7 @@ TEST(FirmwareFile, IsWhatItHolds) {
             ":00000001FF\r\n");
   const Flash factory;
   const Bytes after = FlashAfterUpdate(factory.Bytes(), bytes);
-  for (const uint32_t outside : {0x17FF, 0x2000, 0x12800, 0x14800})
+  for (const uint32_t outside : {0x17FFU, 0x2000U, 0x12800U, 0x14800U})
     EXPECT_EQ(after[outside], factory.Bytes()[outside]);
   EXPECT_EQ(after[0x1800], 2);
   EXPECT_EQ(after[0x1801], 0xFF);
