@@ -68,6 +68,7 @@ Problem RunBoard(World& world, Words words) {
   if (words.size() == 3 && word == "lacks") return desk.Install(Library::kBoard, words[2]), Problem();
   constexpr uint8_t kCodec = 0x38;
   const std::optional<int64_t> error = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
+  const auto code = static_cast<int32_t>(error.value_or(0));
   struct Row {
     std::string_view word;
     int32_t Board::*error;
@@ -77,13 +78,13 @@ Problem RunBoard(World& world, Words words) {
                              {"info-error", &Board::boardInfoError},
                              {"serves-messages", &Board::servesMessages}};
   if (error && word == "codec-errors") {
-    TheBoard().failures = {{kCodec, static_cast<int>(*error)}};
+    TheBoard().failures = {{kCodec, code}};
     return {};
   }
   const auto* row = std::ranges::find(kErrors, word, &Row::word);
   if (!error || row == std::end(kErrors))
     return ExpectedArguments("absent|damaged|lacks EXPORT|start-error CODE|..., \"help\" lists them");
-  TheBoard().*(row->error) = static_cast<int32_t>(*error);
+  TheBoard().*(row->error) = code;
   return {};
 }
 
