@@ -134,6 +134,7 @@ std::optional<std::string> TabletWorld::AskReport(int64_t selection) {
         report.assign(reinterpret_cast<const char16_t*>(message.payload.data()), message.payload.size() / 2);
         return TRUE;
       });
+  machine.desktop.SetHung(asker, true, true);
   const auto answer = Ask(kDeviceReportRequest, selection, reinterpret_cast<intptr_t>(asker));
   machine.desktop.RemoveForeignWindow(asker);
   if (!answer) return std::nullopt;

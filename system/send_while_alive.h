@@ -6,7 +6,8 @@
 namespace veltra {
 
 // Sends the message and waits until it has been handled, as long as the receiver lives; 5 s at most when it
-// hangs. What others send to the tool is handled meanwhile. False when it was not handled.
+// hangs. One that waits for the tool itself looks hung to Windows and handles the message all the same. What
+// others send to the tool is handled meanwhile. False when it was not handled.
 bool SendWhileAlive(HWND receiver, UINT message, WPARAM wParam, LPARAM lParam);
 
 }  // namespace veltra

@@ -52,6 +52,10 @@ struct Probe {
 
 // Empty, with words on the standard error output, when there is no answer.
 std::optional<LRESULT> Ask(const Probe& probe, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+  // Windows calls a program hung that does not look at its messages for 5 s, and its answer might be given
+  // up.
+  MSG looked = {};
+  PeekMessageW(&looked, nullptr, 0, 0, PM_NOREMOVE);
   DWORD_PTR answer = 0;
   if (SendMessageTimeoutW(probe.tool, message, wParam, lParam, SMTO_NORMAL, kPatienceMs, &answer))
     return static_cast<LRESULT>(answer);
@@ -83,8 +87,11 @@ HWND MakeReceiver() {
   windowClass.hInstance = GetModuleHandleW(nullptr);
   windowClass.lpszClassName = TEXT("Veltra Tool Probe");
   RegisterClassExW(&windowClass);
-  return CreateWindowExW(0, windowClass.lpszClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                         windowClass.hInstance, nullptr);
+  const HWND receiver = CreateWindowExW(0, windowClass.lpszClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE,
+                                        nullptr, windowClass.hInstance, nullptr);
+  // Where this program has higher rights than the tool, Windows would keep the report from it.
+  ChangeWindowMessageFilterEx(receiver, WM_COPYDATA, MSGFLT_ALLOW, nullptr);
+  return receiver;
 }
 
 // ---- the questions ------------------------------------------------------------------------------------------

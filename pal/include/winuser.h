@@ -142,6 +142,9 @@ struct COPYDATASTRUCT {
 #define PBT_APMSUSPEND 0x0004
 #define PBT_APMRESUMEAUTOMATIC 0x0012
 
+#define ISMEX_NOSEND 0x0u
+#define ISMEX_SEND 0x1u
+#define ISMEX_REPLIED 0x8u
 #define PM_NOREMOVE 0x0000u
 #define PM_REMOVE 0x0001u
 #define SMTO_NORMAL 0x0000u
@@ -152,6 +155,7 @@ struct COPYDATASTRUCT {
 #define USER_TIMER_MAXIMUM 0x7FFFFFFF
 
 BOOL WINAPI GetMessageW(LPMSG message, HWND window, UINT first, UINT last);
+DWORD WINAPI InSendMessageEx(LPVOID reserved);
 BOOL WINAPI PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT remove);
 BOOL WINAPI TranslateMessage(const MSG* message);
 LRESULT WINAPI DispatchMessageW(const MSG* message);

@@ -35,6 +35,7 @@ struct Thread {
   bool ended = false;
   DWORD exitCode = 0;
   MessageQueue queue;
+  bool handlesSent = false;  // what it is at work on was sent, and the sender waits
 
   // What it waits for, while it waits. The condition is asked by others and must change nothing.
   const std::function<bool()>* condition = nullptr;

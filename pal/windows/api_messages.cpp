@@ -59,6 +59,7 @@ DWORD WaitWhileHung(State& state, const Window& hung, const Patience& patience) 
   constexpr Time kCountsAsHung = std::chrono::seconds(5);
   const Time countsFrom = *hung.hungSince + kCountsAsHung;
   if ((patience.flags & SMTO_ABORTIFHUNG) && state.scheduler.Now() >= countsFrom) return ERROR_TIMEOUT;
+  if (hung.awaitsAnswer) return ERROR_SUCCESS;
   std::optional<Time> deadline = patience.deadline;
   if (deadline && (patience.flags & SMTO_NOTIMEOUTIFNOTHUNG)) deadline = std::max(*deadline, countsFrom);
   const auto looks = [&state, window = hung.handle] {
@@ -162,6 +163,11 @@ BOOL WINAPI PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT
   if (!taken) return FALSE;
   *message = *taken;
   return TRUE;
+}
+
+DWORD WINAPI InSendMessageEx(LPVOID /*reserved*/) {
+  const Call call;
+  return CallingThread("InSendMessageEx").handlesSent ? ISMEX_SEND : ISMEX_NOSEND;
 }
 
 // No WM_CHAR comes of a key: nothing here looks at one.

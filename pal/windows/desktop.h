@@ -50,6 +50,7 @@ struct Window {
   Thread* thread = nullptr;                      // null for a window of another program
   ForeignWindowHandler foreign;                  // of a window of another program
   std::optional<Time> hungSince = std::nullopt;  // its program looks at no messages since then
+  bool awaitsAnswer = false;                     // of somebody else, meanwhile
   WNDPROC procedure = nullptr;
   std::u16string title;
   DWORD style = 0;
@@ -77,8 +78,8 @@ class Desktop {
   HWND AddForeignWindow(std::u16string_view className, ForeignWindowHandler handler = {});
   void RemoveForeignWindow(HWND window);
   // The program of that window looks at no messages from now on, or does so again: who sends it something
-  // waits.
-  void SetHung(HWND window, bool hung);
+  // waits. One that waits for an answer itself handles what is sent; Windows calls it hung all the same.
+  void SetHung(HWND window, bool hung, bool awaitsAnswer = false);
   // The program's top-level window of that class, null when there is none.
   [[nodiscard]] HWND ProgramWindow(std::u16string_view className);
   // Sends or posts a message to a window of the program as another process would; a send is answered when the

@@ -53,9 +53,11 @@ void Desktop::RemoveForeignWindow(HWND window) {
   state_.scheduler.Notify();
 }
 
-void Desktop::SetHung(HWND window, bool hung) {
+void Desktop::SetHung(HWND window, bool hung, bool awaitsAnswer) {
   const MachineLock lock(state_.mutex);
-  NeedForeign(window).hungSince = hung ? std::optional(state_.scheduler.Now()) : std::nullopt;
+  Window& other = NeedForeign(window);
+  other.hungSince = hung ? std::optional(state_.scheduler.Now()) : std::nullopt;
+  other.awaitsAnswer = awaitsAnswer;
   state_.scheduler.Notify();
 }
 

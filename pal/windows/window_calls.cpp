@@ -62,7 +62,25 @@ LRESULT CallWindow(State& state, HWND window, UINT message, WPARAM wParam, LPARA
   return found ? CallProcedure(state, found->procedure, window, message, wParam, lParam) : 0;
 }
 
+namespace {
+
+// While it lives the thread is at work on what was sent, or on what was not.
+class AtWork {
+ public:
+  AtWork(Thread& thread, bool isSent) : thread_(thread), before_(std::exchange(thread.handlesSent, isSent)) {}
+  ~AtWork() { thread_.handlesSent = before_; }
+  AtWork(const AtWork&) = delete;
+  AtWork& operator=(const AtWork&) = delete;
+
+ private:
+  Thread& thread_;
+  bool before_;
+};
+
+}  // namespace
+
 void HandleSentMessages(State& state, Thread& self) {
+  const AtWork working(self, true);
   while (const std::shared_ptr<SentMessage> sent = self.queue.TakeSent()) {
     const Window* window = state.desktop.Find(sent->window);
     if (window)
@@ -75,6 +93,7 @@ void HandleSentMessages(State& state, Thread& self) {
 }
 
 LRESULT Dispatch(State& state, const MSG& message) {
+  const AtWork working(CallingThread("DispatchMessageW"), false);
   if (message.message == kPersonActs) {
     const auto act = state.dialogs.acts.extract(message.wParam);
     const MachineMutex::Open open(state.mutex);
