@@ -11,22 +11,32 @@ BOOL OnPort(const char* function, HANDLE port, Action action) {
   const Call call(function);
   if (call.Fails()) return FALSE;
   const auto handle = call->handles.Find<PortHandle>(port);
-  const DWORD error = handle ? action(*handle) : static_cast<DWORD>(ERROR_INVALID_HANDLE);
+  DWORD error = handle ? handle->Refusal() : static_cast<DWORD>(ERROR_INVALID_HANDLE);
+  if (error == ERROR_SUCCESS) error = action(*handle);
   return error == ERROR_SUCCESS ? TRUE : Refuse(error, FALSE);
+}
+
+// Takes a record over.
+template <class Record>
+DWORD Copy(Record& to, const Record& from) {
+  to = from;
+  return ERROR_SUCCESS;
 }
 
 }  // namespace
 
 BOOL WINAPI GetCommTimeouts(HANDLE port, LPCOMMTIMEOUTS timeouts) {
-  return OnPort("GetCommTimeouts", port, [&](PortHandle& handle) { return handle.GetTimeouts(*timeouts); });
+  return OnPort("GetCommTimeouts", port,
+                [&](PortHandle& handle) { return Copy(*timeouts, handle.Timeouts()); });
 }
 
 BOOL WINAPI SetCommTimeouts(HANDLE port, LPCOMMTIMEOUTS timeouts) {
-  return OnPort("SetCommTimeouts", port, [&](PortHandle& handle) { return handle.SetTimeouts(*timeouts); });
+  return OnPort("SetCommTimeouts", port,
+                [&](PortHandle& handle) { return Copy(handle.Timeouts(), *timeouts); });
 }
 
 BOOL WINAPI GetCommState(HANDLE port, LPDCB dcb) {
-  return OnPort("GetCommState", port, [&](PortHandle& handle) { return handle.GetSettings(*dcb); });
+  return OnPort("GetCommState", port, [&](PortHandle& handle) { return Copy(*dcb, handle.Settings()); });
 }
 
 BOOL WINAPI SetCommState(HANDLE port, LPDCB dcb) {

@@ -6,7 +6,6 @@
 namespace pal {
 
 struct Power {
-  DWORD executionState = ES_CONTINUOUS;
   bool mayShutDown = false;  // the program has enabled that privilege
 };
 

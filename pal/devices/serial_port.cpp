@@ -66,6 +66,14 @@ DWORD PortHandle::Refusal() const {
   return deviceGone_ ? ERROR_BAD_COMMAND : ERROR_SUCCESS;
 }
 
+DCB& PortHandle::Settings() const {
+  return port_.dcb_;
+}
+
+COMMTIMEOUTS& PortHandle::Timeouts() const {
+  return port_.timeouts_;
+}
+
 void PortHandle::OnClose() {
   closed_ = true;
   EndWait({ERROR_OPERATION_ABORTED, 0});
@@ -147,7 +155,6 @@ DWORD PortHandle::Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, 
 }
 
 DWORD PortHandle::SetMask(DWORD events) {
-  if (const DWORD refusal = Refusal()) return refusal;
   if (events & ~EV_RXCHAR) Die("SetCommMask with an unknown event");
   EndWait({ERROR_SUCCESS, 0});
   mask_ = events;
@@ -156,7 +163,6 @@ DWORD PortHandle::SetMask(DWORD events) {
 }
 
 DWORD PortHandle::WaitEvent(DWORD* events) {
-  if (const DWORD refusal = Refusal()) return refusal;
   if (mask_ == 0 || wait_) return ERROR_INVALID_PARAMETER;
   wait_.emplace();
   if (raised_ != 0) EndWait({ERROR_SUCCESS, std::exchange(raised_, 0)});
@@ -174,7 +180,6 @@ DWORD PortHandle::WaitEvent(DWORD* events) {
 }
 
 DWORD PortHandle::TakeErrors(DWORD& errors, COMSTAT* status) {
-  if (const DWORD refusal = Refusal()) return refusal;
   FetchFromTty();
   errors = std::exchange(port_.commErrors_, 0);
   if (status) {
@@ -185,9 +190,6 @@ DWORD PortHandle::TakeErrors(DWORD& errors, COMSTAT* status) {
 }
 
 DWORD PortHandle::Purge(DWORD flags) {
-  if (const DWORD refusal = Refusal()) return refusal;
-  if (flags & ~(PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR))
-    return ERROR_INVALID_PARAMETER;
   port_.state_.Emit(SerialPurged{port_.number_, flags});
   if (!(flags & PURGE_RXCLEAR)) return ERROR_SUCCESS;
   if (tty_) tty_->DiscardInput();
@@ -196,28 +198,9 @@ DWORD PortHandle::Purge(DWORD flags) {
 }
 
 DWORD PortHandle::SetSettings(const DCB& dcb) {
-  if (const DWORD refusal = Refusal()) return refusal;
   if (dcb.ByteSize < 5 || dcb.ByteSize > 8 || dcb.BaudRate == 0) return ERROR_INVALID_PARAMETER;
   if (tty_ && !tty_->Configure(dcb)) return ERROR_INVALID_PARAMETER;
   port_.dcb_ = dcb;
-  return ERROR_SUCCESS;
-}
-
-DWORD PortHandle::GetSettings(DCB& dcb) const {
-  if (const DWORD refusal = Refusal()) return refusal;
-  dcb = port_.dcb_;
-  return ERROR_SUCCESS;
-}
-
-DWORD PortHandle::SetTimeouts(const COMMTIMEOUTS& timeouts) {
-  if (const DWORD refusal = Refusal()) return refusal;
-  port_.timeouts_ = timeouts;
-  return ERROR_SUCCESS;
-}
-
-DWORD PortHandle::GetTimeouts(COMMTIMEOUTS& timeouts) const {
-  if (const DWORD refusal = Refusal()) return refusal;
-  timeouts = port_.timeouts_;
   return ERROR_SUCCESS;
 }
 

@@ -28,15 +28,16 @@ class PortHandle final : public Object {
   DWORD Read(std::span<uint8_t> buffer, OVERLAPPED* overlapped, DWORD& transferred) override;
   DWORD Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, DWORD& transferred) override;
 
-  // The comm functions; they return 0 or the error.
+  // Why nothing can be asked of it any more: closed, or the device is gone; else 0.
+  [[nodiscard]] DWORD Refusal() const;
+  // The comm functions of a handle without refusal; they return 0 or the error.
   DWORD SetMask(DWORD events);
   DWORD WaitEvent(DWORD* events);  // returns when the wait is over
   DWORD TakeErrors(DWORD& errors, COMSTAT* status);
   DWORD Purge(DWORD flags);
   DWORD SetSettings(const DCB& dcb);
-  DWORD GetSettings(DCB& dcb) const;
-  DWORD SetTimeouts(const COMMTIMEOUTS& timeouts);
-  DWORD GetTimeouts(COMMTIMEOUTS& timeouts) const;
+  [[nodiscard]] DCB& Settings() const;
+  [[nodiscard]] COMMTIMEOUTS& Timeouts() const;
 
   // The line's side.
   void Raise(DWORD events);  // those of the mask end the wait, or are kept for the next one
@@ -55,7 +56,6 @@ class PortHandle final : public Object {
 
   void EndWait(Outcome outcome);
   void FetchFromTty();
-  [[nodiscard]] DWORD Refusal() const;
 
   Port& port_;
   std::unique_ptr<TtyLine> tty_;

@@ -35,14 +35,6 @@ LRESULT SetData(ComboState& state, WPARAM index, LPARAM data) {
   return 0;
 }
 
-// The text and its length.
-LRESULT Text(ComboState& state, WPARAM index, WCHAR* buffer) {
-  const ComboItem* item = ItemAt(state, index);
-  if (!item) return CB_ERR;
-  *std::ranges::copy(item->text, buffer).out = 0;
-  return static_cast<LRESULT>(item->text.size());
-}
-
 std::u16string SelectedText(const ComboState& state) {
   return state.selection == CB_ERR ? std::u16string()
                                    : state.items[static_cast<size_t>(state.selection)].text;
@@ -62,8 +54,6 @@ Reactions ReactCombo(Window& combo, UINT message, WPARAM wParam, LPARAM lParam) 
       return Reaction{state.selection};
     case CB_SETCURSEL:
       return Reaction{Select(state, wParam)};
-    case CB_GETLBTEXT:
-      return Reaction{Text(state, wParam, reinterpret_cast<WCHAR*>(lParam))};
     case CB_RESETCONTENT:
       state = {};
       return Reaction{};
@@ -74,7 +64,6 @@ Reactions ReactCombo(Window& combo, UINT message, WPARAM wParam, LPARAM lParam) 
     case WM_SETTEXT:  // the text is that of the selection
       return Reaction{CB_ERR};
     case WM_GETTEXT:
-    case WM_GETTEXTLENGTH:
       combo.title = SelectedText(state);
       return std::nullopt;
     default:

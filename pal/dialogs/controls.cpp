@@ -27,21 +27,20 @@ LRESULT CALLBACK ControlProcedure(HWND control, UINT message, WPARAM wParam, LPA
 using ClassPointer = std::shared_ptr<const WindowClass>;
 
 template <Reactions (*React)(Window&, UINT, WPARAM, LPARAM)>
-ClassPointer ControlClass(std::u16string name, ATOM atom, ControlState state) {
+ClassPointer ControlClass(std::u16string name, ControlState state) {
   return std::make_shared<const WindowClass>(
-      WindowClass{std::move(name), atom, ControlProcedure<React>, 0, std::move(state)});
+      WindowClass{std::move(name), ControlProcedure<React>, 0, std::move(state)});
 }
 
 const std::vector<ClassPointer>& SystemClasses() {
   static const std::vector<ClassPointer> classes = {
-      std::make_shared<const WindowClass>(
-          WindowClass{u"#32770", 0x8002, DialogProcedure, DLGWINDOWEXTRA, {}}),
-      ControlClass<ReactButton>(u"Button", 0x8003, ButtonState{}),
-      ControlClass<ReactStatic>(u"Static", 0x8004, StaticState{}),
-      ControlClass<ReactEdit>(u"Edit", 0x8005, EditState{}),
-      ControlClass<ReactCombo>(u"ComboBox", 0x8006, ComboState{}),
-      ControlClass<ReactTrackbar>(TRACKBAR_CLASSW, 0x8007, TrackbarState{}),
-      ControlClass<ReactProgress>(PROGRESS_CLASSW, 0x8008, ProgressState{}),
+      std::make_shared<const WindowClass>(WindowClass{u"#32770", DialogProcedure, DLGWINDOWEXTRA, {}}),
+      ControlClass<ReactButton>(u"Button", ButtonState{}),
+      ControlClass<ReactStatic>(u"Static", StaticState{}),
+      ControlClass<ReactEdit>(u"Edit", EditState{}),
+      ControlClass<ReactCombo>(u"ComboBox", ComboState{}),
+      ControlClass<ReactTrackbar>(TRACKBAR_CLASSW, TrackbarState{}),
+      ControlClass<ReactProgress>(PROGRESS_CLASSW, ProgressState{}),
   };
   return classes;
 }

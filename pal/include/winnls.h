@@ -23,10 +23,7 @@
 #define CP_ACP 0u
 #define CP_THREAD_ACP 3u
 #define CP_UTF8 65001u
-#define MB_PRECOMPOSED 0x00000001u
-#define MB_ERR_INVALID_CHARS 0x00000008u
 #define WC_NO_BEST_FIT_CHARS 0x00000400u
-#define WC_ERR_INVALID_CHARS 0x00000080u
 
 // Length -1: up to the terminator, which is converted too. Both return the length of the result, or 0.
 int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH text, int textLength, LPSTR result,

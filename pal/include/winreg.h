@@ -15,8 +15,6 @@
 #define KEY_ALL_ACCESS 0x000F003Fu
 
 #define REG_OPTION_NON_VOLATILE 0u
-#define REG_CREATED_NEW_KEY 1u
-#define REG_OPENED_EXISTING_KEY 2u
 
 #define REG_NONE 0u
 #define REG_SZ 1u

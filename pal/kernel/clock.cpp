@@ -22,9 +22,4 @@ bool MachineClock::AdvanceUntil(const std::function<bool()>& condition, Time lim
   return state_.scheduler.Run(state_.scheduler.Now() + limit, condition);
 }
 
-void MachineClock::Do(const std::function<void()>& action) {
-  const MachineLock lock(state_.mutex);
-  state_.scheduler.Do(action);
-}
-
 }  // namespace pal

@@ -25,8 +25,6 @@ class MachineClock {
   // Advances until the condition holds (checked after every event and whenever the program waits) or the
   // limit is over; returns whether it holds.
   bool AdvanceUntil(const std::function<bool()>& condition, Time limit);
-  // Runs `action` where events run, and returns when it has run.
-  void Do(const std::function<void()>& action);
 
   SYSTEMTIME localTimeAtStart = {2024, 11, 2, 19, 14, 5, 0, 0};  // when Now() was 0; a Tuesday
 

@@ -341,21 +341,6 @@ void Scheduler::EndProgram() {
   JoinEnded();
 }
 
-void Scheduler::Do(const std::function<void()>& action) {
-  if (IsVirtual() || std::this_thread::get_id() == hardware_.get_id()) {
-    const MachineMutex::Open open(mutex_);
-    action();
-    return;
-  }
-  bool done = false;
-  At(Now(), [&] {
-    action();
-    const MachineLock lock(mutex_);
-    done = true;
-  });
-  while (!done) RunWall(Now() + std::chrono::hours(1), [&] { return done; });
-}
-
 void Scheduler::StopEvents() {
   events_.clear();
   if (!hardware_.joinable()) return;

@@ -85,8 +85,6 @@ class Scheduler {
   bool Run(Time target, const std::function<bool()>& done);
   // Ends a program that still runs and waits for its threads. Dies when it does not end.
   void EndProgram();
-  // Runs the action where events run and returns when it has run.
-  void Do(const std::function<void()>& action);
   void StopEvents();
 
  private:

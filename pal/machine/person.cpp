@@ -99,8 +99,13 @@ void Focus(HWND control) {
   if (call->desktop.Find(control)->style & WS_TABSTOP) call->desktop.SetFocus(control);
 }
 
+HWND ParentOf(HWND control) {
+  const Call call;
+  return call->desktop.Find(control)->parent;
+}
+
 void Tell(HWND control, UINT message, WORD low, WORD high) {
-  SendMessageW(GetParent(control), message, MAKEWPARAM(low, high), reinterpret_cast<LPARAM>(control));
+  SendMessageW(ParentOf(control), message, MAKEWPARAM(low, high), reinterpret_cast<LPARAM>(control));
 }
 
 void ChooseIn(HWND list, int id, std::u16string_view text) {

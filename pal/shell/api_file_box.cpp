@@ -28,39 +28,19 @@ std::vector<std::pair<std::u16string, std::u16string>> FiltersOf(const WCHAR* li
   return filters;
 }
 
-WaitingFileBox* FindBox(State& state, HWND window) {
-  for (const auto& box : state.dialogs.fileBoxes)
-    if (box->window == window) return box.get();
-  return nullptr;
-}
-
 void Answer(State& state, WaitingFileBox& box, std::optional<std::u16string> path) {
   box.isAnswered = true;
   box.path = std::move(path);
   state.scheduler.Notify();
 }
 
-// Another program may close the box, or accept the name that it began with.
-LRESULT CALLBACK FileBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  {
-    const Call call;
-    WaitingFileBox* box = FindBox(call.Get(), window);
-    const bool cancels = message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL);
-    const bool accepts = message == WM_COMMAND && LOWORD(wParam) == IDOK;
-    if (box && cancels) Answer(call.Get(), *box, std::nullopt);
-    if (box && accepts && !box->shown.initialName.empty()) Answer(call.Get(), *box, box->shown.initialName);
-    if (cancels || accepts) return 0;
-  }
-  return DefWindowProcW(window, message, wParam, lParam);
-}
-
 HWND AddBoxWindow(State& state, Thread& self, HWND owner) {
   static const auto boxClass =
-      std::make_shared<const WindowClass>(WindowClass{u"#32770", 0x8002, FileBoxProcedure, 0, {}});
+      std::make_shared<const WindowClass>(WindowClass{u"#32770", DefWindowProcW, 0, {}});
   Window window;
   window.windowClass = boxClass;
   window.thread = &self;
-  window.procedure = FileBoxProcedure;
+  window.procedure = DefWindowProcW;
   window.title = u"Open";
   window.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_VISIBLE;
   window.owner = owner;

@@ -61,7 +61,6 @@ BOOL WINAPI DeleteMenu(HMENU menu, UINT position, UINT flags) {
   if (call.Fails()) return FALSE;
   const Menus::Place place = FindItem(call, menu, position, flags);
   if (!place) return FALSE;
-  if (const HMENU popup = place.Item().popup) call->menus.Destroy(popup);
   place.menu->items.erase(place.menu->items.begin() + static_cast<ptrdiff_t>(place.index));
   return TRUE;
 }

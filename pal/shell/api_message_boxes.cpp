@@ -14,11 +14,10 @@ constexpr std::u16string_view kDefaultCaption = u"Error";
 struct Buttons {
   UINT type;
   std::vector<int> ids;
-  int closeAnswer;  // what closing the box means; 0: it has no close button
 };
 const std::vector<Buttons> kButtons = {
-    {MB_OK, {IDOK}, IDOK},
-    {MB_YESNO, {IDYES, IDNO}, 0},
+    {MB_OK, {IDOK}},
+    {MB_YESNO, {IDYES, IDNO}},
 };
 
 const Buttons& ButtonsOf(UINT type) {
@@ -34,7 +33,7 @@ bool HasButton(const OpenMessageBox& box, int button) {
 
 const std::shared_ptr<const WindowClass>& BoxClass() {
   static const auto boxClass =
-      std::make_shared<const WindowClass>(WindowClass{u"#32770", 0x8002, MessageBoxProcedure, 0, {}});
+      std::make_shared<const WindowClass>(WindowClass{u"#32770", DefWindowProcW, 0, {}});
   return boxClass;
 }
 
@@ -42,7 +41,7 @@ HWND AddBoxWindow(State& state, Thread& self, const OpenMessageBox& shown) {
   Window window;
   window.windowClass = BoxClass();
   window.thread = &self;
-  window.procedure = MessageBoxProcedure;
+  window.procedure = DefWindowProcW;
   window.title = shown.caption;
   window.style = WS_POPUP | WS_CAPTION;
   window.owner = shown.owner;
@@ -70,24 +69,6 @@ void MessageBoxes::Answer(WaitingBox& box, int button) {
   if (!HasButton(box.shown, button)) Die("an answer for which the message box has no button");
   box.answer = button;
   state_.scheduler.Notify();
-}
-
-LRESULT CALLBACK MessageBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  {
-    const Call call;
-    const auto& open = call->boxes.open;
-    const auto box =
-        std::find_if(open.begin(), open.end(), [&](const auto& other) { return other->window == window; });
-    if (box == open.end()) return 0;
-    const OpenMessageBox& shown = (*box)->shown;
-    const int button =
-        message == WM_CLOSE ? ButtonsOf(shown.type).closeAnswer : static_cast<int>(LOWORD(wParam));
-    if (message == WM_CLOSE || message == WM_COMMAND) {
-      if (HasButton(shown, button)) call->boxes.Answer(**box, button);
-      return 0;
-    }
-  }
-  return DefWindowProcW(window, message, wParam, lParam);
 }
 
 }  // namespace pal

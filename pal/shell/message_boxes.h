@@ -44,7 +44,4 @@ class MessageBoxes {
   State& state_;
 };
 
-// The box's window procedure: a button's WM_COMMAND or WM_CLOSE answers it, as another program may do.
-LRESULT CALLBACK MessageBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-
 }  // namespace pal

@@ -89,10 +89,9 @@ BOOL WINAPI SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER
   if (call.Fails()) return FALSE;
   const auto found = FindFile(call, file);
   if (!found) return FALSE;
-  if (method != FILE_END) Die("SetFilePointerEx from anywhere but the end");
-  const off_t reached = lseek(found->HostFile()->descriptor, distance.QuadPart, SEEK_END);
-  if (reached < 0) return Finish(ERROR_NEGATIVE_SEEK);
-  if (position) position->QuadPart = reached;
+  if (method != FILE_END || distance.QuadPart != 0 || position)
+    Die("SetFilePointerEx to anywhere but the end");
+  if (lseek(found->HostFile()->descriptor, 0, SEEK_END) < 0) Die("a file without an end");
   return TRUE;
 }
 

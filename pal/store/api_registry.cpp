@@ -78,7 +78,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR ke
                                REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY opened,
                                LPDWORD disposition) {
   const Call call("RegCreateKeyExW");
-  if (keyClass || options != REG_OPTION_NON_VOLATILE || security)
+  if (keyClass || options != REG_OPTION_NON_VOLATILE || security || disposition)
     Die("RegCreateKeyExW: only plain keys are known");
   CheckAccess(access);
   if (call.Fails()) return static_cast<LSTATUS>(call.Error());
@@ -89,7 +89,6 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR ke
   if (!base.key) return base.error;
   std::shared_ptr<RegistryKey> found = Registry::Find(base.key, keyPath);
   const bool isNew = !found;
-  if (disposition) *disposition = isNew ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
   if (isNew) {
     const Reached parent = Reach(call.Get(), key, KEY_CREATE_SUB_KEY);
     if (!parent.key) return parent.error;

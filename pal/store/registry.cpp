@@ -100,8 +100,7 @@ std::shared_ptr<RegistryKey> Registry::Find(std::shared_ptr<RegistryKey> key, st
   return key;
 }
 
-std::shared_ptr<RegistryKey> Registry::Create(std::shared_ptr<RegistryKey> key,
-                                                   std::u16string_view path) {
+std::shared_ptr<RegistryKey> Registry::Create(std::shared_ptr<RegistryKey> key, std::u16string_view path) {
   while (!path.empty()) {
     const std::u16string_view name = TakeName(path);
     std::shared_ptr<RegistryKey> child = FindChild(*key, name);

@@ -11,11 +11,9 @@ using namespace pal;
 
 namespace {
 
-constexpr UINT kLatinCodePage = 1252;
-
 // The layer knows UTF-8, and the code page that the machine's programs and threads have.
 void CheckCodePage(UINT codePage) {
-  if (codePage != CP_ACP && codePage != CP_THREAD_ACP && codePage != kLatinCodePage && codePage != CP_UTF8)
+  if (codePage != CP_ACP && codePage != CP_THREAD_ACP && codePage != CP_UTF8)
     Die("unknown code page " + std::to_string(codePage));
 }
 
@@ -56,19 +54,16 @@ int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH text, int text
   const std::u16string_view units = textLength < 0
                                         ? std::u16string_view(text, std::u16string_view(text).size() + 1)
                                         : std::u16string_view(text, static_cast<size_t>(textLength));
-  const DWORD knownFlags = codePage == CP_UTF8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
-  if ((flags & ~knownFlags) != 0) return Refuse(ERROR_INVALID_FLAGS, 0);
+  if (flags & ~(codePage == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS))
+    Die("WideCharToMultiByte with an unknown flag");
   if (codePage != CP_UTF8) {
     const bool fits = (flags & WC_NO_BEST_FIT_CHARS) == 0;
     const Encoded encoded = EncodeLatin(units, fits, defaultChar ? *defaultChar : kDefaultChar);
     if (usedDefaultChar) *usedDefaultChar = encoded.usedDefault ? TRUE : FALSE;
     return Deliver<char>(encoded.bytes, result, resultSize);
   }
-  if (defaultChar || usedDefaultChar) return Refuse(ERROR_INVALID_PARAMETER, 0);
-  const std::string bytes = ToUtf8(units);
-  if ((flags & WC_ERR_INVALID_CHARS) != 0 && DecodeUtf8(bytes).text != units)
-    return Refuse(ERROR_NO_UNICODE_TRANSLATION, 0);
-  return Deliver<char>(bytes, result, resultSize);
+  if (defaultChar || usedDefaultChar) Die("UTF-8 has no default character");
+  return Deliver<char>(ToUtf8(units), result, resultSize);
 }
 
 int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH text, int textLength, LPWSTR result,
@@ -76,17 +71,13 @@ int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH text, int textL
   const Call call("MultiByteToWideChar");
   if (call.Fails()) return 0;
   CheckCodePage(codePage);
+  if (codePage == CP_UTF8) Die("MultiByteToWideChar of UTF-8");
   if (!text || textLength == 0 || resultSize < 0 || (!result && resultSize > 0))
     return Refuse(ERROR_INVALID_PARAMETER, 0);
   const std::string_view bytes = textLength < 0 ? std::string_view(text, std::strlen(text) + 1)
                                                 : std::string_view(text, static_cast<size_t>(textLength));
-  const DWORD knownFlags = MB_ERR_INVALID_CHARS | (codePage == CP_UTF8 ? 0 : MB_PRECOMPOSED);
-  if ((flags & ~knownFlags) != 0) return Refuse(ERROR_INVALID_FLAGS, 0);
-  DecodedText decoded;
-  if (codePage == CP_UTF8)
-    decoded = DecodeUtf8(bytes);
-  else
-    for (const char byte : bytes) decoded.text.push_back(DecodeCodePage(static_cast<uint8_t>(byte)));
-  if ((flags & MB_ERR_INVALID_CHARS) != 0 && !decoded.valid) return Refuse(ERROR_NO_UNICODE_TRANSLATION, 0);
-  return Deliver<WCHAR>(decoded.text, result, resultSize);
+  if (flags != 0) Die("MultiByteToWideChar with an unknown flag");
+  std::u16string decoded;
+  for (const char byte : bytes) decoded.push_back(DecodeCodePage(static_cast<uint8_t>(byte)));
+  return Deliver<WCHAR>(decoded, result, resultSize);
 }

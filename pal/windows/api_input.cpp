@@ -61,10 +61,6 @@ void WINAPI mouse_event(DWORD flags, DWORD dx, DWORD dy, DWORD data, ULONG_PTR /
 void WINAPI keybd_event(BYTE virtualKey, BYTE scanCode, DWORD flags, ULONG_PTR /*extraInfo*/) {
   const Call call;
   if (flags & ~(KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP)) Die("keybd_event with unknown flags");
-  if (flags & KEYEVENTF_KEYUP)
-    call->desktop.heldKeys.erase(virtualKey);
-  else
-    call->desktop.heldKeys.insert(virtualKey);
   call->Emit(KeyInput{virtualKey, scanCode, flags});
 }
 

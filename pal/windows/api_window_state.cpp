@@ -49,11 +49,6 @@ BOOL WINAPI ShowWindow(HWND window, int command) {
   return TRUE;
 }
 
-BOOL WINAPI IsWindowVisible(HWND window) {
-  const Call call;
-  return call->desktop.IsShown(window) ? TRUE : FALSE;
-}
-
 // Returns whether it was disabled before.
 BOOL WINAPI EnableWindow(HWND window, BOOL enable) {
   bool losesFocus = false;
@@ -93,13 +88,6 @@ HWND WINAPI SetFocus(HWND window) {
   return before;
 }
 
-HWND WINAPI GetParent(HWND window) {
-  const Call call;
-  const Window* found = FindOr1400(call.Get(), window);
-  if (!found) return nullptr;
-  return found->parent ? found->parent : found->owner;
-}
-
 BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width, int height, UINT flags) {
   constexpr UINT kKnown = SWP_NOSIZE | SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE;
   const Call call("SetWindowPos");
@@ -120,15 +108,4 @@ BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width,
 
 BOOL WINAPI SetWindowTextW(HWND window, LPCWSTR text) {
   return static_cast<BOOL>(SendMessageW(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)));
-}
-
-int WINAPI GetWindowTextW(HWND window, LPWSTR buffer, int size) {
-  if (!buffer || size <= 0) return 0;
-  buffer[0] = 0;
-  return static_cast<int>(
-      SendMessageW(window, WM_GETTEXT, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(buffer)));
-}
-
-int WINAPI GetWindowTextLengthW(HWND window) {
-  return static_cast<int>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0));
 }

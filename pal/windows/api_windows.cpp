@@ -67,9 +67,10 @@ ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* windowClass) {
   if (windowClass->cbSize != sizeof(WNDCLASSEXW) || windowClass->cbWndExtra < 0)
     return Refuse<ATOM>(ERROR_INVALID_PARAMETER, 0);
   if (windowClass->lpszMenuName) Die("a window class with a menu");
-  const WindowClass* added = call->desktop.AddClass(
-      {windowClass->lpszClassName, 0, windowClass->lpfnWndProc, windowClass->cbWndExtra, {}});
-  return added ? added->atom : Refuse<ATOM>(ERROR_CLASS_ALREADY_EXISTS, 0);
+  constexpr ATOM kSome = 0xC001;  // nobody names a class by its number
+  const bool isNew = call->desktop.AddClass(
+      {windowClass->lpszClassName, windowClass->lpfnWndProc, windowClass->cbWndExtra, {}});
+  return isNew ? kSome : Refuse<ATOM>(ERROR_CLASS_ALREADY_EXISTS, 0);
 }
 
 HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y,
@@ -137,8 +138,6 @@ LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM l
       return SetText(*found, lParam);
     case WM_GETTEXT:
       return GetText(*found, wParam, lParam);
-    case WM_GETTEXTLENGTH:
-      return static_cast<LRESULT>(found->title.size());
     default:
       return 0;
   }
@@ -149,10 +148,7 @@ HWND WINAPI FindWindowW(LPCWSTR className, LPCWSTR title) {
   if (call.Fails()) return nullptr;
   for (const HWND handle : call->desktop.TopLevel()) {
     const Window& window = *call->desktop.Find(handle);
-    const bool isOfClass =
-        !className ||
-        (IS_INTRESOURCE(className) ? window.windowClass->atom == reinterpret_cast<ULONG_PTR>(className)
-                                   : SameName(window.windowClass->name, className));
+    const bool isOfClass = !className || SameName(window.windowClass->name, className);
     if (isOfClass && (!title || window.title == title)) return handle;
   }
   return nullptr;

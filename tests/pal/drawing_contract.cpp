@@ -2,12 +2,10 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "test_window.h"
 #include "tests/pal/test_dialog.h"
 
 namespace {
 
-using contract::TakeAll;
 using contract::TestDialog;
 
 RECT AreaOf(HWND dialog, int id) {
@@ -54,15 +52,6 @@ TEST(Drawing, InvalidAreasArePaintedOnce) {
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
   EXPECT_EQ(paints, 1);
   DestroyWindow(window);
-}
-
-TEST(Drawing, HeldKeysAreSeen) {
-  EXPECT_GE(GetAsyncKeyState(VK_CONTROL), 0);
-  keybd_event(VK_CONTROL, 0x1D, 0, 0);
-  EXPECT_LT(GetAsyncKeyState(VK_CONTROL), 0);
-  keybd_event(VK_CONTROL, 0x1D, KEYEVENTF_KEYUP, 0);
-  EXPECT_GE(GetAsyncKeyState(VK_CONTROL), 0);
-  TakeAll();
 }
 
 }  // namespace

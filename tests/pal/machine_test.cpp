@@ -1,10 +1,8 @@
 // The machine behind the API, as far as no test of the tool sees it: the order of things, the end of a
 // program, what the person and other programs can do, and misuse.
 #include <commctrl.h>
-#include <commdlg.h>
-#include <endpointvolume.h>
+#include <dbt.h>
 #include <gtest/gtest.h>
-#include <mmdeviceapi.h>
 
 #include <algorithm>
 #include <optional>
@@ -12,7 +10,6 @@
 #include "pal/machine/machine.h"
 #include "pal/machine/person.h"
 #include "tests/pal/contract_ids.h"
-#include "tests/pal/contract_menu.h"
 #include "tests/pal/test_dialog.h"
 #include "tests/pal/test_window.h"
 
@@ -40,10 +37,6 @@ HANDLE StartThread(std::function<void()>& action) {
       &action, 0, nullptr);
 }
 
-TestWindow::Answer Ignore(HWND, UINT, WPARAM, LPARAM) {
-  return TestWindow::kDefault;
-}
-
 class MachineTest : public testing::Test {
  protected:
   // The program ends while everything that it uses is still there.
@@ -56,19 +49,6 @@ class MachineTest : public testing::Test {
     });
     machine.clock.Advance(time);
   }
-  // A program that is one dialog.
-  void OpenDialog(const std::function<void(HWND, UINT, WPARAM)>& look) {
-    Run(
-        [look] {
-          contract::TestDialog dialog([&](HWND window, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
-            look(window, message, wParam);
-            return message == WM_INITDIALOG;
-          });
-          dialog.Run();
-        },
-        1ms);
-  }
-
   std::optional<Machine> machine_{std::in_place};
   Machine& machine = *machine_;
 };
@@ -93,21 +73,6 @@ TEST_F(MachineTest, AtOneTimeEventsComeFirstAndTheMainThreadLast) {
   });
   log.emplace_back("outside");
   EXPECT_EQ(log, (Log{"event", "second event", "its consequence", "helper", "main", "outside"}));
-}
-
-TEST_F(MachineTest, LocalTimeFollowsTheClock) {
-  SYSTEMTIME first{};
-  SYSTEMTIME second{};
-  machine.clock.localTimeAtStart = {2025, 2, 0, 28, 23, 59, 59, 900};
-  Run([&] {
-    GetLocalTime(&first);
-    Sleep(250);
-    GetLocalTime(&second);
-  });
-  EXPECT_EQ(first.wDayOfWeek, 5);  // a Friday
-  EXPECT_EQ(second.wMonth * 100 + second.wDay, 301);
-  EXPECT_EQ(second.wHour, 0);
-  EXPECT_EQ(second.wMilliseconds, 150);
 }
 
 // Threads that meet at the same moments meet in the same order every time.
@@ -141,51 +106,43 @@ TEST(MachineRuns, AreTheSameEveryTime) {
 // ---- the end of a program -----------------------------------------------------------------------------------
 
 TEST(MachineEnd, BringsEveryWaitBack) {
-  Log returned;
-  const auto note = [&](const char* what, bool asExpected) {
-    returned.push_back(std::string(what) + (asExpected ? "" : " wrongly"));
-  };
   HWND mainWindow = nullptr;
-  std::vector<std::function<void()>> waiting;
+  const std::vector<std::function<bool()>> waits = {
+      [] { return Sleep(INFINITE), true; },
+      [] { return MessageBoxW(nullptr, TEXT("?"), TEXT("?"), MB_YESNO) == IDCANCEL; },
+      [] {
+        return WaitForSingleObject(CreateEventW(nullptr, TRUE, FALSE, nullptr), INFINITE) == WAIT_FAILED;
+      },
+      [] {
+        const HANDLE port = OpenPort();
+        SetCommMask(port, EV_RXCHAR);
+        DWORD events = 0;
+        return WaitCommEvent(port, &events, nullptr) == FALSE;
+      },
+      [&] { return SendMessageW(mainWindow, WM_APP, 0, 0) == 0; },
+      [] {
+        MSG message;
+        return GetMessageW(&message, nullptr, 0, 0) == 0 && message.message == WM_QUIT;
+      },
+  };
+  std::vector<std::optional<bool>> asExpected(waits.size());
+  std::vector<std::function<void()>> threads;
   {
     Machine machine;
     machine.serial.Add(2);
-    waiting = {
-        [&] {
-          Sleep(INFINITE);
-          note("sleep", true);
-        },
-        [&] { note("box", MessageBoxW(nullptr, TEXT("?"), TEXT("?"), MB_YESNO) == IDCANCEL); },
-        [&] {
-          const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-          note("event", WaitForSingleObject(event, INFINITE) == WAIT_FAILED);
-        },
-        [&] {
-          const HANDLE port = OpenPort();
-          SetCommMask(port, EV_RXCHAR);
-          DWORD events = 0;
-          note("port", WaitCommEvent(port, &events, nullptr) == FALSE);
-        },
-        [&] { note("send", SendMessageW(mainWindow, WM_APP, 0, 0) == 0); },
-        [&] {
-          MSG message;
-          note("messages", GetMessageW(&message, nullptr, 0, 0) == 0 && message.message == WM_QUIT);
-        },
-    };
+    for (size_t i = 0; i < waits.size(); ++i) threads.emplace_back([&, i] { asExpected[i] = waits[i](); });
     machine.StartProgram([&] {
-      const TestWindow window(Ignore);
+      const TestWindow window;
       mainWindow = window.Get();
-      for (std::function<void()>& action : waiting) StartThread(action);
+      for (std::function<void()>& thread : threads) StartThread(thread);
       Sleep(INFINITE);
-      note("main", true);
       return 0;
     });
     machine.clock.Advance(1s);
     EXPECT_EQ(machine.CountOpen("thread"), 6);
-    EXPECT_TRUE(returned.empty());
+    EXPECT_EQ(asExpected, std::vector<std::optional<bool>>(waits.size()));
   }
-  std::sort(returned.begin(), returned.end());
-  EXPECT_EQ(returned, (Log{"box", "event", "main", "messages", "port", "send", "sleep"}));
+  EXPECT_EQ(asExpected, std::vector<std::optional<bool>>(waits.size(), true));
 }
 
 TEST_F(MachineTest, AProgramThatReturnsTakesItsThreadsAndHandlesWithIt) {
@@ -212,17 +169,14 @@ TEST_F(MachineTest, AProgramThatReturnsTakesItsThreadsAndHandlesWithIt) {
   Run(
       [&] {
         open();
-        window.emplace(Ignore, TEXT("MachineTest"));
+        window.emplace(TestWindow::Handler(), TEXT("MachineTest"));
         SetTimer(FindWindowW(TEXT("MachineTest"), nullptr), 1, 1000, nullptr);
         CreateEventW(nullptr, TRUE, FALSE, nullptr);
         StartThread(helper);
         CoInitialize(nullptr);
         void* forgotten = nullptr;
-        constexpr CLSID kClass = {
-            0xBCDE0395, 0xE52F, 0x467C, {0x8E, 0x3D, 0xC4, 0x57, 0x92, 0x91, 0x69, 0x2E}};
-        constexpr IID kEnumerator = {
-            0xA95664D2, 0x9614, 0x4F35, {0xA7, 0x46, 0xDE, 0x8D, 0xB6, 0x36, 0x17, 0xE6}};
-        CoCreateInstance(kClass, nullptr, CLSCTX_INPROC_SERVER, kEnumerator, &forgotten);
+        CoCreateInstance(pal::kDeviceEnumeratorClass, nullptr, CLSCTX_INPROC_SERVER,
+                         pal::kDeviceEnumeratorInterface, &forgotten);
         Sleep(500);
       },
       100ms);
@@ -248,17 +202,6 @@ TEST(MachineDisk, GoesWithTheMachine) {
 
 // ---- other programs and the person --------------------------------------------------------------------------
 
-TEST_F(MachineTest, AnotherProgramAnswers) {
-  machine.desktop.AddForeignWindow(u"Talk Builder", [](const pal::ForeignMessage& message) {
-    return static_cast<LRESULT>(message.wParam + 1);
-  });
-  LRESULT answer = 0;
-  Run([&] { answer = SendMessageW(FindWindowW(TEXT("talk builder"), nullptr), WM_APP, 32, 2); });
-  EXPECT_EQ(answer, 33);
-  const pal::ForeignMessageSent sent = {u"Talk Builder", WM_APP, 32, 2, 0, {}};
-  EXPECT_EQ(Select<pal::ForeignMessageSent>(machine.Effects()).at(0), sent);
-}
-
 TEST_F(MachineTest, ThePersonAnswersTheInnermostBox) {
   std::vector<int> answers;
   Run([&] {
@@ -281,9 +224,10 @@ TEST_F(MachineTest, ThePersonAnswersTheInnermostBox) {
 TEST_F(MachineTest, ThePersonChoosesWhatIsNotGray) {
   machine.resources.Load(VELTRA_RESOURCES);
   Run([] {
-    const TestWindow window(Ignore);
-    const contract::ContractMenu menu;
-    TrackPopupMenu(GetSubMenu(menu.Get(), 0), TPM_RIGHTALIGN, 7, 8, 0, window.Get(), nullptr);
+    const TestWindow window;
+    const HRSRC resource = FindResourceExW(nullptr, RT_MENU, MAKEINTRESOURCEW(CONTRACT_MENU), LANG_NEUTRAL);
+    const HMENU menu = LoadMenuIndirectW(LockResource(LoadResource(nullptr, resource)));
+    TrackPopupMenu(GetSubMenu(menu, 0), TPM_RIGHTALIGN, 7, 8, 0, window.Get(), nullptr);
   });
   for (const char16_t* label : {u"Inner", u"D\u00e9ja", u"No such item"})
     EXPECT_FALSE(machine.menus.Choose(label));
@@ -295,31 +239,22 @@ TEST_F(MachineTest, ThePersonChoosesWhatIsNotGray) {
   EXPECT_EQ(shown, (pal::MenuShown{shown.items, 7, 8, TPM_RIGHTALIGN}));
 }
 
-TEST_F(MachineTest, ADragIsToldInThreeSteps) {
-  machine.resources.Load(VELTRA_RESOURCES);
-  std::vector<WPARAM> scrolls;
-  OpenDialog([&](HWND, UINT message, WPARAM wParam) {
-    if (message == WM_HSCROLL) scrolls.push_back(wParam);
-  });
-  pal::person::Drag(TRACKBAR, 500);
-  machine.clock.Advance(0s);
-  EXPECT_EQ(scrolls, (std::vector<WPARAM>{MAKEWPARAM(TB_THUMBTRACK, 100), MAKEWPARAM(TB_THUMBPOSITION, 100),
-                                          TB_ENDTRACK}));
-}
-
-TEST_F(MachineTest, AFileNameThatDoesNotFitIsNotChosen) {
-  BOOL chosen = TRUE;
+TEST_F(MachineTest, WhatASentMessagePointsToIsCopied) {
+  UINT size = 0;
   Run([&] {
-    WCHAR path[8] = u"a.hex";
-    OPENFILENAMEW box = {};
-    box.lStructSize = sizeof(box);
-    box.lpstrFile = path;
-    box.nMaxFile = 8;
-    chosen = GetOpenFileNameW(&box);
+    const TestWindow window([&](HWND, UINT message, WPARAM, LPARAM lParam) {
+      if (message == WM_DEVICECHANGE) size = reinterpret_cast<const DEV_BROADCAST_HDR*>(lParam)->dbch_size;
+      return TestWindow::kDefault;
+    });
+    MSG message;
+    GetMessageW(&message, nullptr, 0, 0);
   });
-  pal::person::AnswerFileBox(u"C:\\long.hex");
+  DEV_BROADCAST_HDR header = {sizeof(header), 0, 0};
+  machine.desktop.Send(machine.desktop.ProgramWindow(u"ContractWindow"), WM_DEVICECHANGE, 0,
+                       reinterpret_cast<LPARAM>(&header), 0s);
+  header = {};
   machine.clock.Advance(0s);
-  EXPECT_FALSE(chosen);
+  EXPECT_EQ(size, sizeof(header));
 }
 
 TEST_F(MachineTest, AModuleIsLoadedByItsFullPathAsOftenAsItIsFreed) {
@@ -339,14 +274,6 @@ TEST_F(MachineTest, AModuleIsLoadedByItsFullPathAsOftenAsItIsFreed) {
 
 TEST(MachineDeathTest, MisuseIsLoud) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  const auto inProgram = [](const std::function<void()>& program) {
-    Machine machine;
-    machine.StartProgram([&] {
-      program();
-      return 0;
-    });
-    machine.clock.Advance(1s);
-  };
   const auto inDialog = [](const std::function<void()>& act) {
     Machine machine;
     machine.resources.Load(VELTRA_RESOURCES);
@@ -364,13 +291,9 @@ TEST(MachineDeathTest, MisuseIsLoud) {
     machine.clock.Advance(1ms);
   };
   EXPECT_DEATH(GetCommandLineW(), "without a machine");
-  EXPECT_DEATH(inProgram([] { CreateEventW(nullptr, TRUE, FALSE, TEXT("name")); }), "CreateEventW of");
-  EXPECT_DEATH(inProgram([] { WideCharToMultiByte(437, 0, u"a", 1, nullptr, 0, nullptr, nullptr); }),
-               "code page");
   EXPECT_DEATH(inDialog([] { Sleep(10); }), "outside the program's threads");
   EXPECT_DEATH(inDialog([] { pal::person::Press(PUSH_BUTTON); }), "1005 is disabled");
   EXPECT_DEATH(inDialog([] { pal::person::Type(EDIT, u"x"); }), "1006 is hidden");
-  EXPECT_DEATH(inDialog([] { pal::person::Press(9999); }), "9999 is not in the dialog");
   EXPECT_DEATH(inDialog([] { pal::person::Choose(LIST, u"plum"); }), "1007 has no entry plum");
 }
 

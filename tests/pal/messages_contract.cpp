@@ -6,7 +6,6 @@
 
 namespace {
 
-using contract::RunMessagesUntil;
 using contract::TakeAll;
 using contract::TestThread;
 using contract::TestWindow;
@@ -38,21 +37,22 @@ class Messages : public testing::Test {
       [this](HWND, UINT message, WPARAM wParam, LPARAM lParam) { return Handle(message, wParam, lParam); }};
 };
 
-TEST_F(Messages, PostedOnesComeInOrderAndQuitComesLast) {
+TEST_F(Messages, FiltersChooseByWindowAndNumberAndQuitComesLast) {
+  const TestWindow other({}, TEXT("ContractOther"));
+  TakeAll();
+  for (const HWND to : {window.Get(), other.Get()})
+    for (const UINT number : {kSecond, kFirst}) ASSERT_TRUE(PostMessageW(to, number, 0, 0));
+  EXPECT_EQ(NumbersOf(TakeAll(other.Get(), kFirst, kFirst)), std::vector<UINT>{kFirst});
   PostQuitMessage(5);
-  for (WPARAM i = 0; i < 100; ++i)
-    ASSERT_TRUE(PostMessageW(window.Get(), kFirst, i, static_cast<LPARAM>(i * i)));
   MSG message;
-  for (WPARAM i = 0; i < 100; ++i) {
+  for (const UINT number : {kSecond, kFirst, kSecond}) {
     ASSERT_GT(GetMessageW(&message, nullptr, 0, 0), 0);
-    EXPECT_EQ(message.hwnd, window.Get());
-    EXPECT_EQ(message.wParam, i);
-    EXPECT_EQ(message.lParam, static_cast<LPARAM>(i * i));
+    EXPECT_EQ(message.message, number);
   }
-  EXPECT_EQ(GetMessageW(&message, nullptr, 0, 0), 0);
+  EXPECT_EQ(GetMessageW(&message, window.Get(), kFirst, kFirst), 0);  // it passes every filter
   EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
   EXPECT_EQ(message.wParam, 5u);
-  EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));  // it came once
+  EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));  // and came once
 }
 
 TEST_F(Messages, AMessageKnowsWhenItWasPosted) {
@@ -63,24 +63,6 @@ TEST_F(Messages, AMessageKnowsWhenItWasPosted) {
   ASSERT_GT(GetMessageW(&message, nullptr, kFirst, kFirst), 0);
   EXPECT_LT(message.time - before, 150u);
   EXPECT_EQ(static_cast<DWORD>(GetMessageTime()), message.time);
-}
-
-TEST_F(Messages, FiltersChooseByWindowAndNumber) {
-  TestWindow other([](HWND, UINT, WPARAM, LPARAM) { return TestWindow::kDefault; }, TEXT("ContractOther"));
-  TakeAll();
-  PostMessageW(window.Get(), kFirst, 0, 0);
-  PostMessageW(window.Get(), kSecond, 0, 0);
-  PostMessageW(other.Get(), kFirst, 0, 0);
-
-  MSG message;
-  EXPECT_EQ(NumbersOf(TakeAll(other.Get(), kFirst, kSecond)), std::vector<UINT>{kFirst});
-  EXPECT_EQ(NumbersOf(TakeAll(nullptr, kFirst, kFirst)), std::vector<UINT>{kFirst});
-  EXPECT_EQ(NumbersOf(TakeAll()), std::vector<UINT>{kSecond});
-
-  // WM_QUIT passes every filter.
-  PostQuitMessage(1);
-  EXPECT_FALSE(GetMessageW(&message, window.Get(), kFirst, kFirst));
-  EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
 }
 
 TEST_F(Messages, DestroyedWindowsTakeNoneAndLoseTheirs) {
@@ -98,38 +80,6 @@ TEST_F(Messages, DestroyedWindowsTakeNoneAndLoseTheirs) {
   EXPECT_TRUE(handled.empty());
 }
 
-TEST_F(Messages, TenThousandCanWaitForAThreadAndNoMore) {
-  if (contract::WineDeviates("has no limit")) GTEST_SKIP() << "Wine has no limit";
-  int posted = 0;
-  while (posted <= 10'000 && PostMessageW(window.Get(), kFirst, 0, 0)) ++posted;
-  const DWORD error = GetLastError();
-  const size_t waiting = NumbersOf(TakeAll()).size();
-  EXPECT_EQ(waiting, static_cast<size_t>(posted));
-  EXPECT_EQ(posted, 10'000);
-  EXPECT_EQ(error, static_cast<DWORD>(ERROR_NOT_ENOUGH_QUOTA));
-  EXPECT_TRUE(PostMessageW(window.Get(), kFirst, 0, 0));  // there is room again
-  TakeAll();
-}
-
-TEST_F(Messages, PointersCanBeSentButNotPosted) {
-  COPYDATASTRUCT data = {};
-  char payload[] = "GetSerial";
-  data.dwData = 12346;
-  data.cbData = 9;
-  data.lpData = payload;
-  std::string received;
-  onMessage = [&](UINT, WPARAM, LPARAM lParam) -> LRESULT {
-    const auto& copy = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-    received.assign(static_cast<const char*>(copy.lpData), copy.cbData);
-    return static_cast<LRESULT>(copy.dwData);
-  };
-  const auto lParam = reinterpret_cast<LPARAM>(&data);
-  EXPECT_EQ(SendMessageW(window.Get(), WM_COPYDATA, 0, lParam), 12346);
-  EXPECT_EQ(received, "GetSerial");
-  EXPECT_FALSE(PostMessageW(window.Get(), WM_COPYDATA, 0, lParam));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MESSAGE_SYNC_ONLY));
-}
-
 TEST_F(Messages, SendingFromAnotherThreadWaitsForTheLoop) {
   onMessage = [](UINT message, WPARAM wParam, LPARAM) {
     return message == kFirst ? static_cast<LRESULT>(wParam + 1) : 0;
@@ -142,7 +92,8 @@ TEST_F(Messages, SendingFromAnotherThreadWaitsForTheLoop) {
   });
   Sleep(50);  // the sender has long sent, and nothing is handled in a sleep
   EXPECT_TRUE(handled.empty());
-  RunMessagesUntil([&] { return handled.size() == 3; });
+  MSG message;
+  while (handled.size() < 3 && GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
   sender.Join();
   EXPECT_EQ(answer, 42);
   EXPECT_EQ(handled, (std::vector<UINT>{kFirst, kSecond, kSecond}));  // what is sent overtakes what is posted

@@ -10,50 +10,36 @@ namespace {
 
 using Text = std::basic_string<WCHAR>;
 
-const BYTE* BytesOf(const void* data) {
-  return static_cast<const BYTE*>(data);
-}
-
 class Registry : public testing::Test {
  protected:
-  LSTATUS Create(const Text& path, HKEY* key, DWORD* disposition = nullptr) {
+  void SetUp() override { ASSERT_EQ(Create(outer, &key), ERROR_SUCCESS); }
+  void TearDown() override { RegCloseKey(key); }
+  LSTATUS Create(const Text& path, HKEY* made) {
     return RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                           KEY_ALL_ACCESS, nullptr, key, disposition);
+                           KEY_ALL_ACCESS, nullptr, made, nullptr);
   }
-  void TearDown() override {
-    if (key_) RegCloseKey(key_);
+  LSTATUS Open(const Text& path, REGSAM access, HKEY* opened) {
+    return RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, access, opened);
   }
-  HKEY Key() {
-    if (!key_) {
-      EXPECT_EQ(Create(outer, &key_), ERROR_SUCCESS);
-    }
-    return key_;
-  }
-  LSTATUS Set(HKEY key, DWORD type, const void* data, DWORD size) {
-    return RegSetValueExW(key, TEXT("Value"), 0, type, BytesOf(data), size);
+  LSTATUS Set(HKEY to, DWORD type, const void* data, DWORD size) {
+    return RegSetValueExW(to, TEXT("Value"), 0, type, static_cast<const BYTE*>(data), size);
   }
 
   // No run finds the keys of another one.
   const Text outer = TEXT("Software\\Veltra Contract\\") + contract::UniqueName();
-
- private:
-  HKEY key_ = nullptr;
+  HKEY key = nullptr;
 };
 
 TEST_F(Registry, KeysAreMadeWithAllAboveThem) {
-  HKEY key = nullptr;
-  const Text inner = outer + TEXT("\\Inner");
-  EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, inner.c_str(), 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
-  DWORD disposition = 0;
-  for (const DWORD expected : {1U, 2U}) {  // made, and found
-    ASSERT_EQ(Create(inner, &key, &disposition), ERROR_SUCCESS);
-    EXPECT_EQ(disposition, expected);
-    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+  HKEY inner = nullptr;
+  EXPECT_EQ(Open(outer + TEXT("\\Above\\Inner"), KEY_READ, &inner), ERROR_FILE_NOT_FOUND);
+  for (int made = 0; made < 2; ++made) {
+    ASSERT_EQ(Create(outer + TEXT("\\Above\\Inner"), &inner), ERROR_SUCCESS);
+    EXPECT_EQ(RegCloseKey(inner), ERROR_SUCCESS);
   }
-  HKEY opened = nullptr;
-  EXPECT_EQ(RegOpenKeyExW(Key(), TEXT("iNNER"), 0, KEY_READ, &opened), ERROR_SUCCESS);
-  EXPECT_EQ(RegCloseKey(opened), ERROR_SUCCESS);
-  EXPECT_EQ(RegCloseKey(opened), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(Open(outer + TEXT("\\aBOVE"), KEY_READ, &inner), ERROR_SUCCESS);
+  EXPECT_EQ(RegCloseKey(inner), ERROR_SUCCESS);
+  EXPECT_EQ(RegCloseKey(inner), ERROR_INVALID_HANDLE);
 }
 
 // The last write wins, with whatever type and size it has; what does not fit is left out whole.
@@ -71,21 +57,15 @@ TEST_F(Registry, ValuesComeBackWithTypeAndSize) {
               {REG_SZ, text, 6, ERROR_MORE_DATA, 0x55555555},
               {kBytes, text, 2, ERROR_SUCCESS, 0x55550031}};
   for (const auto& row : rows) {
-    ASSERT_EQ(Set(Key(), row.type, row.data, row.size), ERROR_SUCCESS);
+    ASSERT_EQ(Set(key, row.type, row.data, row.size), ERROR_SUCCESS);
     DWORD buffer = 0x55555555;
     DWORD type = 0;
     DWORD size = sizeof(buffer);
-    const auto query = [&](BYTE* room, DWORD* roomSize) {
-      return RegQueryValueExW(Key(), TEXT("vALUE"), nullptr, &type, room, roomSize);
-    };
-    EXPECT_EQ(query(reinterpret_cast<BYTE*>(&buffer), &size), row.result);
+    EXPECT_EQ(RegQueryValueExW(key, TEXT("vALUE"), nullptr, &type, reinterpret_cast<BYTE*>(&buffer), &size),
+              row.result);
     EXPECT_EQ(buffer, row.read);
     EXPECT_EQ(type, row.type);
     EXPECT_EQ(size, row.size);
-    size = 0;
-    EXPECT_EQ(query(nullptr, &size), ERROR_SUCCESS);  // without a buffer the size is told
-    EXPECT_EQ(size, row.size);
-    EXPECT_EQ(query(reinterpret_cast<BYTE*>(&buffer), nullptr), ERROR_INVALID_PARAMETER);
   }
 }
 
@@ -97,16 +77,16 @@ TEST_F(Registry, AHandleAllowsWhatItWasOpenedFor) {
   } rows[] = {{KEY_READ, ERROR_ACCESS_DENIED, ERROR_FILE_NOT_FOUND},
               {KEY_WRITE, ERROR_SUCCESS, ERROR_ACCESS_DENIED},
               {KEY_READ | KEY_WRITE, ERROR_SUCCESS, ERROR_SUCCESS}};
-  Key();
   for (const auto& row : rows) {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, outer.c_str(), 0, row.access, &key), ERROR_SUCCESS);
+    HKEY opened = nullptr;
+    ASSERT_EQ(Open(outer, row.access, &opened), ERROR_SUCCESS);
     const DWORD number = 1;
     DWORD size = 0;
-    EXPECT_EQ(Set(key, REG_DWORD, &number, sizeof(number)), row.set);
-    EXPECT_EQ(RegQueryValueExW(key, TEXT("Value"), nullptr, nullptr, nullptr, &size), row.query);
-    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
-    EXPECT_EQ(RegQueryValueExW(key, TEXT("Value"), nullptr, nullptr, nullptr, &size), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(Set(opened, REG_DWORD, &number, sizeof(number)), row.set);
+    EXPECT_EQ(RegQueryValueExW(opened, TEXT("Value"), nullptr, nullptr, nullptr, &size), row.query);
+    EXPECT_EQ(RegCloseKey(opened), ERROR_SUCCESS);
+    EXPECT_EQ(RegQueryValueExW(opened, TEXT("Value"), nullptr, nullptr, nullptr, &size),
+              ERROR_INVALID_HANDLE);
   }
 }
 

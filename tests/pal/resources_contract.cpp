@@ -60,53 +60,28 @@ TEST(Resources, NamesHaveNoCaseAndWhatIsMissingIsNull) {
   EXPECT_EQ(FindResourceExW(nullptr, TEXT("NOTYPE"), block, kBritish), nullptr);
 }
 
-class VersionInformation : public testing::Test {
- protected:
-  void SetUp() override {
-    WCHAR path[MAX_PATH] = {};
-    ASSERT_NE(GetModuleFileNameW(nullptr, path, MAX_PATH), 0U);
-    DWORD handle = 1;
-    block_.resize(GetFileVersionInfoSizeW(path, &handle));
-    ASSERT_FALSE(block_.empty());
-    ASSERT_TRUE(GetFileVersionInfoW(path, 0, static_cast<DWORD>(block_.size()), block_.data()));
-  }
-
-  // Null when there is no such value.
-  const void* Query(const WCHAR* path, UINT& length) const {
-    void* value = nullptr;
-    return VerQueryValueW(block_.data(), path, &value, &length) ? value : nullptr;
-  }
-  [[nodiscard]] Text QueryText(const WCHAR* path) const {
-    UINT length = 0;
-    const auto* text = static_cast<const WCHAR*>(Query(path, length));
-    if (!text || length == 0) return TEXT("nothing");
-    EXPECT_EQ(text[length - 1], 0);
-    return Text(text, length - 1);
-  }
-
- private:
-  std::vector<BYTE> block_;
-};
-
-TEST_F(VersionInformation, TextsAndNumbers) {
-  EXPECT_EQ(QueryText(TEXT("\\StringFileInfo\\080904b0\\FileVersion")), TEXT("1.2.3.4"));
-  EXPECT_EQ(QueryText(TEXT("\\StringFileInfo\\080904b0\\FileDescription")), TEXT("Contract \u00e9"));
-  EXPECT_EQ(QueryText(TEXT("\\StringFileInfo\\080904b0\\Empty")), TEXT(""));
-
+// A value of the program's version information, whose length counts such units; "nothing" when there is none.
+Text Version(const WCHAR* path, UINT unit = 1) {
+  WCHAR program[MAX_PATH] = {};
+  GetModuleFileNameW(nullptr, program, MAX_PATH);
+  DWORD handle = 1;
+  std::vector<BYTE> block(GetFileVersionInfoSizeW(program, &handle));
+  void* value = nullptr;
   UINT length = 0;
-  const auto* translation = static_cast<const WORD*>(Query(TEXT("\\VarFileInfo\\Translation"), length));
-  ASSERT_NE(translation, nullptr);
-  ASSERT_EQ(length, 4 * sizeof(WORD));
-  EXPECT_EQ(std::vector<WORD>(translation, translation + 4), (std::vector<WORD>{0x0809, 1200, 0x0413, 1200}));
+  if (!GetFileVersionInfoW(program, 0, static_cast<DWORD>(block.size()), block.data()) ||
+      !VerQueryValueW(block.data(), path, &value, &length))
+    return TEXT("nothing");
+  return Text(static_cast<const WCHAR*>(value), length / unit);
 }
 
-TEST_F(VersionInformation, MissingValuesAndFiles) {
-  UINT length = 0;
-  EXPECT_EQ(Query(TEXT("\\StringFileInfo\\040904b0\\FileVersion"), length), nullptr);
-  EXPECT_EQ(Query(TEXT("\\StringFileInfo\\080904b0\\NoSuchName"), length), nullptr);
-  DWORD handle = 0;
-  EXPECT_EQ(GetFileVersionInfoSizeW(TEXT("C:\\no such program.exe"), &handle), 0U);
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+TEST(VersionInformation, TextsAndNumbers) {
+  EXPECT_EQ(Version(TEXT("\\StringFileInfo\\080904b0\\FileVersion")), Text(TEXT("1.2.3.4\0"), 8));
+  EXPECT_EQ(Version(TEXT("\\StringFileInfo\\080904b0\\FileDescription")),
+            Text(TEXT("Contract \u00e9\0"), 11));
+  EXPECT_EQ(Version(TEXT("\\StringFileInfo\\040904b0\\FileVersion")), TEXT("nothing"));
+  EXPECT_EQ(Version(TEXT("\\StringFileInfo\\080904b0\\NoSuchName")), TEXT("nothing"));
+  EXPECT_EQ(Version(TEXT("\\VarFileInfo\\Translation"), sizeof(WCHAR)),
+            Text(TEXT("\x0809\x04B0\x0413\x04B0")));
 }
 
 }  // namespace

@@ -1,15 +1,13 @@
-// The version of Windows, languages of threads, folders of the shell, COM.
+// The version of Windows, and COM on a thread.
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <mmdeviceapi.h>
 #include <objbase.h>
-#include <shlobj.h>
 
-#include <string>
+#include "test_window.h"
 
 namespace {
-
-using Text = std::basic_string<WCHAR>;
 
 bool IsAtLeast(DWORD major, DWORD minor, WORD servicePack) {
   OSVERSIONINFOEXW wanted = {};
@@ -28,29 +26,22 @@ TEST(WindowsVersion, GreaterFieldsCountFirst) {
   EXPECT_TRUE(IsAtLeast(6, 1, 0));
   EXPECT_FALSE(IsAtLeast(99, 0, 0));
   EXPECT_EQ(GetLastError(), DWORD{ERROR_OLD_WIN_VERSION});
-  EXPECT_EQ(VerSetConditionMask(0, VER_MAJORVERSION, VER_GREATER_EQUAL), 0x18U);
-  EXPECT_EQ(VerSetConditionMask(0, VER_SERVICEPACKMAJOR, VER_GREATER_EQUAL), 0x18000U);
 }
 
-TEST(Languages, AThreadTakesALanguage) {
-  EXPECT_TRUE(SetThreadLocale(MAKELCID(MAKELANGID(LANG_DUTCH, SUBLANG_DUTCH), SORT_DEFAULT)));
-  EXPECT_NE(GetUserDefaultLangID(), 0);
-}
-
-TEST(Shell, CommonDocuments) {
-  WCHAR path[MAX_PATH] = {};
-  ASSERT_EQ(SHGetFolderPathW(nullptr, CSIDL_COMMON_DOCUMENTS | CSIDL_FLAG_CREATE, nullptr, SHGFP_TYPE_CURRENT,
-                             path),
-            S_OK);
-  EXPECT_FALSE(Text(path).ends_with(TEXT("\\")));
-  const DWORD attributes = GetFileAttributesW(path);
-  ASSERT_NE(attributes, INVALID_FILE_ATTRIBUTES);
-  EXPECT_NE(attributes & FILE_ATTRIBUTE_DIRECTORY, 0U);
-}
-
-TEST(Com, ASecondInitializationSaysSo) {
+TEST(Com, BelongsToTheThreadThatBeganIt) {
+  constexpr CLSID kEnumeratorClass = {
+      0xBCDE0395, 0xE52F, 0x467C, {0x8E, 0x3D, 0xC4, 0x57, 0x92, 0x91, 0x69, 0x2E}};
+  constexpr IID kEnumerator = {0xA95664D2, 0x9614, 0x4F35, {0xA7, 0x46, 0xDE, 0x8D, 0xB6, 0x36, 0x17, 0xE6}};
   EXPECT_EQ(CoInitialize(nullptr), S_OK);
   EXPECT_EQ(CoInitialize(nullptr), S_FALSE);
+  HRESULT result = S_OK;
+  void* object = &result;
+  const contract::TestThread thread([&] {
+    result = CoCreateInstance(kEnumeratorClass, nullptr, CLSCTX_INPROC_SERVER, kEnumerator, &object);
+  });
+  thread.Join();
+  EXPECT_EQ(result, CO_E_NOTINITIALIZED);
+  EXPECT_EQ(object, nullptr);
   CoUninitialize();
   CoUninitialize();
   EXPECT_EQ(CoInitialize(nullptr), S_OK);

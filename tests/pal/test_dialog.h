@@ -66,15 +66,12 @@ class OpenDialogRun {
       }
       return FALSE;
     });
-    result = shown.Run();
+    shown.Run();
   }
 
   [[nodiscard]] HWND Item(int id) const { return GetDlgItem(dialog, id); }
   LRESULT Send(int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
     return SendDlgItemMessageW(dialog, id, message, wParam, lParam);
-  }
-  LRESULT SendText(int id, UINT message, const WCHAR* text) const {
-    return Send(id, message, 0, reinterpret_cast<LPARAM>(text));
   }
   void Click(int id) const {
     Send(id, WM_LBUTTONDOWN);
@@ -102,7 +99,6 @@ class OpenDialogRun {
   }
 
   HWND dialog = nullptr;
-  INT_PTR result = 0;
 
  private:
   std::vector<DialogMessage> told_;

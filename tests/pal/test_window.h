@@ -20,15 +20,16 @@ inline bool WineDeviates(const char* /*how*/) {
   return isWine;
 }
 
-// A window of the calling thread with a class of its own, which hands its messages to `handler`. Whatever the
-// handler leaves open (empty result) goes to the default procedure.
+// A window of the calling thread with a class of its own, which hands its messages to `handler`, if any.
+// Whatever the handler leaves open (empty result) goes to the default procedure.
 class TestWindow {
  public:
   using Answer = std::optional<LRESULT>;
   using Handler = std::function<Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam)>;
   static constexpr Answer kDefault = std::nullopt;
 
-  explicit TestWindow(Handler handler, const WCHAR* className = TEXT("ContractWindow"), HWND parent = nullptr)
+  explicit TestWindow(Handler handler = {}, const WCHAR* className = TEXT("ContractWindow"),
+                      HWND parent = nullptr)
       : handler_(std::move(handler)) {
     WNDCLASSEXW windowClass = {};
     windowClass.cbSize = sizeof(windowClass);
@@ -55,10 +56,8 @@ class TestWindow {
       SetWindowLongPtrW(window, 0, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
     }
     const auto* self = reinterpret_cast<const TestWindow*>(GetWindowLongPtrW(window, 0));
-    if (self) {
-      const Answer answer = self->handler_(window, message, wParam, lParam);
-      if (answer) return *answer;
-    }
+    if (self && self->handler_)
+      if (const Answer answer = self->handler_(window, message, wParam, lParam)) return *answer;
     return DefWindowProcW(window, message, wParam, lParam);
   }
 
@@ -114,12 +113,6 @@ inline int ClockMs() {
 inline int MsSince(int start) {
   constexpr int kDay = 86'400'000;
   return (ClockMs() - start + kDay) % kDay;
-}
-
-// Takes and dispatches messages until `done` holds; a due WM_TIMER of a helper keeps the loop awake.
-inline void RunMessagesUntil(const std::function<bool()>& done) {
-  MSG message;
-  while (!done() && GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
 }
 
 // All messages that wait now, without sleeping.

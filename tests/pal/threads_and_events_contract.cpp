@@ -67,26 +67,6 @@ TEST(Threads, HaveALastErrorEach) {
   EXPECT_NE(GetLastError(), inside);
 }
 
-TEST(Threads, TakeTurnsThroughEvents) {
-  constexpr int kRounds = 20;
-  HANDLE turns[2 * kRounds];
-  for (HANDLE& turn : turns) turn = NewEvent();
-  int count = 0;
-  const TestThread partner([&] {
-    for (int i = 0; i < kRounds; ++i) {
-      WaitForSingleObject(turns[2 * i], INFINITE);
-      ++count;
-      SetEvent(turns[2 * i + 1]);
-    }
-  });
-  for (int i = 0; i < kRounds; ++i) {
-    SetEvent(turns[2 * i]);
-    ASSERT_EQ(WaitForSingleObject(turns[2 * i + 1], 10'000), kSignaled);
-    ASSERT_EQ(count, i + 1);
-  }
-  for (const HANDLE turn : turns) CloseHandle(turn);
-}
-
 TEST(Mutexes, TellThatTheyExist) {
   const OwnedHandle first(CreateMutexW(nullptr, TRUE, TEXT("ContractMutex")));
   ASSERT_NE(first.Get(), nullptr);
