@@ -10,38 +10,21 @@
 namespace pal {
 namespace {
 
-constexpr IID kDeviceInterface = {
-    0xD666063F, 0x1587, 0x4E43, {0x81, 0xF1, 0xB9, 0x48, 0xE8, 0x07, 0x36, 0x3F}};
 constexpr IID kVolumeInterface = {
     0x5CDF2C82, 0x841E, 0x4546, {0x97, 0x22, 0x0C, 0xF7, 0x40, 0x78, 0x22, 0x9A}};
 
+// An object with one owner.
 template <class Interface>
-class Counted : public Interface, public ComObject {
+class Owned : public Interface, public ComObject {
  public:
-  explicit Counted(const IID& ownId) : ownId_(ownId) {}
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID interfaceId, void** object) override {
-    const Call call;
-    const bool isOwn = interfaceId == IID_IUnknown || interfaceId == ownId_;
-    *object = isOwn ? static_cast<Interface*>(this) : nullptr;
-    if (isOwn) ++references_;
-    return isOwn ? S_OK : E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override {
-    const Call call;
-    return ++references_;
-  }
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { Die("QueryInterface"); }
+  ULONG STDMETHODCALLTYPE AddRef() override { Die("AddRef: a second owner of a COM object"); }
   ULONG STDMETHODCALLTYPE Release() override {
     const Call call;
-    if (--references_ > 0) return references_;
     const ComObject* self = this;
     std::erase_if(call->playback.objects, [self](const auto& object) { return object.get() == self; });
     return 0;
   }
-
- private:
-  const IID ownId_;
-  ULONG references_ = 1;
 };
 
 template <class Object>
@@ -52,11 +35,9 @@ Object* AddTo(Playback& playback) {
   return added;
 }
 
-class Volume final : public Counted<IAudioEndpointVolume> {
+class Volume final : public Owned<IAudioEndpointVolume> {
  public:
-  Volume() : Counted(kVolumeInterface) {}
-
-  HRESULT STDMETHODCALLTYPE SetMasterVolumeLevelScalar(float level, LPCGUID /*context*/) override {
+  HRESULT STDMETHODCALLTYPE SetMasterVolumeLevelScalar(float level, LPCGUID) override {
     const Call call("SetMasterVolumeLevelScalar");
     if (call.Fails()) return call.Result();
     if (!(level >= 0.0F && level <= 1.0F)) return E_INVALIDARG;
@@ -64,7 +45,7 @@ class Volume final : public Counted<IAudioEndpointVolume> {
     call->Emit(PlaybackLevel{static_cast<int>(std::lround(level * 100.0F))});
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE SetMute(BOOL muted, LPCGUID /*context*/) override {
+  HRESULT STDMETHODCALLTYPE SetMute(BOOL muted, LPCGUID) override {
     const Call call("SetMute");
     if (call.Fails()) return call.Result();
     const bool changes = call->playback.volume.isMuted != (muted != FALSE);
@@ -74,10 +55,8 @@ class Volume final : public Counted<IAudioEndpointVolume> {
   }
 };
 
-class Device final : public Counted<IMMDevice> {
+class Device final : public Owned<IMMDevice> {
  public:
-  Device() : Counted(kDeviceInterface) {}
-
   HRESULT STDMETHODCALLTYPE Activate(REFIID interfaceId, DWORD /*context*/, void* parameters,
                                      void** activated) override {
     const Call call("Activate");
@@ -88,10 +67,8 @@ class Device final : public Counted<IMMDevice> {
   }
 };
 
-class Enumerator final : public Counted<IMMDeviceEnumerator> {
+class Enumerator final : public Owned<IMMDeviceEnumerator> {
  public:
-  Enumerator() : Counted(kDeviceEnumeratorInterface) {}
-
   HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow flow, ERole role, IMMDevice** device) override {
     const Call call("GetDefaultAudioEndpoint");
     if (call.Fails()) return call.Result();

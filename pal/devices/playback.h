@@ -13,7 +13,7 @@ struct PlaybackVolume {
   bool isMuted = false;
 };
 
-// An object that the program holds. It is freed with its last reference, or with the program.
+// An object that the program holds. It is freed when it is released, or with the program.
 struct ComObject {
   ComObject() = default;
   virtual ~ComObject() = default;

@@ -77,10 +77,8 @@ COMMTIMEOUTS& PortHandle::Timeouts() const {
 void PortHandle::OnClose() {
   closed_ = true;
   EndWait({ERROR_OPERATION_ABORTED, 0});
-  port_.input_.clear();
   port_.handle_.reset();
   port_.state_.Emit(SerialClosed{port_.number_});
-  port_.state_.scheduler.Notify();
 }
 
 void PortHandle::DeviceGone() {
@@ -119,7 +117,6 @@ DWORD PortHandle::Read(std::span<uint8_t> buffer, OVERLAPPED* overlapped, DWORD&
   if (const DWORD refusal = Refusal()) return refusal;
   if (!overlapped) return ERROR_INVALID_PARAMETER;  // the handle is an overlapped one
   if (!ReadsReturnAtOnce(port_.timeouts_)) Die("ReadFile on a port whose reads wait");
-  FetchFromTty();
   BeginOverlapped(port_.state_, *overlapped);
   if (const auto failure = std::exchange(port_.readFailure_, std::nullopt)) {
     port_.commErrors_ |= failure->commErrors;
@@ -180,7 +177,6 @@ DWORD PortHandle::WaitEvent(DWORD* events) {
 }
 
 DWORD PortHandle::TakeErrors(DWORD& errors, COMSTAT* status) {
-  FetchFromTty();
   errors = std::exchange(port_.commErrors_, 0);
   if (status) {
     *status = {};
@@ -208,9 +204,6 @@ DWORD PortHandle::SetSettings(const DCB& dcb) {
 
 Port::Port(State& state, int number) : state_(state), number_(number) {
   dcb_.DCBlength = sizeof(dcb_);
-  dcb_.BaudRate = 9600;
-  dcb_.fBinary = TRUE;
-  dcb_.ByteSize = 8;
 }
 
 DWORD Port::Open(HANDLE& handle, DWORD access, DWORD share) {

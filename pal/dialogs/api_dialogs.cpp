@@ -22,6 +22,7 @@ void Centre(HWND dialog) {
 }
 
 DialogTemplate ReadTemplate(LPCDLGTEMPLATEW dialog) {
+  if (!dialog) Die("a dialog without a template");
   const Call call;
   return ReadDialogTemplate(call->resources.At(dialog));
 }
@@ -93,7 +94,6 @@ HWND WINAPI CreateDialogIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialo
     const Call call("CreateDialogIndirectParamW");
     if (call.Fails()) return nullptr;
   }
-  if (!dialog) return nullptr;
   const DialogTemplate made = ReadTemplate(dialog);
   const HWND window = CreateDialogWindow(instance, made, owner, procedure);
   if (!window || !Initialise(window, parameter)) return nullptr;
@@ -108,7 +108,6 @@ INT_PTR WINAPI DialogBoxIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialo
     const Call call("DialogBoxIndirectParamW");
     if (call.Fails()) return kFailed;
   }
-  if (!dialog) return kFailed;
   if (owner && !IsWindow(owner)) return Refuse<INT_PTR>(ERROR_INVALID_WINDOW_HANDLE, 0);
   const auto modal = std::make_shared<ModalDialog>();
   if (owner && IsWindowEnabled(owner)) {

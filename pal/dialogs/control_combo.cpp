@@ -30,7 +30,7 @@ LRESULT Select(ComboState& state, WPARAM index) {
 
 LRESULT SetData(ComboState& state, WPARAM index, LPARAM data) {
   ComboItem* item = ItemAt(state, index);
-  if (!item) return CB_ERR;
+  if (!item) Die("data for an entry that is not in the list");
   item->data = data;
   return 0;
 }

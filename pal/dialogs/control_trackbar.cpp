@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "pal/machine/die.h"
 #include "pal/windows/desktop.h"
 
 namespace pal {
@@ -59,7 +60,7 @@ Reactions ReactTrackbar(Window& trackbar, UINT message, WPARAM wParam, LPARAM lP
       MoveTo(state, state.position);
       return Reaction{};
     case TBM_SETTIC:
-      if (number <= state.lowest || number >= state.highest) return Reaction{FALSE};
+      if (number <= state.lowest || number >= state.highest) Die("a tick outside the trackbar");
       state.ticks.push_back(number);
       return Reaction{TRUE};
     case WM_KEYDOWN:

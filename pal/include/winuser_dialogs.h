@@ -33,6 +33,7 @@ using LPPAINTSTRUCT = PAINTSTRUCT*;
 
 BOOL WINAPI ShowWindow(HWND window, int command);
 BOOL WINAPI EnableWindow(HWND window, BOOL enable);
+BOOL WINAPI IsWindowVisible(HWND window);
 BOOL WINAPI IsWindowEnabled(HWND window);
 HWND WINAPI SetFocus(HWND window);
 BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width, int height, UINT flags);

@@ -142,7 +142,6 @@ HMODULE WINAPI LoadLibraryExW(LPCWSTR fileName, HANDLE file, DWORD flags) {
 BOOL WINAPI FreeLibrary(HMODULE module) {
   const Call call("FreeLibrary");
   if (call.Fails()) return FALSE;
-  if (module == ProgramInstance() || module == KernelModule()) return TRUE;
   const auto loaded = call->handles.Find<LoadedModule>(module);
   if (!loaded) return Refuse(ERROR_MOD_NOT_FOUND, FALSE);
   if (--loaded->references > 0) return TRUE;

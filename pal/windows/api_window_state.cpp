@@ -49,6 +49,11 @@ BOOL WINAPI ShowWindow(HWND window, int command) {
   return TRUE;
 }
 
+BOOL WINAPI IsWindowVisible(HWND window) {
+  const Call call;
+  return call->desktop.IsShown(window) ? TRUE : FALSE;
+}
+
 // Returns whether it was disabled before.
 BOOL WINAPI EnableWindow(HWND window, BOOL enable) {
   bool losesFocus = false;
