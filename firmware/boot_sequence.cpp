@@ -130,23 +130,9 @@ std::string Text(const char* format, uint32_t number) {
   return text;
 }
 
-const char* StepOf(BootState state) {
-  switch (state) {
-    case BootState::kIdle:
-      break;
-    case BootState::kWaitBootloader:
-      return "entering the bootloader";
-    case BootState::kErasing:
-      return "erasing page";
-    case BootState::kWriting:
-      return "writing row";
-    case BootState::kReading:
-      return "reading back row";
-    case BootState::kFinishing:
-      return "finishing";
-  }
-  return "no step";
-}
+// By state.
+constexpr const char* kSteps[] = {"no step",     "entering the bootloader", "erasing page",
+                                  "writing row", "reading back row",        "finishing"};
 
 std::string ReasonOf(const BootFailure& failure) {
   if (failure.progress == BootProgress::kTimeout) return "no answer";
@@ -184,7 +170,7 @@ uint32_t AddressIn(Bytes content) {
 }
 
 std::string Describe(const BootFailure& failure) {
-  std::string text = StepOf(failure.state);
+  std::string text = kSteps[static_cast<size_t>(failure.state)];
   if (failure.address) text += Text(" 0x%05X", *failure.address);
   return text + ": " + ReasonOf(failure);
 }

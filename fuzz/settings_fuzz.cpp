@@ -11,7 +11,7 @@ constexpr const char16_t* kNames[] = {
     u"MicrophoneVol", u"Sw1Start",        u"SwClicks",          u"DisableUSBBack",     u"DisableUSBBottom",
     u"EnableWLAN",    u"EnableBluetooth", u"EnableMobilePhone", u"EnableFlightMode",   u"Sw1CmdVal",
     u"Sw2CmdVal",     u"TB4RevSw",        u"LexoraRevSw",       u"WakeupDelay",        u"StartupDelay",
-    u"AllowEscape",   u"CurrentLangID",   u"PicPortNumber",
+    u"AllowEscape",   u"CurrentLangID",   u"PicPortNumber",     u"SwAcceptMs",         u"SwRepeatGuardMs",
 };
 
 void SetNumber(Tablet& tablet, Input& input) {

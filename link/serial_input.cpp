@@ -137,8 +137,6 @@ bool CSerialInput::Open() {
   if (line.port == INVALID_HANDLE_VALUE) return false;
   line.readDone.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
   line.writeDone.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-  line.readOverlapped = {};
-  line.writeOverlapped = {};
   line.readOverlapped.hEvent = line.readDone.Get();
   line.writeOverlapped.hEvent = line.writeDone.Get();
   isOpen_ = line.readDone && line.writeDone && ApplyTimeouts(line.port) && ApplyLineSettings(line.port);

@@ -86,16 +86,18 @@ TEST_F(Settings, SwitchClicksGiveTheCommandsUnlessTheyAreStored) {
 }
 
 TEST_F(Settings, LanguagesAreCompletedForTheThreadAndStoredAsTheyWere) {
-  const std::pair<int32_t, int> languages[] = {{7, 0x0407},  {9, 0x0809},      {10, 0x040A},     {12, 0x040C},
-                                               {16, 0x0410}, {29, 0x041D},     {0x0C07, 0x0C07}, {8, 8},
-                                               {19, 0x0413}, {0x0409, 0x0409}, {0x10013, 0x0413}};
+  const std::pair<int32_t, int> languages[] = {
+      {7, 0x0407},      {9, 0x0809}, {10, 0x040A}, {12, 0x040C},     {16, 0x0410},      {29, 0x041D},
+      {0x0C07, 0x0C07}, {8, 8},      {19, 0x0413}, {0x0409, 0x0409}, {0x10013, 0x0413}, {0, 0x0809}};
   for (const auto& [stored, applied] : languages) {
     SetUserValue(u"CurrentLangID", stored);
+    machine.system.version.major = stored == 7 ? 5 : 6;  // an old one knows the language of formats alone
     const size_t before = tablet.Mark();
     Start();
     const auto set = pal::Select<pal::LanguageSet>(tablet.Since(before));
     ASSERT_EQ(set.size(), 1U) << stored;
     EXPECT_EQ(set[0].language, applied);
+    EXPECT_EQ(set[0].isLocale, machine.system.version.major < 6);
     EXPECT_EQ(UserValue(u"CurrentLangID"), static_cast<uint32_t>(stored & 0xFFFF));
     ASSERT_TRUE(tablet.Quit());
   }

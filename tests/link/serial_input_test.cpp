@@ -272,12 +272,15 @@ TEST_F(Serial, WritesArriveInOrderAndStringsInTheAnsiCodePage) {
     const uint8_t first[] = {'a', 0, 'b'};
     EXPECT_TRUE(serial.Write(first, 3));
     EXPECT_TRUE(serial.WriteString(u"\u20AC\u00E9"));
+    EXPECT_TRUE(serial.WriteString(u"c"));
     EXPECT_FALSE(serial.WriteString(u""));
     serial.Close();
     EXPECT_FALSE(serial.Write(first, 3));
   });
   machine.clock.Advance(1ms);
-  EXPECT_EQ(written, std::string("a\0b\x80\xE9", 5));
+  EXPECT_EQ(written, std::string("a\0b\x80\xE9"
+                                 "c",
+                                 6));
 }
 
 TEST_F(Serial, AThousandLostPortsLeaveNothingBehind) {

@@ -105,6 +105,7 @@ TEST(MacroText, FittedForAProfileItMeansTheSame) {
       {"two  ", "two { }"},
       {" ", "{ }"},
       {"\"said\"", "{\"}said\""},
+      {"'said'", "{'}said'"},
       {"'", "'"},
       {"\"open", "\"open"},
       {"a\r\nb\nc\td\n", "a{Enter}b{Enter}c{Tab}d{Enter}"},
