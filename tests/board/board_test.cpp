@@ -119,6 +119,13 @@ TEST_F(BoardTest, EveryLevelOfTheMicrophoneHasItsGains) {
     bus.erase(bus.begin(), bus.end() - 6);
     EXPECT_EQ(bus, text.Of({"microphone on", "gains " + std::to_string(level)}));
   }
+  Operate(kAudioProfile, 1);  // switches it off, and it stays so
+  NewBus();
+  pal::person::Drag(IDO_MICROPHONE_VOLUME, 3);
+  tablet.Advance(50ms);
+  const BusLines bus = NewBus();
+  EXPECT_EQ(std::ranges::count(bus, "38: 00 C9 00 80 00 00"), 0);
+  EXPECT_FALSE(bus.empty());
 }
 
 TEST_F(BoardTest, ACallProfileEndsWithItsApplication) {
