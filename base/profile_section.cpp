@@ -57,6 +57,16 @@ uint32_t ReadNumber(WideView text) {
 
 }  // namespace
 
+WideText AsStored(WideView text) {
+  constexpr WideChar kEnds[] = {'\r', '\n', 0};
+  text = text.substr(0, text.find_first_of(WideView(kEnds, std::size(kEnds))));
+  for (;;) {
+    const WideView inside = WithoutQuotes(Trim(text));
+    if (inside.size() == text.size()) return WideText(text);
+    text = inside;
+  }
+}
+
 ProfileSection::ProfileSection(WideView lines) {
   while (!lines.empty()) {
     const size_t end = std::min(lines.find(WideChar{0}), lines.size());

@@ -9,6 +9,10 @@
 
 namespace veltra {
 
+// What is left of a text that was written as the value of a key, read and written again, however often: the
+// first of its lines, without blanks and quotes around it.
+WideText AsStored(WideView text);
+
 class ProfileSection {
  public:
   ProfileSection() = default;

@@ -47,7 +47,10 @@ simulator::MacroEditor& simulator::TheMacroEditor() {
 
 void RunMacro(const char* text, int /*mode*/) {
   const macro::ParsedMacro parsed = macro::ParseMacro(FromAnsi(text));
-  if (parsed.mistake) simulator::Report("macro", "refused at " + std::to_string(parsed.mistake->at));
+  if (parsed.mistake) {
+    simulator::Report("macro", "refused at " + std::to_string(parsed.mistake->at));
+    MessageBeep(MB_OK);
+  }
   for (const macro::MacroStep& step : parsed.steps) Perform(step);
 }
 

@@ -24,6 +24,8 @@ void SendMacro(const ButtonAction& action) {
 }
 
 void SendKey(const ButtonAction& action) {
+  constexpr int32_t kNoneChosen = -1;
+  if (action.BtCmdVal == kNoneChosen) return;
   const int32_t virtualKey = action.BtCmdVal & 0xFF;
   InjectKey(virtualKey, true);
   InjectKey(virtualKey, false);

@@ -6,6 +6,7 @@
 #include "base/ansi_text.h"
 #include "switches/switch_state.h"
 #include "system/folders.h"
+#include "system/injected_input.h"
 #include "system/language.h"
 #include "system/library_binding.h"
 #include "system/system_state.h"
@@ -20,6 +21,7 @@ MacroLibrary LoadMacroLibraryFile(const WideText& fileName) {
   return library;
 }
 
+constexpr const WCHAR* kLogTag = TEXT("Macro");
 constexpr const WCHAR* kEnglishLibrary = TEXT("macm_english.dll");
 constexpr const WCHAR* kCustomMacros = TEXT("custom.mcr");
 
@@ -36,6 +38,17 @@ struct Buffer {
   }
   std::array<char, size> bytes{};
 };
+
+bool IsModifier(int32_t value) {
+  constexpr int32_t kModifiers[] = {VK_SHIFT,    VK_CONTROL, VK_MENU,  VK_LSHIFT, VK_RSHIFT, VK_LCONTROL,
+                                    VK_RCONTROL, VK_LMENU,   VK_RMENU, VK_LWIN,   VK_RWIN};
+  return std::ranges::find(kModifiers, value) != std::end(kModifiers);
+}
+
+void PressHeldModifiers(bool down) {
+  for (const HeldOutput& held : Switches().heldOutputs)
+    if (held.value && IsModifier(*held.value)) InjectKey(*held.value, down);
+}
 
 }  // namespace
 
@@ -54,8 +67,17 @@ void UnloadMacroLibrary() {
 
 void RunMacro(WideView macro) {
   const std::shared_ptr<const MacroLibrary> macros = Switches().macros;
-  if (!macros || !macros->RunMacro) return;
-  if (const std::optional<std::string> ansi = ConvertToAnsi(macro)) macros->RunMacro(ansi->c_str(), 0);
+  const std::optional<std::string> ansi = ConvertToAnsi(macro);
+  const bool isWhole = ansi && ConvertFromAnsi(*ansi) == macro;
+  if (!isWhole) Log().WriteError(kLogTag, TEXT("refused, Windows' code page lacks one of its letters"));
+  if (!isWhole || !macros || !macros->RunMacro) {
+    MessageBeep(MB_OK);
+    return;
+  }
+  NoteUnreachableWindow();
+  PressHeldModifiers(false);
+  macros->RunMacro(ansi->c_str(), 0);
+  PressHeldModifiers(true);  // which are still held: the plug-in may have let a release through
 }
 
 std::optional<WideText> ComposeMacro(HWND owner, WideView macro) {
@@ -67,7 +89,11 @@ std::optional<WideText> ComposeMacro(HWND owner, WideView macro) {
   const char* composed =
       macros->ComposeMacro(owner, model.bytes.data(), text.bytes.data(), customFile.bytes.data());
   if (!composed) return std::nullopt;
-  return ConvertFromAnsi(composed);
+  if (std::string_view(composed).find_first_of("\r\n") == std::string_view::npos)
+    return ConvertFromAnsi(composed);
+  Log().WriteError(kLogTag, TEXT("refused, the editor gave more than one line"));
+  MessageBeep(MB_OK);
+  return std::nullopt;
 }
 
 }  // namespace veltra

@@ -28,11 +28,12 @@ void LoadMacroLibrary();
 // back.
 void UnloadMacroLibrary();
 
-// Runs a macro to its end. Nothing without a plug-in.
+// Runs a macro to its end; a modifier that a switch holds down is up meanwhile. A beep without a plug-in, and
+// for a macro with a letter that the code page lacks, which has an error line, too.
 void RunMacro(WideView macro);
 
-// Lets the user change a macro in the plug-in's editor, modal to `owner`. Empty when the user gave up, or
-// without a plug-in.
+// Lets the user change a macro in the plug-in's editor, modal to `owner`. Empty when the user gave up,
+// without a plug-in, and, with a beep and an error line, when the answer is no single line.
 std::optional<WideText> ComposeMacro(HWND owner, WideView macro);
 
 }  // namespace veltra

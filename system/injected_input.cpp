@@ -1,8 +1,36 @@
 #include "system/injected_input.h"
 
+#include <utility>
+
+#include "base/handles.h"
+#include "system/system_state.h"
+
 namespace veltra {
+namespace {
+
+// Windows lets nobody look at a program of higher rights.
+bool IsOutOfReach(HWND window) {
+  DWORD id = 0;
+  GetWindowThreadProcessId(window, &id);
+  const UniqueKernelObject process(id == 0 ? nullptr : OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, id));
+  return id != 0 && !process && GetLastError() == ERROR_ACCESS_DENIED;
+}
+
+}  // namespace
+
+void NoteUnreachableWindow() {
+  HWND& noted = System().unreachableWindow;
+  const HWND front = GetForegroundWindow();
+  if (!front || !IsOutOfReach(front)) {
+    noted = nullptr;
+    return;
+  }
+  if (std::exchange(noted, front) != front)
+    Log().WriteError(TEXT("Keys"), TEXT("refused by Windows, the window in front has higher rights"));
+}
 
 void InjectKey(int32_t virtualKey, bool down) {
+  if (down) NoteUnreachableWindow();
   const UINT scan = MapVirtualKeyExW(static_cast<UINT>(virtualKey), MAPVK_VK_TO_VSC, GetKeyboardLayout(0));
   keybd_event(static_cast<BYTE>(virtualKey), static_cast<BYTE>(scan), down ? 0 : KEYEVENTF_KEYUP, 0);
 }

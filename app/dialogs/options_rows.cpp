@@ -2,12 +2,14 @@
 
 #include <windows.h>
 
+#include <cderr.h>
 #include <commdlg.h>
 
 #include <algorithm>
 
 #include "app/app_state.h"
 #include "app/dialogs/dialog_items.h"
+#include "base/profile_section.h"
 #include "resources/resource_ids.h"
 #include "switches/button_action.h"
 #include "switches/button_profile.h"
@@ -111,7 +113,7 @@ ButtonAction ActionOf(HWND dialog, int row, const ButtonAction& before) {
   action.BtCmdVal = kNoValue;
   const ActionKind& kind = KindOf(action.BtCmd);
   if (HasText(kind)) {
-    action.BtCmdText = GetItemText(dialog, TextEdit(kind.parameter, row), kLongestStoredText);
+    action.BtCmdText = AsStored(GetItemText(dialog, TextEdit(kind.parameter, row), kLongestStoredText));
     return action;
   }
   if (kind.parameter == Parameter::kNone) return action;
@@ -164,7 +166,12 @@ std::optional<WideText> ChooseFile(HWND dialog, const BrowsedKind& kind, const W
   box.lpstrFile = path;
   box.nMaxFile = static_cast<DWORD>(std::size(path));
   box.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
-  if (!GetOpenFileNameW(&box)) return std::nullopt;
+  bool isChosen = GetOpenFileNameW(&box) != FALSE;
+  if (!isChosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {  // the text of the row is no name
+    path[0] = 0;
+    isChosen = GetOpenFileNameW(&box) != FALSE;
+  }
+  if (!isChosen) return std::nullopt;
   return WideText(path);
 }
 

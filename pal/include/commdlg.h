@@ -37,5 +37,7 @@ struct OPENFILENAMEW {
 };
 using LPOPENFILENAMEW = OPENFILENAMEW*;
 
-// FALSE: the person chose none, or the name does not fit into the buffer.
+// FALSE: the person chose none, the name does not fit into the buffer, or what stands there is none.
 BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW box);
+// Of the last such call.
+DWORD WINAPI CommDlgExtendedError();

@@ -271,7 +271,10 @@ using PTOKEN_PRIVILEGES = TOKEN_PRIVILEGES*;
 #define TOKEN_ADJUST_PRIVILEGES 0x0020u
 #define SE_PRIVILEGE_ENABLED 0x00000002u
 
+#define PROCESS_QUERY_INFORMATION 0x0400u
+
 HANDLE WINAPI GetCurrentProcess();
+HANDLE WINAPI OpenProcess(DWORD access, BOOL inherits, DWORD id);
 BOOL WINAPI OpenProcessToken(HANDLE process, DWORD access, PHANDLE token);
 BOOL WINAPI LookupPrivilegeValueW(LPCWSTR system, LPCWSTR name, PLUID luid);
 // Succeeds also when it adjusted nothing: the last error is ERROR_NOT_ALL_ASSIGNED then.

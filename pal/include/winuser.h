@@ -81,6 +81,8 @@ LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM l
 HWND WINAPI FindWindowW(LPCWSTR className, LPCWSTR title);
 HWND WINAPI GetDesktopWindow();
 BOOL WINAPI SetForegroundWindow(HWND window);
+HWND WINAPI GetForegroundWindow();
+DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD process);
 #define ASFW_ANY 0xFFFFFFFFu
 BOOL WINAPI AllowSetForegroundWindow(DWORD process);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect);
@@ -261,6 +263,14 @@ BOOL WINAPI ShutdownBlockReasonDestroy(HWND window);
 #define VK_DOWN 0x28
 #define VK_INSERT 0x2D
 #define VK_DELETE 0x2E
+#define VK_LWIN 0x5B
+#define VK_RWIN 0x5C
+#define VK_LSHIFT 0xA0
+#define VK_RSHIFT 0xA1
+#define VK_LCONTROL 0xA2
+#define VK_RCONTROL 0xA3
+#define VK_LMENU 0xA4
+#define VK_RMENU 0xA5
 
 BOOL WINAPI GetCursorPos(LPPOINT point);
 void WINAPI mouse_event(DWORD flags, DWORD dx, DWORD dy, DWORD data, ULONG_PTR extraInfo);

@@ -60,6 +60,13 @@ void WindowsSystem::RemoveProgram(std::u16string_view path) {
   removedPrograms.emplace_back(path);
 }
 
+HANDLE WINAPI OpenProcess(DWORD access, BOOL /*inherits*/, DWORD /*id*/) {
+  const Call call("OpenProcess");
+  if (call.Fails()) return nullptr;
+  if (access != PROCESS_QUERY_INFORMATION) Die("OpenProcess with other rights");
+  return call->handles.Add(std::make_shared<ProcessObject>(call->scheduler, Time::max()));
+}
+
 HINSTANCE WINAPI ShellExecuteW(HWND owner, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory,
                                int show) {
   constexpr ULONG_PTR kStarted = 42;

@@ -1,4 +1,5 @@
 // GetOpenFileNameW: the person chooses a file when it pleases them.
+#include <cderr.h>
 #include <commdlg.h>
 
 #include <algorithm>
@@ -10,6 +11,8 @@ using namespace pal;
 namespace {
 
 constexpr DWORD kKnownFlags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
+
+thread_local DWORD lastError = 0;
 
 std::u16string TextOrNone(const WCHAR* text) {
   return text ? std::u16string(text) : std::u16string();
@@ -69,13 +72,22 @@ std::optional<std::u16string> Ask(const OpenFileBox& shown) {
 
 }  // namespace
 
+DWORD WINAPI CommDlgExtendedError() {
+  return lastError;
+}
+
 BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW box) {
+  lastError = 0;
   {
     const Call call("GetOpenFileNameW");
     if (call.Fails()) return FALSE;
   }
   if (box->lStructSize != sizeof(OPENFILENAMEW) || !box->lpstrFile) return FALSE;
   if (box->Flags & ~kKnownFlags) Die("GetOpenFileNameW with an unknown flag");
+  if (TextOrNone(box->lpstrFile).find_first_of(u"\"<>|") != std::u16string::npos) {
+    lastError = FNERR_INVALIDFILENAME;
+    return FALSE;
+  }
   const bool disables = box->hwndOwner && IsWindowEnabled(box->hwndOwner);
   if (disables) EnableWindow(box->hwndOwner, FALSE);
   const std::optional<std::u16string> path =

@@ -166,6 +166,21 @@ BOOL WINAPI AllowSetForegroundWindow(DWORD process) {
   return TRUE;
 }
 
+HWND WINAPI GetForegroundWindow() {
+  const Call call;
+  return call->desktop.Find(call->desktop.foreground) ? call->desktop.foreground : nullptr;
+}
+
+DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD process) {
+  constexpr DWORD kOwn = 1;
+  constexpr DWORD kOther = 2;
+  const Call call;
+  const Window* found = FindOr1400(call.Get(), window);
+  if (!found) return 0;
+  *process = found->thread ? kOwn : kOther;
+  return *process;
+}
+
 BOOL WINAPI SetForegroundWindow(HWND window) {
   const Call call("SetForegroundWindow");
   if (call.Fails()) return FALSE;

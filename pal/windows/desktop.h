@@ -74,6 +74,7 @@ class Desktop {
  public:
   explicit Desktop(State& state);
 
+  // It comes to the front.
   HWND AddForeignWindow(std::u16string_view className, ForeignWindowHandler handler = {});
   void RemoveForeignWindow(HWND window);
   // The program of that window looks at no messages from now on, or does so again: who sends it something

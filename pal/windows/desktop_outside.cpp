@@ -37,7 +37,7 @@ HWND Desktop::AddForeignWindow(std::u16string_view className, ForeignWindowHandl
   window.windowClass =
       std::make_shared<const WindowClass>(WindowClass{std::u16string(className), nullptr, 0, {}});
   window.foreign = std::move(handler);
-  return Add(std::move(window)).handle;
+  return foreground = Add(std::move(window)).handle;
 }
 
 Window& Desktop::NeedForeign(HWND window) {

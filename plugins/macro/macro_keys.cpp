@@ -30,6 +30,7 @@ constexpr KeyName kKeyNames[] = {
     {"AltGr", "AltGr", 0xA5, kExtended, kModifier},
     {"Win", "Win", 0x5B, kExtended, kModifier},
     {"Menu", "Menu", 0x5D, kExtended},
+    {"CapsLock", "CapsLock", 0x14},
     {"F1", "F1", 0x70},
     {"F2", "F2", 0x71},
     {"F3", "F3", 0x72},
@@ -59,6 +60,15 @@ constexpr KeyName kKeyNames[] = {
     {"BrowserHome", "BrowserStartpagina", 0xAC, kExtended},
 };
 
+// Names that people know, too.
+struct OtherName {
+  std::string_view name;
+  std::string_view english;
+};
+constexpr OtherName kOtherNames[] = {
+    {"Esc", "Escape"}, {"Del", "Delete"}, {"Ins", "Insert"}, {"PgUp", "PageUp"}, {"PgDn", "PageDown"},
+};
+
 bool IsCalled(std::string_view name, veltra::WideView text) {
   return veltra::UpperAscii(text) == veltra::UpperAscii(veltra::Widen(name));
 }
@@ -70,8 +80,11 @@ std::span<const KeyName> KeyNames() {
 }
 
 const KeyName* FindKey(veltra::WideView name) {
-  const auto* key = std::ranges::find_if(kKeyNames, [name](const KeyName& row) {
-    return IsCalled(row.english, name) || IsCalled(row.dutch, name);
+  const auto* other =
+      std::ranges::find_if(kOtherNames, [name](const OtherName& row) { return IsCalled(row.name, name); });
+  const auto* key = std::ranges::find_if(kKeyNames, [&](const KeyName& row) {
+    return IsCalled(row.english, name) || IsCalled(row.dutch, name) ||
+           (other != std::end(kOtherNames) && row.english == other->english);
   });
   return key == std::end(kKeyNames) ? nullptr : key;
 }

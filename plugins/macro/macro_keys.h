@@ -20,7 +20,7 @@ struct KeyName {
 // In the order in which the editor offers them. Letters and digits are not among them: they name themselves.
 std::span<const KeyName> KeyNames();
 
-// By either name, in any case; null when there is none.
+// By any of its names, in any case; null when there is none.
 const KeyName* FindKey(veltra::WideView name);
 
 }  // namespace macro

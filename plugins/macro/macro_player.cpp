@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <ranges>
+#include <span>
 
 namespace macro {
 namespace {
@@ -32,10 +33,11 @@ Inputs InputsOf(const MacroStep& step) {
   for (const WCHAR character : step.text)
     for (const bool down : {true, false}) AddCharacter(inputs, character, down);
   if (step.kind != MacroStep::Kind::kKeys) return inputs;
-  for (int i = 0; i < step.count; ++i) {
-    for (const MacroKey& key : step.keys) AddKey(inputs, key, true);
-    for (const MacroKey& key : std::views::reverse(step.keys)) AddKey(inputs, key, false);
-  }
+  const std::span modifiers(step.keys.begin(), step.keys.end() - 1);
+  for (const MacroKey& key : modifiers) AddKey(inputs, key, true);
+  for (int i = 0; i < step.count; ++i)
+    for (const bool down : {true, false}) AddKey(inputs, step.keys.back(), down);
+  for (const MacroKey& key : std::views::reverse(modifiers)) AddKey(inputs, key, false);
   return inputs;
 }
 

@@ -28,7 +28,11 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
 }
 
 void RunMacro(const char* macro, int /*mode*/) {
-  Guarded([macro] { macro::Play(macro::ParseMacro(macro::FromAnsi(macro)).steps); });
+  Guarded([macro] {
+    const macro::ParsedMacro parsed = macro::ParseMacro(macro::FromAnsi(macro));
+    if (parsed.mistake) MessageBeep(MB_OK);
+    macro::Play(parsed.steps);
+  });
 }
 
 char* ComposeMacro(HWND owner, char* /*model*/, char* macro, char* /*customFile*/) {

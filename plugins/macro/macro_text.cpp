@@ -88,7 +88,7 @@ class Parser {
     const WideView number = hasNumber ? text_.substr(blank + 1, end - blank - 1) : WideView();
     const size_t numberAt = hasNumber ? blank + 1 : begin;
     const size_t numberLength = hasNumber ? number.size() : name.size();
-    if (EqualsWord(name, "Pause")) {
+    if (EqualsWord(name, "Pause") || EqualsWord(name, "Pauze")) {
       AddPause(ReadNumber(number, kLongestPauseMs), numberAt, numberLength);
     } else {
       const std::optional<int> count = hasNumber ? ReadNumber(number, kMostRepeats) : 1;

@@ -34,7 +34,7 @@ struct MacroStep {
   Kind kind = Kind::kText;
   WideText text;               // to type
   std::vector<MacroKey> keys;  // pressed in this order, let go in the opposite one
-  int count = 1;               // how often the keys are pressed; of a pause: milliseconds
+  int count = 1;               // how often the last key is pressed meanwhile; of a pause: milliseconds
 };
 
 enum class Mistake {

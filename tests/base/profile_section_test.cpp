@@ -51,5 +51,11 @@ TEST(ProfileSection, TheFirstOfANameCountsAndOtherLinesDoNot) {
   EXPECT_EQ(section.Number(Widen("bare"), 9), 9);
 }
 
+TEST(StoredText, IsTheFirstLineWithoutBlanksAndQuotesAroundIt) {
+  EXPECT_EQ(AsStored(Widen(" \" 'a \"b' \"\r\n[Button2]")), Widen("a \"b"));
+  EXPECT_EQ(AsStored(Widen("'")), Widen("'"));
+  EXPECT_EQ(AsStored(Widen("'' ")), WideText());
+}
+
 }  // namespace
 }  // namespace veltra

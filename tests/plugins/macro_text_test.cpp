@@ -52,6 +52,8 @@ TEST(MacroText, WhatIsWrittenIsWhatIsDone) {
       {"a\r\nb\nc\td", "type a; keys 0D; type b; keys 0D; type c; keys 09; type d"},
       {"{Rechts}{OMHOOG}{Spatie}", "keys 27; keys 26; keys 20"},
       {"{a}{9 99}", "keys 41; keys 39 x99"},
+      {"{Esc}{del}{PgUp}{PgDn}{Ins}{CapsLock}", "keys 1B; keys 2E; keys 21; keys 22; keys 2D; keys 14"},
+      {"{Pauze 20}", "pause 20"},
   };
   for (const Row& row : kRows) {
     const ParsedMacro macro = ParseMacro(veltra::Widen(row.text));

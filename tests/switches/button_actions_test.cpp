@@ -69,7 +69,7 @@ TEST_F(ButtonActions, DoWhatTheProfileSays) {
       {3, -1, "C:\\Tools\\Speech\\talk.exe", "; run talk.exe"},
       {0, -1, "caf\xE9{Enter}{Ctrl+S 2}",
        "; macro types caf\xC3\xA9; macro presses 13; macro presses 17+83 2 times"},
-      {0, -1, "Hello{Entr}", "; macro refused at 6"},
+      {0, -1, "Hello{Entr}", "; macro refused at 6; beep"},
   };
   for (size_t n = 0; n < std::size(rows); n += 4) Try(std::span(rows).subspan(n, 4));
   const std::vector<pal::Effect> effects = tablet.Since(0);
@@ -88,7 +88,7 @@ TEST_F(ButtonActions, DoWhatTheProfileSays) {
 
 TEST_F(ButtonActions, WithoutApplicationsAndPlugInNothingIsSent) {
   tablet.TheDesk().Remove(simulator::Library::kEnglishMacros);
-  const Row rows[] = {{5, -2, "", ""}, {6, 12, "", ""}, {9, -1, "c7", ""}, {0, -1, "Hello", ""}};
+  const Row rows[] = {{5, -2, "", ""}, {6, 12, "", ""}, {9, -1, "c7", ""}, {0, -1, "Hello", "; beep"}};
   Try(rows);
 }
 
