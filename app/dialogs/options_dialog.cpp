@@ -21,10 +21,6 @@
 namespace veltra {
 namespace {
 
-constexpr INT_PTR kConfirmed = 1;
-constexpr INT_PTR kGivenUp = 2;
-constexpr INT_PTR kClosed = 0;
-
 constexpr ItemLabel kLabels[] = {
     {IDO_FLIGHT_MODE, IDS_FLIGHT_MODE},
     {IDO_MOBILE_PHONE, IDS_MOBILE_PHONE},
@@ -174,12 +170,12 @@ void OnOk(HWND dialog) {
   StoreSwitchLists(dialog);
   StoreCheckBoxes(dialog);
   SaveSettings();
-  End(dialog, kConfirmed);
+  End(dialog, IDOK);
 }
 
 void OnPicVersionDoubleClick(HWND dialog) {
   if (!MayStartFirmwareUpdate()) return;
-  End(dialog, kGivenUp);
+  End(dialog, IDCANCEL);
   PostMessageW(MainWindow(), kFirmwareFileRequest, 0, 0);
 }
 
@@ -193,7 +189,7 @@ struct CommandRow {
 };
 constexpr CommandRow kCommandRows[] = {
     {IDOK, 1, BN_CLICKED, [](HWND dialog, int) { OnOk(dialog); }},
-    {IDCANCEL, 1, BN_CLICKED, [](HWND dialog, int) { End(dialog, kGivenUp); }},
+    {IDCANCEL, 1, BN_CLICKED, [](HWND dialog, int) { End(dialog, IDCANCEL); }},
     {IDO_FLIGHT_MODE, 1, BN_CLICKED, [](HWND dialog, int) { EnableRadios(dialog); }},
     {IDO_INDICATOR, 1, STN_DBLCLK, [](HWND dialog, int) { OnIndicatorDoubleClick(dialog); }},
     {IDO_PIC_VERSION, 1, STN_DBLCLK, [](HWND dialog, int) { OnPicVersionDoubleClick(dialog); }},
@@ -215,7 +211,7 @@ constexpr DialogRow kDialogRows[] = {
     {WM_PAINT, [](HWND dialog, WPARAM, LPARAM) { PaintSwitchIndicator(dialog); }},
     {WM_HSCROLL, OnScroll},
     {WM_COMMAND, OnCommand},
-    {WM_CLOSE, [](HWND dialog, WPARAM, LPARAM) { EndDialog(dialog, kClosed); }},
+    {WM_CLOSE, [](HWND dialog, WPARAM, LPARAM) { EndDialog(dialog, 0); }},
 };
 
 INT_PTR CALLBACK OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -19,8 +19,6 @@ namespace {
 
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr UINT kRefreshMs = 1500;
-constexpr INT_PTR kConfirmed = 1;
-constexpr INT_PTR kClosed = 0;
 
 constexpr ItemLabel kLabels[] = {
     {IDP_STATUS_GROUP, IDS_POWER_STATUS},
@@ -154,7 +152,7 @@ void OnScroll(HWND dialog, WPARAM wParam, LPARAM lParam) {
 
 void OnClose(HWND dialog, WPARAM, LPARAM) {
   KillTimer(dialog, kRefreshTimer);
-  EndDialog(dialog, kClosed);
+  EndDialog(dialog, 0);
 }
 
 void OnOk(HWND dialog) {
@@ -163,7 +161,7 @@ void OnOk(HWND dialog) {
   const int32_t critical = Power().battery.BattCritPercentage;
   SendText(std::string("SetBatteryCritical=").append(std::to_string(critical)));
   SaveSettings();
-  EndDialog(dialog, kConfirmed);
+  EndDialog(dialog, IDOK);
 }
 
 void OnCommand(HWND dialog, WPARAM wParam, LPARAM) {

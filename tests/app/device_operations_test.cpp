@@ -67,7 +67,13 @@ TEST_F(DeviceOperations, EachHasItsBytes) {
 TEST_F(DeviceOperations, TheCallProfileComesBackToWhereItWas) {
   constexpr uint8_t kWide = 0x2F;
   constexpr uint8_t kNarrow = 0x27;
-  Start();
+  tablet.Start();
+  tablet.Advance(3300ms);
+  Operate(17, 1);  // before the codec is up: the one before is the usual one
+  tablet.Advance(10s);
+  Did();
+  Operate(17, 0);
+  EXPECT_EQ(Did({"debug profile"}), Texts{"debug profile normal"});
   Operate(18, 3);
   const std::pair<int32_t, uint8_t> steps[] = {{0, kWide}, {2, kWide},   {1, kNarrow}, {0, kWide},
                                                {0, kWide}, {1, kNarrow}, {1, kNarrow}, {0, kNarrow}};
