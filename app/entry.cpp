@@ -58,9 +58,11 @@ HWND CreateHiddenWindow(const WCHAR* windowClass) {
 void CreateMainWindow() {
   HWND& window = System().hMainWnd;
   window = CreateHiddenWindow(kMainWindowClass);
-  if (window) return;
-  window = CreateHiddenWindow(TEXT("STATIC"));
-  if (window) SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(MainWindowProc));
+  if (!window) {
+    window = CreateHiddenWindow(TEXT("STATIC"));
+    SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(MainWindowProc));
+  }
+  OpenToOthers(window);
 }
 
 int RunMessageLoop() {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <vector>
 
 #include "app/app_state.h"
 #include "app/device_operations.h"
@@ -36,6 +37,7 @@
 #include "system/message_box.h"
 #include "system/numbers.h"
 #include "system/tray_icons.h"
+#include "system/window_requests.h"
 #include "system/windows_version.h"
 
 namespace veltra {
@@ -237,6 +239,12 @@ Result OnDeviceChange(const WindowMessage& m) {
   return 1;
 }
 
+Result OnSessionChange(const WindowMessage& m) {
+  if (m.wParam == WTS_SESSION_LOCK) NoteLockedScreen();
+  if (m.wParam == WTS_SESSION_UNLOCK) ReleaseAfterLock();
+  return {};
+}
+
 // ---- the controller ---------------------------------------------------------------------------------------
 
 Result OnPicByteMessage(const WindowMessage& m) {
@@ -332,6 +340,7 @@ constexpr MessageRow kMessageRows[] = {
     {WM_TIMER, true, OnTimer},
     {WM_POWERBROADCAST, true, OnPowerBroadcast},
     {WM_DEVICECHANGE, true, OnDeviceChange},
+    {WM_WTSSESSION_CHANGE, true, OnSessionChange},
     {kPowerIconMessage, true, OnPowerIcon},
     {kToolIconMessage, true, OnToolIcon},
     {WM_PIC_BYTE, true, OnPicByteMessage},
@@ -358,7 +367,21 @@ Result Handle(const WindowMessage& m) {
   return {};
 }
 
+// Whether programs send it, not Windows.
+bool IsOfPrograms(UINT message) {
+  return message >= WM_USER || message == WM_COPYDATA || message == WM_COMMAND;
+}
+
 }  // namespace
+
+void OpenToOthers(HWND window) {
+  std::vector<UINT> admitted = {TaskbarCreatedMessage};
+  for (const MessageRow& row : kMessageRows)
+    if (IsOfPrograms(row.message)) admitted.push_back(row.message);
+  AdmitFromLowerRights(window, admitted);
+  AskForSuspendAndResume(window);
+  AskForLockAndUnlock(window);
+}
 
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   const Result result = CalledByWindows(TEXT("main window"), message, Result(), [&] {

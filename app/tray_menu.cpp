@@ -39,6 +39,7 @@ void ShowTrayMenu(HWND window, TrayMenu which) {
   GetCursorPos(&cursor);
   TrackPopupMenu(popup, TPM_RIGHTALIGN | TPM_BOTTOMALIGN | TPM_RIGHTBUTTON, cursor.x, cursor.y, 0, window,
                  nullptr);
+  PostMessageW(window, WM_NULL, 0, 0);  // else the next menu may close at once
 }
 
 }  // namespace veltra

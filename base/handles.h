@@ -71,6 +71,11 @@ struct BrushKind {
   static Handle Invalid() { return nullptr; }
   static void Close(Handle handle) { DeleteObject(handle); }
 };
+struct DesktopKind {
+  using Handle = HDESK;
+  static Handle Invalid() { return nullptr; }
+  static void Close(Handle handle) { CloseDesktop(handle); }
+};
 
 using UniqueKernelObject = UniqueHandle<KernelObjectKind>;
 using UniqueFile = UniqueHandle<FileKind>;
@@ -79,6 +84,7 @@ using UniqueModule = UniqueHandle<ModuleKind>;
 using UniqueIcon = UniqueHandle<IconKind>;
 using UniqueMenu = UniqueHandle<MenuKind>;
 using UniqueBrush = UniqueHandle<BrushKind>;
+using UniqueDesktop = UniqueHandle<DesktopKind>;
 
 // The function that a module exports under that name, null when it has none.
 template <class Function>

@@ -46,6 +46,7 @@ veltra_room(system BELOW base SOURCES
   system/sounds.cpp
   system/start_program.cpp
   system/tray_icons.cpp
+  system/window_requests.cpp
   system/windows_version.cpp
 )
 
@@ -111,6 +112,7 @@ veltra_room(tool BELOW report switches firmware power SOURCES
   app/startup.cpp
   app/tray_menu.cpp
   app/dialogs/dialog_items.cpp
+  app/dialogs/file_box.cpp
   app/dialogs/firmware_dialog.cpp
   app/dialogs/options_dialog.cpp
   app/dialogs/options_lists.cpp

@@ -108,10 +108,20 @@ Problem RunShell(World& world, Words words) {
   };
   constexpr Row kActs[] = {{"stop", &pal::NotificationArea::StopShell},
                            {"start", &pal::NotificationArea::StartShell},
-                           {"restart", &pal::NotificationArea::RestartShell}};
+                           {"restart", &pal::NotificationArea::RestartShell},
+                           {"announce", &pal::NotificationArea::Announce}};
   const auto* row = std::ranges::find(kActs, Argument(words, 1), &Row::word);
-  if (row == std::end(kActs) || words.size() != 2) return ExpectedArguments("stop|start|restart");
+  if (row == std::end(kActs) || words.size() != 2) return ExpectedArguments("stop|start|restart|announce");
   (TabletOf(world).Machine().tray.*row->act)();
+  return {};
+}
+
+Problem RunScreen(World& world, Words words) {
+  const std::string_view word = Argument(words, 1);
+  if (words.size() != 2 || (word != "lock" && word != "unlock")) return ExpectedArguments("lock|unlock");
+  const bool locks = word == "lock";
+  TabletOf(world).Machine().desktop.isLocked = locks;
+  world.Ask(WM_WTSSESSION_CHANGE, locks ? WTS_SESSION_LOCK : WTS_SESSION_UNLOCK, 0);
   return {};
 }
 
@@ -122,7 +132,8 @@ constexpr WorldCommand kCommands[] = {
     {"board", "absent|damaged|lacks EXPORT|...",
      "the board's library; also start-, stop-, info-error, codec-errors, serves-messages NUMBER", RunBoard},
     {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", RunMacroPlugin},
-    {"shell", "stop|start|restart", "the taskbar goes, comes, or comes anew", RunShell},
+    {"screen", "lock|unlock", "Windows' own desktop has the screen, or no more", RunScreen},
+    {"shell", "stop|start|restart|announce", "the taskbar goes, comes, comes again, or only says so", RunShell},
 };
 
 }  // namespace

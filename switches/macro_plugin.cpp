@@ -74,7 +74,7 @@ void RunMacro(WideView macro) {
     MessageBeep(MB_OK);
     return;
   }
-  NoteUnreachableWindow();
+  NoteObstacle(GetForegroundWindow());
   PressHeldModifiers(false);
   macros->RunMacro(ansi->c_str(), 0);
   PressHeldModifiers(true);  // which are still held: the plug-in may have let a release through

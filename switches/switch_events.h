@@ -36,6 +36,11 @@ constexpr bool IsSideButton(SwitchButton button) {
 void ForgetHeldSwitches();
 
 // The long-press timer of a side button fired; `timer` is its id.
+// A locked screen takes no input, and so no release: what was held when it was locked, and all that is held when
+// it is unlocked, is released then.
+void NoteLockedScreen();
+void ReleaseAfterLock();
+
 void OnLongPressTimer(UINT_PTR timer);
 // The timer of a switch whose press counts only after a while.
 void OnAcceptTimer(UINT_PTR timer);

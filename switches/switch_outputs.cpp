@@ -25,7 +25,8 @@ void NotifySwitch(SwitchIndex index, bool pressed) {
                      pressed ? 1 : 0);
 }
 
-void InjectMouse(DWORD flags) {
+void InjectMouse(DWORD flags, bool pressed) {
+  if (pressed) NoteObstacle(nullptr);
   mouse_event(flags, 0, 0, 0, 0);
 }
 
@@ -39,8 +40,8 @@ UCHAR JoystickButton(int32_t value) {
 
 void Output(SwitchIndex index, int32_t value, bool pressed) {
   if (value == kSwitchNormal) return NotifySwitch(index, pressed);
-  if (value == kSwitchLeftClick) return InjectMouse(pressed ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP);
-  if (value == kSwitchRightClick) return InjectMouse(pressed ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_RIGHTUP);
+  if (value == kSwitchLeftClick) return InjectMouse(pressed ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP, pressed);
+  if (value == kSwitchRightClick) return InjectMouse(pressed ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_RIGHTUP, pressed);
   if (IsJoystickButton(value)) return SetJoystickButton(pressed, JoystickButton(value));
   InjectKey(value, pressed);
 }
@@ -65,6 +66,10 @@ void PressSwitch(SwitchIndex index) {
 void ReleaseSwitch(SwitchIndex index) {
   const HeldOutput held = std::exchange(Switches().heldOutputs[index], {});
   Output(index, held.value.value_or(SettingOf(index)), false);
+}
+
+void RepeatRelease(SwitchIndex index, int32_t value) {
+  if (value != kSwitchNormal && !IsJoystickButton(value)) Output(index, value, false);
 }
 
 void ReleaseHeldSwitch(SwitchIndex index) {

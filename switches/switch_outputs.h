@@ -9,6 +9,9 @@ void PressSwitch(SwitchIndex index);
 // Releases what the press pressed, whatever the setting is by now.
 void ReleaseSwitch(SwitchIndex index);
 
+// Once more, when Windows may have kept the first one; nothing for what did not go through Windows' input.
+void RepeatRelease(SwitchIndex index, int32_t value);
+
 // Takes back what a press did because its release can no longer come or is no longer the tool's to act on:
 // who was told of the press is told of the release. The break that may still follow does nothing.
 void ReleaseHeldSwitch(SwitchIndex index);

@@ -18,19 +18,18 @@ bool IsOutOfReach(HWND window) {
 
 }  // namespace
 
-void NoteUnreachableWindow() {
-  HWND& noted = System().unreachableWindow;
-  const HWND front = GetForegroundWindow();
-  if (!front || !IsOutOfReach(front)) {
-    noted = nullptr;
-    return;
-  }
-  if (std::exchange(noted, front) != front)
-    Log().WriteError(TEXT("Keys"), TEXT("refused by Windows, the window in front has higher rights"));
+void NoteObstacle(HWND receiver) {
+  const WCHAR* obstacle = nullptr;
+  if (!UniqueDesktop(OpenInputDesktop(0, FALSE, DESKTOP_READOBJECTS)))
+    obstacle = TEXT("refused by Windows, its own desktop has the screen");
+  else if (receiver && IsOutOfReach(receiver))
+    obstacle = TEXT("refused by Windows, the window in front has higher rights");
+  if (std::exchange(System().inputObstacle, obstacle) != obstacle && obstacle)
+    Log().WriteError(TEXT("Input"), obstacle);
 }
 
 void InjectKey(int32_t virtualKey, bool down) {
-  if (down) NoteUnreachableWindow();
+  if (down) NoteObstacle(GetForegroundWindow());
   const UINT scan = MapVirtualKeyExW(static_cast<UINT>(virtualKey), MAPVK_VK_TO_VSC, GetKeyboardLayout(0));
   keybd_event(static_cast<BYTE>(virtualKey), static_cast<BYTE>(scan), down ? 0 : KEYEVENTF_KEYUP, 0);
 }

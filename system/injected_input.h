@@ -7,9 +7,10 @@
 
 namespace veltra {
 
-// An error line, once for each such window in front, when Windows will keep keys from it: its program has
-// higher rights than the tool.
-void NoteUnreachableWindow();
+// An error line when Windows will keep what is injected from its receiver: the screen is locked, or the
+// receiver's program has higher rights than the tool. Once for each reason, until something arrives again.
+// Null: whatever lies under the pointer.
+void NoteObstacle(HWND receiver);
 
 // Presses or releases a key by its virtual-key code (the low byte counts), without modifiers.
 void InjectKey(int32_t virtualKey, bool down);

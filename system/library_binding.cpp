@@ -30,4 +30,10 @@ HMODULE LoadOwnLibrary(const WCHAR* fileName) {
   return LoadLibraryExW((directory + fileName).c_str(), nullptr, places);
 }
 
+// Where the flag is unknown, Windows looks in the program's own directory first.
+HMODULE LoadSystemLibrary(const WCHAR* fileName) {
+  const DWORD places = FindSetDefaultDirectories() ? LOAD_LIBRARY_SEARCH_SYSTEM32 : 0;
+  return LoadLibraryExW(fileName, nullptr, places);
+}
+
 }  // namespace veltra

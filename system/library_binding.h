@@ -24,6 +24,9 @@ void LoadOnlyFromSafePlaces();
 // Loads a library from the program's own directory, never through the search path. Null when it is missing.
 HMODULE LoadOwnLibrary(const WCHAR* fileName);
 
+// Loads a library of Windows; null when it is missing.
+HMODULE LoadSystemLibrary(const WCHAR* fileName);
+
 // Loads the library and looks its functions up. Where two exports name one function, the first that is there
 // counts. What is missing, with Windows' error, for the log; empty when all is there.
 template <class... Functions>

@@ -29,10 +29,9 @@ struct SystemState {
   std::shared_ptr<ComLibrary> com;  // who is at work with an object of it holds it too
   TrayState tray;
   std::set<BoxKind> standingBoxes;  // message boxes that wait for the person
-  HWND unreachableWindow =
-      nullptr;             // the window in front from which Windows keeps keys, when that was logged
-  bool Suspended = false;  // from the suspend notification until the resume has been handled
-  DWORD suspendedAt = 0;   // by GetTickCount
+  const WCHAR* inputObstacle = nullptr;  // why Windows kept the latest injected input, and that was logged
+  bool Suspended = false;                // from the suspend notification until the resume has been handled
+  DWORD suspendedAt = 0;                 // by GetTickCount
 
   LANGID CurrentLangID = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK);
   std::vector<LanguageEntry> Languages = {{TEXT("English"), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK)},

@@ -7,6 +7,7 @@
 
 #include "app/app_state.h"
 #include "app/dialogs/dialog_items.h"
+#include "app/dialogs/file_box.h"
 #include "resources/resource_ids.h"
 #include "switches/switch_events.h"
 #include "system/language.h"
@@ -96,7 +97,7 @@ void ChooseFirmwareFile() {
   box.lpstrFile = path;
   box.nMaxFile = static_cast<DWORD>(std::size(path));
   box.Flags = OFN_EXPLORER | OFN_PATHMUSTEXIST;
-  if (GetOpenFileNameW(&box)) StartFirmwareUpdate(WideText(path));
+  if (AskForFile(box)) StartFirmwareUpdate(WideText(path));
 }
 
 void StartFirmwareUpdate(const WideText& path) {

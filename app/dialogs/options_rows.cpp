@@ -2,13 +2,11 @@
 
 #include <windows.h>
 
-#include <cderr.h>
-#include <commdlg.h>
-
 #include <algorithm>
 
 #include "app/app_state.h"
 #include "app/dialogs/dialog_items.h"
+#include "app/dialogs/file_box.h"
 #include "base/profile_section.h"
 #include "resources/resource_ids.h"
 #include "switches/button_action.h"
@@ -166,12 +164,7 @@ std::optional<WideText> ChooseFile(HWND dialog, const BrowsedKind& kind, const W
   box.lpstrFile = path;
   box.nMaxFile = static_cast<DWORD>(std::size(path));
   box.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
-  bool isChosen = GetOpenFileNameW(&box) != FALSE;
-  if (!isChosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {  // the text of the row is no name
-    path[0] = 0;
-    isChosen = GetOpenFileNameW(&box) != FALSE;
-  }
-  if (!isChosen) return std::nullopt;
+  if (!AskForFile(box)) return std::nullopt;
   return WideText(path);
 }
 

@@ -273,6 +273,10 @@ using PTOKEN_PRIVILEGES = TOKEN_PRIVILEGES*;
 
 #define PROCESS_QUERY_INFORMATION 0x0400u
 
+// The length, or the room that is wanted when `size` does not do.
+DWORD WINAPI GetCurrentDirectoryW(DWORD size, LPWSTR directory);
+BOOL WINAPI SetCurrentDirectoryW(LPCWSTR directory);
+
 HANDLE WINAPI GetCurrentProcess();
 HANDLE WINAPI OpenProcess(DWORD access, BOOL inherits, DWORD id);
 BOOL WINAPI OpenProcessToken(HANDLE process, DWORD access, PHANDLE token);

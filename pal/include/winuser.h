@@ -84,6 +84,16 @@ BOOL WINAPI SetForegroundWindow(HWND window);
 HWND WINAPI GetForegroundWindow();
 DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD process);
 #define ASFW_ANY 0xFFFFFFFFu
+// What Windows keeps from a window that does not ask for it.
+#define MSGFLT_ALLOW 1
+BOOL WINAPI ChangeWindowMessageFilterEx(HWND window, UINT message, DWORD action, PVOID status);
+#define DEVICE_NOTIFY_WINDOW_HANDLE 0x0u
+PVOID WINAPI RegisterSuspendResumeNotification(HANDLE recipient, DWORD flags);
+// The desktop that has the keyboard; refused while that is one of Windows' own.
+using HDESK = HANDLE;
+#define DESKTOP_READOBJECTS 0x0001u
+HDESK WINAPI OpenInputDesktop(DWORD flags, BOOL inherits, DWORD access);
+BOOL WINAPI CloseDesktop(HDESK desktop);
 BOOL WINAPI AllowSetForegroundWindow(DWORD process);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect);
 BOOL WINAPI ScreenToClient(HWND window, LPPOINT point);
@@ -110,6 +120,7 @@ struct COPYDATASTRUCT {
   PVOID lpData;
 };
 
+#define WM_NULL 0x0000
 #define WM_CREATE 0x0001
 #define WM_DESTROY 0x0002
 #define WM_SETTEXT 0x000C
@@ -136,12 +147,15 @@ struct COPYDATASTRUCT {
 #define WM_RBUTTONUP 0x0205
 #define WM_POWERBROADCAST 0x0218
 #define WM_DEVICECHANGE 0x0219
+#define WM_WTSSESSION_CHANGE 0x02B1
 #define WM_USER 0x0400
 #define WM_APP 0x8000
 
 #define SC_MONITORPOWER 0xF170
 #define PBT_APMSUSPEND 0x0004
 #define PBT_APMRESUMEAUTOMATIC 0x0012
+#define WTS_SESSION_LOCK 0x7
+#define WTS_SESSION_UNLOCK 0x8
 
 #define ISMEX_NOSEND 0x0u
 #define ISMEX_SEND 0x1u

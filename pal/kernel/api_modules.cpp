@@ -1,4 +1,6 @@
 // The program, the modules that it loads, and what they export.
+#include <wtsapi32.h>
+
 #include <algorithm>
 #include <optional>
 #include <span>
@@ -13,27 +15,40 @@ namespace {
 
 constexpr DWORD kKnownFlags =
     LOAD_WITH_ALTERED_SEARCH_PATH | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
-constexpr std::u16string_view kKernel = u"kernel32.dll";
 constexpr std::u16string_view kSystemDirectory = u"C:\\Windows\\System32\\";
-
-HMODULE KernelModule() {
-  return reinterpret_cast<HMODULE>(static_cast<ULONG_PTR>(0x7FF800000000));
-}
 
 template <class Function>
 Export MakeExport(const char* name, Function* function) {
   return {name, reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function))};
 }
 
-// The kernel's exports that programs look up by name.
-std::span<const Export> KernelExports() {
-  static const Export exports[] = {
-      MakeExport("IsWow64Process", IsWow64Process),
-      MakeExport("SetDefaultDllDirectories", SetDefaultDllDirectories),
-      MakeExport("SetThreadUILanguage", SetThreadUILanguage),
-      MakeExport("Wow64EnableWow64FsRedirection", Wow64EnableWow64FsRedirection),
+// Libraries of Windows, with the exports that programs look up by name.
+struct SystemLibrary {
+  std::u16string_view file;
+  ULONG_PTR handle;
+  std::vector<Export> exports;
+};
+const std::vector<SystemLibrary>& SystemLibraries() {
+  static const std::vector<SystemLibrary> libraries = {
+      {u"kernel32.dll",
+       0x7FF800000000,
+       {MakeExport("IsWow64Process", IsWow64Process),
+        MakeExport("SetDefaultDllDirectories", SetDefaultDllDirectories),
+        MakeExport("SetThreadUILanguage", SetThreadUILanguage),
+        MakeExport("Wow64EnableWow64FsRedirection", Wow64EnableWow64FsRedirection)}},
+      {u"user32.dll",
+       0x7FF810000000,
+       {MakeExport("ChangeWindowMessageFilterEx", ChangeWindowMessageFilterEx),
+        MakeExport("RegisterSuspendResumeNotification", RegisterSuspendResumeNotification)}},
+      {u"wtsapi32.dll",
+       0x7FF820000000,
+       {MakeExport("WTSRegisterSessionNotification", WTSRegisterSessionNotification)}},
   };
-  return exports;
+  return libraries;
+}
+
+bool IsMissing(const WindowsSystem& system, std::string_view name) {
+  return name == "RegisterSuspendResumeNotification" && !HasModernStandby(system);
 }
 
 // Windows takes a name without an extension for that of a DLL.
@@ -57,7 +72,9 @@ HMODULE FindBuiltIn(const std::u16string& name) {
   const auto is = [&name](std::u16string_view file) {
     return EqualFolded(name, file) || EqualFolded(name, FileNameOf(file));
   };
-  if (is(std::u16string(kSystemDirectory) + std::u16string(kKernel))) return KernelModule();
+  for (const SystemLibrary& library : SystemLibraries())
+    if (is(std::u16string(kSystemDirectory).append(library.file)))
+      return reinterpret_cast<HMODULE>(library.handle);
   return is(Disk::kProgramFile) ? ProgramInstance() : nullptr;
 }
 
@@ -87,7 +104,8 @@ HMODULE Load(const Call& call, LPCWSTR fileName, DWORD flags) {
 // What the module exports; empty when there is no such module.
 std::optional<std::span<const Export>> ExportsOf(const Call& call, HMODULE module) {
   if (!module || module == ProgramInstance()) return std::span<const Export>();
-  if (module == KernelModule()) return KernelExports();
+  for (const SystemLibrary& library : SystemLibraries())
+    if (module == reinterpret_cast<HMODULE>(library.handle)) return library.exports;
   const auto loaded = call->handles.Find<LoadedModule>(module);
   if (!loaded) return std::nullopt;
   return std::span(loaded->File().exports);
@@ -157,5 +175,6 @@ FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name) {
   const auto exports = ExportsOf(call, module);
   if (!exports) return Refuse(ERROR_MOD_NOT_FOUND, FARPROC{});
   const auto found = std::ranges::find(*exports, std::string_view(name), &Export::name);
-  return found == exports->end() ? Refuse(ERROR_PROC_NOT_FOUND, FARPROC{}) : found->address;
+  const bool isThere = found != exports->end() && !IsMissing(call->system, name);
+  return isThere ? found->address : Refuse(ERROR_PROC_NOT_FOUND, FARPROC{});
 }

@@ -60,6 +60,10 @@ void WindowsSystem::RemoveProgram(std::u16string_view path) {
   removedPrograms.emplace_back(path);
 }
 
+bool pal::HasModernStandby(const WindowsSystem& system) {
+  return std::pair(system.version.major, system.version.minor) >= std::pair(WORD{6}, WORD{2});
+}
+
 HANDLE WINAPI OpenProcess(DWORD access, BOOL /*inherits*/, DWORD /*id*/) {
   const Call call("OpenProcess");
   if (call.Fails()) return nullptr;

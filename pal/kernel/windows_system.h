@@ -41,4 +41,7 @@ struct WindowsSystem {
   std::vector<std::shared_ptr<Mutex>> foreignMutexes_;
 };
 
+// Windows 8 and later.
+bool HasModernStandby(const WindowsSystem& system);
+
 }  // namespace pal

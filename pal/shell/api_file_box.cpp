@@ -96,6 +96,8 @@ BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW box) {
   if (disables) EnableWindow(box->hwndOwner, TRUE);
   if (!path || path->size() >= box->nMaxFile) return FALSE;
   *std::ranges::copy(*path, box->lpstrFile).out = 0;
+  const Call call;
+  call->disk.currentDirectory = path->substr(0, path->rfind(u'\\') + 1);
   return TRUE;
 }
 

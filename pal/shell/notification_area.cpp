@@ -19,12 +19,19 @@ void NotificationArea::StopShell() {
 }
 
 void NotificationArea::StartShell() {
+  {
+    const MachineLock lock(state_.mutex);
+    isUp = true;
+  }
+  Announce();
+}
+
+void NotificationArea::Announce() {
   const MachineLock lock(state_.mutex);
-  isUp = true;
   const UINT created = state_.desktop.RegisterMessage(u"TaskbarCreated");
   for (const HWND handle : state_.desktop.TopLevel()) {
     const Window* window = state_.desktop.Find(handle);
-    if (!window->thread) continue;
+    if (!state_.desktop.Reaches(*window, created)) continue;
     auto sent = std::make_shared<SentMessage>();
     sent->window = handle;
     sent->message = created;

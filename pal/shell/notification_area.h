@@ -29,6 +29,8 @@ class NotificationArea {
   void StopShell();
   void StartShell();
   void RestartShell();
+  // The shell tells the same, as for a display of other resolution, and forgets nothing.
+  void Announce();
   [[nodiscard]] std::optional<TrayIcon> Find(UINT id) const;  // the newest of that number
   // The person. False when no such icon stands. The pointer stays where the icon is.
   bool Click(UINT id);

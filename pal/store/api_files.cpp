@@ -119,6 +119,22 @@ BOOL WINAPI DeleteFileW(LPCWSTR name) {
   return TRUE;
 }
 
+DWORD WINAPI GetCurrentDirectoryW(DWORD size, LPWSTR directory) {
+  const Call call("GetCurrentDirectoryW");
+  const std::u16string& current = call->disk.currentDirectory;
+  if (call.Fails()) return 0;
+  if (size <= current.size()) Die("GetCurrentDirectoryW without room");
+  *std::ranges::copy(current, directory).out = 0;
+  return static_cast<DWORD>(current.size());
+}
+
+BOOL WINAPI SetCurrentDirectoryW(LPCWSTR directory) {
+  const Call call("SetCurrentDirectoryW");
+  if (call.Fails()) return FALSE;
+  call->disk.currentDirectory = directory;
+  return TRUE;
+}
+
 BOOL WINAPI CreateDirectoryW(LPCWSTR name, LPSECURITY_ATTRIBUTES security) {
   const Call call("CreateDirectoryW");
   if (security) Die("CreateDirectoryW with security attributes");

@@ -59,6 +59,9 @@ class Disk {
   static constexpr std::u16string_view kProgramFile = u"C:\\Program Files\\Veltra\\veltratool.exe";
   static constexpr std::u16string_view kCommonDocuments = u"C:\\Users\\Public\\Documents";
 
+  // The box for files goes where its file is, as Windows' does. Nothing is looked up there.
+  std::u16string currentDirectory{kProgramDirectory};
+
   // Directories on the way are made.
   void Write(std::u16string_view path, std::string_view content);
   [[nodiscard]] std::optional<std::string> Read(std::u16string_view path) const;

@@ -55,12 +55,14 @@ BOOL WINAPI GetCursorPos(LPPOINT point) {
 void WINAPI mouse_event(DWORD flags, DWORD dx, DWORD dy, DWORD data, ULONG_PTR /*extraInfo*/) {
   const Call call;
   if (flags == 0 || (flags & ~kKnownMouseFlags)) Die("mouse_event with unknown flags");
+  if (call->desktop.isLocked) return;
   call->Emit(MouseInput{flags, static_cast<int32_t>(dx), static_cast<int32_t>(dy), data});
 }
 
 void WINAPI keybd_event(BYTE virtualKey, BYTE scanCode, DWORD flags, ULONG_PTR /*extraInfo*/) {
   const Call call;
   if (flags & ~(KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP)) Die("keybd_event with unknown flags");
+  if (call->desktop.isLocked) return;
   call->Emit(KeyInput{virtualKey, scanCode, flags});
 }
 

@@ -63,6 +63,9 @@ struct Window {
   LONG_PTR userData = 0;
   std::vector<uint8_t> extra;  // cbWndExtra bytes
   ControlState control;        // of a control of Windows
+  std::set<UINT> admitted;     // messages that programs of lower rights may send it
+  bool hearsOfSleep = false;   // it asked for that
+  bool hearsOfSession = false;
 
   [[nodiscard]] bool IsTopLevel() const { return !parent && !isDesktop; }
 };
@@ -118,6 +121,7 @@ class Desktop {
   [[nodiscard]] bool IsShown(HWND window) const;
   [[nodiscard]] HWND DesktopWindow() const { return desktopWindow_; }
   [[nodiscard]] int CountOfProgram() const;
+  [[nodiscard]] bool Reaches(const Window& window, UINT message) const;
 
   // The window that gets the keyboard; null when there is none.
   [[nodiscard]] HWND Focus() const { return focus_; }
@@ -128,6 +132,10 @@ class Desktop {
 
   // The program is gone, the windows of others stay.
   void ForgetProgram();
+
+  bool isElevated = false;  // the program has higher rights than all others
+  // Windows has the screen: what programs inject goes nowhere.
+  bool isLocked = false;
 
   POINT cursor = {512, 384};
   HWND foreground = nullptr;

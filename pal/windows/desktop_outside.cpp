@@ -85,11 +85,21 @@ std::optional<LRESULT> Desktop::SendCopyData(HWND window, HWND sender, uint64_t 
   return SendFromOutside(std::move(sent), limit);
 }
 
+// Whether Windows lets the message through from the outside, or sends it at all. A Windows that knows modern
+// standby tells of sleep who asks for it alone.
+bool Desktop::Reaches(const Window& window, UINT message) const {
+  if (!window.thread) return false;
+  if (message == WM_POWERBROADCAST) return !HasModernStandby(state_.system) || window.hearsOfSleep;
+  if (message == WM_WTSSESSION_CHANGE) return window.hearsOfSession;
+  const bool isOfPrograms = message >= WM_USER || message == WM_COPYDATA || message == WM_COMMAND;
+  return !isElevated || !isOfPrograms || window.admitted.contains(message);
+}
+
 // Queues the message and waits for the answer; with no time to wait it only queues it.
 std::optional<LRESULT> Desktop::SendFromOutside(std::shared_ptr<SentMessage> sent, Time limit) {
   const MachineLock lock(state_.mutex);
   const Window* window = Find(sent->window);
-  if (!window || !window->thread) return std::nullopt;
+  if (!window || !Reaches(*window, sent->message)) return std::nullopt;
   window->thread->queue.Send(sent);
   state_.scheduler.Notify();
   if (limit > Time(0))
@@ -100,7 +110,7 @@ std::optional<LRESULT> Desktop::SendFromOutside(std::shared_ptr<SentMessage> sen
 bool Desktop::Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   const MachineLock lock(state_.mutex);
   const Window* found = Find(window);
-  if (!found || !found->thread) return false;
+  if (!found || !Reaches(*found, message)) return false;
   const DWORD time = TickCount(state_.scheduler.Now());
   if (!found->thread->queue.Post({window, message, wParam, lParam, time, {0, 0}})) return false;
   state_.scheduler.Notify();

@@ -137,6 +137,7 @@ TEST_F(Options, BrowsingChoosesAFile) {
       person::AnswerFileBox(answer);
       Settle();
       EXPECT_EQ(person::Look(IDO_ROW_TEXT_1).text, answer.value_or(u"before"));
+      EXPECT_EQ(machine.disk.currentDirectory, pal::Disk::kProgramDirectory);
     }
   }
 }
