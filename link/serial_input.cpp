@@ -24,6 +24,7 @@ constexpr DWORD kWriteMs = 1000;
 constexpr DWORD kPostRetryMs = 10;  // between two tries to post into a full message queue
 constexpr DWORD kStopRetryMs = 50;  // between two requests to stop waiting for events
 constexpr int kStopTries = 100;
+constexpr int kTriesBeforeCancel = 20;
 
 bool ApplyTimeouts(HANDLE port) {
   COMMTIMEOUTS timeouts = {};
@@ -47,6 +48,13 @@ bool ApplyLineSettings(HANDLE port) {
   dcb.fOutxCtsFlow = FALSE;
   dcb.fRtsControl = RTS_CONTROL_ENABLE;
   return SetCommState(port, &dcb) != FALSE;
+}
+
+// Ends what waits in the driver, for one that does not heed its event mask.
+void CancelWaits(HANDLE port) {
+  using Cancel = BOOL(WINAPI*)(HANDLE, LPOVERLAPPED);
+  const auto cancel = veltra::FindExport<Cancel>(GetModuleHandleW(TEXT("kernel32.dll")), "CancelIoEx");
+  if (cancel) cancel(port, nullptr);
 }
 
 // Waits for a transfer that the driver has taken over; returns the error it ended with, 0 when it was done.
@@ -192,7 +200,7 @@ bool CSerialInput::StartMon(HWND targetWindow, DataCallback dataCallback) {
 }
 
 // An event mask of 0 ends the thread's wait. A driver may overlook a mask that is set just as bytes arrive,
-// so it is set again until the thread is through.
+// so it is set again until the thread is through; after 1 s everything that waits is cancelled, too.
 void CSerialInput::StopMon() {
   Line& line = *line_;
   if (!line.monitorStopped) return;
@@ -200,6 +208,7 @@ void CSerialInput::StopMon() {
   for (int n = 0; n < kStopTries && !line.showsBox; ++n) {
     if (line.port == INVALID_HANDLE_VALUE) return;
     SetCommMask(line.port, 0);
+    if (n >= kTriesBeforeCancel) CancelWaits(line.port);
     if (WaitForSingleObject(line.monitorStopped.Get(), kStopRetryMs) != WAIT_TIMEOUT) return;
   }
   Abandon();
@@ -271,6 +280,7 @@ uint32_t CSerialInput::Read(Line& line, uint8_t* buffer, uint32_t wanted) {
   }
   const DWORD error = AwaitTransfer(port, line.readOverlapped, received);
   if (error == ERROR_SUCCESS) return received;
+  if (error == ERROR_OPERATION_ABORTED && line.IsStopRequested()) return 0;  // cancelled
   line.ShowReadError(TEXT("<CE1-%u>"), error);
   if (const DWORD flags = TakeErrorFlags(port)) line.ShowReadError(TEXT("<CE2-%u>"), flags);
   return received;

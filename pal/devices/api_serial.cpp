@@ -51,6 +51,11 @@ BOOL WINAPI SetCommMask(HANDLE port, DWORD events) {
   return OnPort("SetCommMask", port, [&](PortHandle& handle) { return handle.SetMask(events); });
 }
 
+BOOL WINAPI CancelIoEx(HANDLE file, LPOVERLAPPED overlapped) {
+  if (overlapped) Die("CancelIoEx of one transfer");
+  return OnPort("CancelIoEx", file, [](PortHandle& handle) { return handle.Cancel(); });
+}
+
 BOOL WINAPI WaitCommEvent(HANDLE port, LPDWORD events, LPOVERLAPPED overlapped) {
   if (overlapped) Die("an overlapped WaitCommEvent");
   return OnPort("WaitCommEvent", port, [&](PortHandle& handle) { return handle.WaitEvent(events); });

@@ -88,7 +88,7 @@ void PortHandle::DeviceGone() {
 
 // The driver ends a wait at the moment of the event, even when the waiting thread comes to run later.
 void PortHandle::EndWait(Outcome outcome) {
-  if (!wait_ || wait_->outcome || port_.hangs_) return;
+  if (!wait_ || wait_->outcome || port_.hung_ != SerialPort::Hung::kNot) return;
   wait_->outcome = outcome;
   port_.state_.scheduler.Notify();
 }
@@ -113,6 +113,21 @@ void PortHandle::FetchFromTty() {
   if (!alive) DeviceGone();
 }
 
+// A read in memory is taken over first and done when the program waits for it; one on a tty is done at once:
+// Windows' drivers do either.
+DWORD PortHandle::CompleteSoon(OVERLAPPED& overlapped, DWORD error, DWORD transferred) {
+  if (tty_) {
+    CompleteOverlapped(port_.state_, overlapped, error, transferred);
+    return error;
+  }
+  Scheduler& scheduler = port_.state_.scheduler;
+  scheduler.At(scheduler.Now(), [handle = weak_from_this(), &overlapped, error, transferred] {
+    const std::shared_ptr<PortHandle> open = handle.lock();
+    if (open && !open->closed_) CompleteOverlapped(open->port_.state_, overlapped, error, transferred);
+  });
+  return ERROR_IO_PENDING;
+}
+
 DWORD PortHandle::Read(std::span<uint8_t> buffer, OVERLAPPED* overlapped, DWORD& transferred) {
   if (const DWORD refusal = Refusal()) return refusal;
   if (!overlapped) return ERROR_INVALID_PARAMETER;  // the handle is an overlapped one
@@ -120,16 +135,15 @@ DWORD PortHandle::Read(std::span<uint8_t> buffer, OVERLAPPED* overlapped, DWORD&
   BeginOverlapped(port_.state_, *overlapped);
   if (const auto failure = std::exchange(port_.readFailure_, std::nullopt)) {
     port_.commErrors_ |= failure->commErrors;
-    CompleteOverlapped(port_.state_, *overlapped, failure->error, 0);
-    return failure->atOnce ? failure->error : ERROR_IO_PENDING;
+    if (failure->atOnce) return failure->error;
+    return CompleteSoon(*overlapped, failure->error, 0);
   }
   const size_t count = std::min(buffer.size(), port_.input_.size());
   const auto end = port_.input_.begin() + static_cast<std::ptrdiff_t>(count);
   std::copy(port_.input_.begin(), end, buffer.begin());
   port_.input_.erase(port_.input_.begin(), end);
   transferred = static_cast<DWORD>(count);
-  CompleteOverlapped(port_.state_, *overlapped, ERROR_SUCCESS, transferred);
-  return ERROR_SUCCESS;
+  return CompleteSoon(*overlapped, ERROR_SUCCESS, transferred);
 }
 
 DWORD PortHandle::Write(std::span<const uint8_t> bytes, OVERLAPPED* overlapped, DWORD& transferred) {
@@ -174,6 +188,13 @@ DWORD PortHandle::WaitEvent(DWORD* events) {
   wait_.reset();
   if (events) *events = outcome.events;
   return outcome.error;
+}
+
+DWORD PortHandle::Cancel() {
+  const bool heeds = port_.hung_ != SerialPort::Hung::kForEver;
+  if (heeds) port_.hung_ = SerialPort::Hung::kNot;
+  EndWait({ERROR_OPERATION_ABORTED, 0});
+  return ERROR_SUCCESS;
 }
 
 DWORD PortHandle::TakeErrors(DWORD& errors, COMSTAT* status) {
@@ -271,11 +292,11 @@ void Port::FailNextRead(DWORD error, DWORD commErrors, bool atOnce) {
   readFailure_ = {error, commErrors, atOnce};
 }
 
-void Port::Hang(bool hangs) {
+void Port::Hang(Hung hung) {
   const MachineLock lock(state_.mutex);
-  hangs_ = hangs;
+  hung_ = hung;
   const std::shared_ptr<PortHandle> handle = handle_.lock();
-  if (!hangs && handle) handle->WakeWithoutEvent();
+  if (hung == Hung::kNot && handle) handle->WakeWithoutEvent();
 }
 
 DCB Port::Settings() const {

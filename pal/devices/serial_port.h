@@ -19,7 +19,7 @@
 namespace pal {
 
 // An open handle of a port. Device, queue and settings are the port's; masks and waits end with the handle.
-class PortHandle final : public Object {
+class PortHandle final : public Object, public std::enable_shared_from_this<PortHandle> {
  public:
   PortHandle(Port& port, std::unique_ptr<TtyLine> tty) : port_(port), tty_(std::move(tty)) {}
 
@@ -33,6 +33,7 @@ class PortHandle final : public Object {
   // The comm functions of a handle without refusal; they return 0 or the error.
   DWORD SetMask(DWORD events);
   DWORD WaitEvent(DWORD* events);  // returns when the wait is over
+  DWORD Cancel();
   DWORD TakeErrors(DWORD& errors, COMSTAT* status);
   DWORD Purge(DWORD flags);
   DWORD SetSettings(const DCB& dcb);
@@ -55,6 +56,7 @@ class PortHandle final : public Object {
   };
 
   void EndWait(Outcome outcome);
+  DWORD CompleteSoon(OVERLAPPED& overlapped, DWORD error, DWORD transferred);
   void FetchFromTty();
 
   Port& port_;
@@ -77,7 +79,7 @@ class Port final : public SerialPort {
   void Return() override;
   [[nodiscard]] bool IsOpen() const override;
   void FailNextRead(DWORD error, DWORD commErrors, bool atOnce) override;
-  void Hang(bool hangs) override;
+  void Hang(Hung hung) override;
   [[nodiscard]] DCB Settings() const override;
   [[nodiscard]] COMMTIMEOUTS Timeouts() const override;
   void SetDriverDefaults(const DCB& dcb) override;
@@ -101,7 +103,7 @@ class Port final : public SerialPort {
   const int number_;
   std::filesystem::path ttyPath_;  // empty: in memory
   bool present_ = true;
-  bool hangs_ = false;
+  Hung hung_ = Hung::kNot;
   std::function<void(std::span<const uint8_t>)> device_;
   std::weak_ptr<PortHandle> handle_;
   std::deque<uint8_t> input_;

@@ -31,9 +31,10 @@ class SerialPort {
   // The next read fails with this error, in the call itself or in its completion, and raises these flags of
   // ClearCommError.
   virtual void FailNextRead(DWORD error, DWORD commErrors, bool atOnce = false) = 0;
-  // The driver hangs: no wait for events ends, whatever happens. When it no longer does, a wait ends with an
-  // empty mask.
-  virtual void Hang(bool hangs) = 0;
+  // The driver hangs: no wait for events ends, or none until it is cancelled. When it no longer does, a wait
+  // ends with an empty mask.
+  enum class Hung { kNot, kUntilCancelled, kForEver };
+  virtual void Hang(Hung hung) = 0;
   // The settings that the program made last, for tests.
   [[nodiscard]] virtual DCB Settings() const = 0;
   [[nodiscard]] virtual COMMTIMEOUTS Timeouts() const = 0;

@@ -277,6 +277,9 @@ using PTOKEN_PRIVILEGES = TOKEN_PRIVILEGES*;
 DWORD WINAPI GetCurrentDirectoryW(DWORD size, LPWSTR directory);
 BOOL WINAPI SetCurrentDirectoryW(LPCWSTR directory);
 
+// Ends all that waits on the handle, whichever thread began it.
+BOOL WINAPI CancelIoEx(HANDLE file, LPOVERLAPPED overlapped);
+
 HANDLE WINAPI GetCurrentProcess();
 HANDLE WINAPI OpenProcess(DWORD access, BOOL inherits, DWORD id);
 BOOL WINAPI OpenProcessToken(HANDLE process, DWORD access, PHANDLE token);

@@ -145,8 +145,8 @@ TEST_F(Serial, AMonitorThatEndsByItselfSaysSoAndStopsAtOnce) {
     machine.clock.After(5ms, [&] {
       if (what == kException) port.Deliver(std::vector<uint8_t>(1, 'x'));
       if (what != kEmptyMask) return;
-      port.Hang(true);
-      port.Hang(false);
+      port.Hang(pal::SerialPort::Hung::kForEver);
+      port.Hang(pal::SerialPort::Hung::kNot);
     });
     Run([&] {
       CSerialInput serial(2, u"");
@@ -174,14 +174,14 @@ TEST_F(Serial, AThreadThatDoesNotStopIsLeftToItself) {
       if (isBox)
         port.FailNextRead(1117, 0);
       else
-        port.Hang(true);
+        port.Hang(pal::SerialPort::Hung::kForEver);
       port.Deliver(std::vector<uint8_t>(1, 'x'));
     });
     machine.clock.After(20s, [&] {
       if (isBox)
         machine.boxes.Answer(IDOK);
       else
-        port.Hang(false);
+        port.Hang(pal::SerialPort::Hung::kNot);
     });
     Run([&] {
       CSerialInput serial(2, u"");
@@ -203,6 +203,24 @@ TEST_F(Serial, AThreadThatDoesNotStopIsLeftToItself) {
     EXPECT_EQ(collector.linesLost, 0);
     ExpectNothingLeft();
   }
+}
+
+TEST_F(Serial, ADriverThatHeedsNoMaskIsCancelled) {
+  Collector collector;
+  pal::Time took{};
+  machine.clock.After(5ms, [&] { port.Hang(pal::SerialPort::Hung::kUntilCancelled); });
+  Run([&] {
+    CSerialInput serial(2, u"");
+    serial.StartMon(CreateCollectorWindow(collector), nullptr);
+    Sleep(10);
+    const pal::Time before = machine.clock.Now();
+    serial.StopMon();
+    took = machine.clock.Now() - before;
+    EXPECT_TRUE(serial.IsOpen());
+  });
+  EXPECT_GE(took, 1s);
+  EXPECT_LE(took, 2s);
+  ExpectNothingLeft();
 }
 
 TEST_F(Serial, AMegabyteArrivesByteForByteThroughAQueueOfTenThousand) {

@@ -188,6 +188,7 @@ TEST_F(ProfileTest, TheMacroEditorGetsAndGivesTheMacro) {
   composed("caf\xE9{Enter}", WideText(1500, u'x'));
   EXPECT_EQ(simulator::TheMacroEditor().shown, "Sarvik5|" + std::string(1023, 'x') + file);
   EXPECT_EQ(composed("{Entr}", u"old"), std::nullopt);
+  EXPECT_EQ(composed("x", u"old"), u"x");
   EXPECT_EQ(composed("a\r\n[Button2]\r\nBtCmd=3", u"old"), std::nullopt);  // it would be lines of the profile
   desk_.Remove(simulator::Library::kEnglishMacros);
   EXPECT_EQ(composed("new", u"old"), std::nullopt);

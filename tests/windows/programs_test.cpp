@@ -1,5 +1,7 @@
 // The programs among others of the desktop: two copies of the tool, the board under it, the macro plug-in,
 // toolprobe.
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 #include "tests/board/bus_text.h"
@@ -38,6 +40,30 @@ TEST_F(ProgramsTest, ThePortMayComeAndGoManyTimesAsAnotherDeviceEachTime) {
   }
   EXPECT_TRUE(world.WaitUntil([&] { return world.ToolThreadCount() == threads; }, kPatience))
       << world.ToolThreadCount() << " threads, began with " << threads;
+}
+
+// What a library of another maker needs comes from the tool's folder or from Windows', and from nowhere else.
+TEST_F(ProgramsTest, NothingIsLoadedThatAStrangerLeftSomewhere) {
+  namespace fs = std::filesystem;
+  constexpr auto kReplace = fs::copy_options::overwrite_existing;
+  const fs::path devices = std::getenv("VELTRA_DEVICES");
+  const fs::path built = devices.parent_path() / "planted";
+  const fs::path drive = fs::path(ProgramPath("")) / "..";
+  const fs::path places[] = {drive / "stranger", drive / "windows", drive / "windows/system",
+                             ProgramPath("")};  // the last one is safe
+  for (const fs::path& place : places) fs::create_directories(place);
+  fs::copy_file(built / "needs_planted.dll", ProgramPath("vJoyInterface.dll"), kReplace);
+  Play("set StartupDelay 0\n");
+  for (const fs::path& place : places) {
+    fs::copy_file(built / "planted.dll", place / "planted.dll", kReplace);
+    WineProcess tool("cmd", {"/c", "cd C:\\stranger&set PATH=C:\\stranger&C:\\veltra\\veltratool.exe -s"});
+    EXPECT_TRUE(world.WaitUntil([&] { return world.HasMainWindow(); }, kPatience));
+    world.Post(kCloseMessage, 0, 0);
+    tool.ExitCode();
+    EXPECT_EQ(fs::remove(drive / "planted.txt"), place == places[3]) << place;
+    fs::remove(place / "planted.dll");
+  }
+  fs::copy_file(devices / "vJoyInterface.dll", ProgramPath("vJoyInterface.dll"), kReplace);
 }
 
 class BoardTest : public StoryTest {
