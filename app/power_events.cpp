@@ -7,6 +7,7 @@
 #include "app/startup.h"
 #include "board/codec.h"
 #include "board/expander.h"
+#include "board/i2c.h"
 #include "power/battery_alarms.h"
 #include "switches/switch_events.h"
 #include "system/numbers.h"
@@ -15,9 +16,11 @@ namespace veltra {
 namespace {
 
 void PowerDownBoard() {
+  HurryWrites();
   if (Power().DisableUSBBack) SetPortA(kExpanderUsbBackOff);
   if (Power().DisableUSBBottom) SetPortB(kExpanderUsbBottomOff);
   CodecPowerDown();
+  TakeTimeToWrite();
 }
 
 void OnSuspend() {

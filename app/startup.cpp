@@ -8,6 +8,7 @@
 #include "app/device_operations.h"
 #include "board/codec.h"
 #include "board/expander.h"
+#include "board/i2c.h"
 #include "link/pic_comm.h"
 #include "link/send_queue.h"
 #include "power/battery_alarms.h"
@@ -108,6 +109,7 @@ void RunStartupSequence(bool resume) {
 void RunShutdownSequence() {
   ForgetHeldSwitches();
   UnloadMacroLibrary();
+  HurryWrites();
   CodecPowerDown();
   const auto board = std::move(Board().library);
   const auto com = std::move(System().com);

@@ -1,7 +1,10 @@
 // The board: its library, the image of its expander, and the sound: the room's record.
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
+#include <optional>
 
 #include "base/record.h"
 #include "board/board_library.h"
@@ -28,6 +31,7 @@ struct BoardState {
   std::shared_ptr<const BoardLibrary> library;  // null without one; who is at work in it holds it too
   uint8_t ExpanderPortA = 0;                    // what the outputs of the I/O expander should be
   uint8_t ExpanderPortB = 0;
+  std::optional<DWORD> retriesUntil;  // by GetTickCount; see HurryWrites
 };
 
 inline BoardState& Board() {

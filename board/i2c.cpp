@@ -28,6 +28,11 @@ DWORD PauseBefore(int attempt) {
   return attempt == 2 ? 50 : attempt == 3 ? 200 : 500;
 }
 
+bool IsInTime() {
+  const std::optional<DWORD> until = Board().retriesUntil;
+  return !until || static_cast<int32_t>(GetTickCount() - *until) < 0;
+}
+
 void ReportFailure(uint8_t address, int32_t reg, size_t count, int32_t result) {
   Log().WriteError(
       TEXT("Err I2C write"),
@@ -45,13 +50,22 @@ bool I2cWrite(uint8_t address, Bytes data, int32_t reg, int retries) {
   bytes.insert(bytes.end(), data.begin(), data.end());
 
   int32_t result = 0;
-  for (int attempt = 1; attempt <= retries + 1; ++attempt) {
+  for (int attempt = 1; attempt == 1 || (attempt <= retries + 1 && IsInTime()); ++attempt) {
     if (attempt > 1) Sleep(PauseBefore(attempt));
     result = Transfer(address, bytes);
     if (result == 0) return true;
   }
   ReportFailure(address, reg, data.size(), result);
   return false;
+}
+
+void HurryWrites() {
+  constexpr DWORD kRetryMs = 1000;
+  Board().retriesUntil = GetTickCount() + kRetryMs;
+}
+
+void TakeTimeToWrite() {
+  Board().retriesUntil.reset();
 }
 
 }  // namespace veltra

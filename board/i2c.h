@@ -21,4 +21,9 @@ constexpr int32_t kNoRegister = -1;
 // gate bit of the expander is clear, those to any other device than the expander.
 bool I2cWrite(uint8_t address, Bytes data, int32_t reg, int retries);
 
+// From now on all writes together are tried again for 1 s, and then each once: Windows gives a program 2 s
+// before the tablet sleeps, and the codec's supply is off by then.
+void HurryWrites();
+void TakeTimeToWrite();
+
 }  // namespace veltra
