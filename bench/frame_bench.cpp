@@ -57,7 +57,7 @@ void Receiver(benchmark::State& state) {
     allocated += allocations - before;
   }
   benchmark::DoNotOptimize(messages);
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * Line().size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(Line().size()));
   state.counters["allocations"] = static_cast<double>(allocated);
 }
 
@@ -87,7 +87,7 @@ void PlainLoop(benchmark::State& state) {
     }
     benchmark::DoNotOptimize(messages);
   }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * Line().size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(Line().size()));
 }
 
 BENCHMARK(Receiver)->Repetitions(9)->ReportAggregatesOnly();

@@ -10,7 +10,7 @@
 namespace veltra {
 namespace {
 
-constexpr size_t kPieceSize = 64 * 1024;
+constexpr size_t kPieceSize = size_t{64} << 10;
 
 bool ReadPiece(const UniqueFile& file, std::vector<char>& piece, uint64_t left) {
   piece.resize(static_cast<size_t>(std::min<uint64_t>(left, kPieceSize)));

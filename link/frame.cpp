@@ -5,7 +5,7 @@
 namespace veltra {
 namespace {
 
-constexpr size_t kLongestFrame = 1024 * 1024;  // bytes, unescaped, the checksum included
+constexpr size_t kLongestFrame = size_t{1} << 20;  // bytes, unescaped, the checksum included
 
 uint8_t AddBytes(uint8_t a, uint8_t b) {
   return static_cast<uint8_t>(a + b);

@@ -133,7 +133,8 @@ constexpr WorldCommand kCommands[] = {
      "the board's library; also start-, stop-, info-error, codec-errors, serves-messages NUMBER", RunBoard},
     {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", RunMacroPlugin},
     {"screen", "lock|unlock", "Windows' own desktop has the screen, or no more", RunScreen},
-    {"shell", "stop|start|restart|announce", "the taskbar goes, comes, comes again, or only says so", RunShell},
+    {"shell", "stop|start|restart|announce", "the taskbar goes, comes, comes again, or only says so",
+     RunShell},
 };
 
 }  // namespace

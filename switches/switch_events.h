@@ -36,8 +36,8 @@ constexpr bool IsSideButton(SwitchButton button) {
 void ForgetHeldSwitches();
 
 // The long-press timer of a side button fired; `timer` is its id.
-// A locked screen takes no input, and so no release: what was held when it was locked, and all that is held when
-// it is unlocked, is released then.
+// A locked screen takes no input, and so no release: what was held when it was locked, and all that is held
+// when it is unlocked, is released then.
 void NoteLockedScreen();
 void ReleaseAfterLock();
 

@@ -40,8 +40,10 @@ UCHAR JoystickButton(int32_t value) {
 
 void Output(SwitchIndex index, int32_t value, bool pressed) {
   if (value == kSwitchNormal) return NotifySwitch(index, pressed);
-  if (value == kSwitchLeftClick) return InjectMouse(pressed ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP, pressed);
-  if (value == kSwitchRightClick) return InjectMouse(pressed ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_RIGHTUP, pressed);
+  if (value == kSwitchLeftClick)
+    return InjectMouse(pressed ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP, pressed);
+  if (value == kSwitchRightClick)
+    return InjectMouse(pressed ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_RIGHTUP, pressed);
   if (IsJoystickButton(value)) return SetJoystickButton(pressed, JoystickButton(value));
   InjectKey(value, pressed);
 }

@@ -9,9 +9,9 @@
 namespace veltra {
 namespace {
 
-constexpr LONGLONG kLargestLog = 150 * 1024;  // bytes; a longer file becomes the previous generation
+constexpr LONGLONG kLargestLog = 150 << 10;  // bytes; a longer file becomes the previous generation
 constexpr size_t kTagWidth = 19;
-constexpr size_t kLongestMessage = 64 * 1024;  // characters; the rest is left out
+constexpr size_t kLongestMessage = 64 << 10;  // characters; the rest is left out
 
 UniqueFile OpenShared(const WideText& path, DWORD disposition) {
   return UniqueFile(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,

@@ -29,7 +29,7 @@ WideText GetDataFolder() {
   const HRESULT result = SHGetFolderPathW(nullptr, CSIDL_COMMON_DOCUMENTS | CSIDL_FLAG_CREATE, nullptr,
                                           SHGFP_TYPE_CURRENT, documents);
   const WideText parent = SUCCEEDED(result) ? WithBackslash(documents) : ModuleDirectory();
-  const WideText folder = WithBackslash(parent + GetDeviceModelName());
+  WideText folder = WithBackslash(parent + GetDeviceModelName());
   CreateDirectoryW(folder.c_str(), nullptr);
   return folder;
 }

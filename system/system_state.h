@@ -28,7 +28,7 @@ struct SystemState {
   HWND hMainWnd = nullptr;
   std::shared_ptr<ComLibrary> com;  // who is at work with an object of it holds it too
   TrayState tray;
-  std::set<BoxKind> standingBoxes;  // message boxes that wait for the person
+  std::set<BoxKind> standingBoxes;       // message boxes that wait for the person
   const WCHAR* inputObstacle = nullptr;  // why Windows kept the latest injected input, and that was logged
   bool Suspended = false;                // from the suspend notification until the resume has been handled
   DWORD suspendedAt = 0;                 // by GetTickCount

@@ -8,8 +8,8 @@
 
 namespace veltra {
 
-// When the tool runs with higher rights than other programs, these messages of theirs reach the window all the
-// same. Windows 7 and later.
+// When the tool runs with higher rights than other programs, these messages of theirs reach the window all
+// the same. Windows 7 and later.
 void AdmitFromLowerRights(HWND window, std::span<const UINT> messages);
 
 // WM_POWERBROADCAST on tablets with modern standby, which announce suspend and resume to nobody else; others

@@ -3,10 +3,11 @@
 #pragma once
 
 #include "windef.h"
-#include "winerror.h"
+
 #include "winbase.h"
+#include "winerror.h"
 #include "wingdi.h"
-#include "winuser.h"
 #include "winnls.h"
-#include "winver.h"
 #include "winreg.h"
+#include "winuser.h"
+#include "winver.h"

@@ -32,8 +32,7 @@ const std::vector<SystemLibrary>& SystemLibraries() {
   static const std::vector<SystemLibrary> libraries = {
       {u"kernel32.dll",
        0x7FF800000000,
-       {MakeExport("CancelIoEx", CancelIoEx),
-        MakeExport("IsWow64Process", IsWow64Process),
+       {MakeExport("CancelIoEx", CancelIoEx), MakeExport("IsWow64Process", IsWow64Process),
         MakeExport("SetDefaultDllDirectories", SetDefaultDllDirectories),
         MakeExport("SetThreadUILanguage", SetThreadUILanguage),
         MakeExport("Wow64EnableWow64FsRedirection", Wow64EnableWow64FsRedirection)}},

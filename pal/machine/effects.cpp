@@ -324,8 +324,12 @@ Description Of(const LanguageSet& e) {
   return {"language", "language " + Hex(e.language, 4), {{"language", e.language}, {"locale", e.isLocale}}};
 }
 Description Of(const ModuleLoaded& e) {
-  return {"module loaded", "library " + FileName(e.path) + " loaded", {{"path", e.path}, {"flags", e.flags}, {"error mode", e.search.errorMode},
-                                                             {"places", e.search.places}}};
+  return {"module loaded",
+          "library " + FileName(e.path) + " loaded",
+          {{"path", e.path},
+           {"flags", e.flags},
+           {"error mode", e.search.errorMode},
+           {"places", e.search.places}}};
 }
 Description Of(const ModuleFreed& e) {
   return {"module freed", "library " + FileName(e.path) + " freed", {{"path", e.path}}};
@@ -383,7 +387,8 @@ Description Of(const PlaybackMute& e) {
   return {"playback mute", e.isMuted ? "playback muted" : "playback not muted", {{"muted", e.isMuted}}};
 }
 Description Of(const ForegroundSet& e) {
-  return {"foreground", "foreground " + (e.className.empty() ? "to anybody" : OneLine(e.className)),
+  return {"foreground",
+          "foreground " + (e.className.empty() ? "to anybody" : OneLine(e.className)),
           {{"window_class", e.className}}};
 }
 Description Of(const ProgramExecuted& e) {

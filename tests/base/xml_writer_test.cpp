@@ -37,7 +37,7 @@ TEST(XmlWriter, ValuesHoldOnlyWhatADocumentCan) {
       {{u'a', 0xD83D, u'b'}, u"a\uFFFDb"},
       {{u'a', 0xD83D}, u"a\uFFFD"},
       {{0xDE00, 0xD83D}, u"\uFFFD\uFFFD"},
-      {{0xD83D, 0xD83D, 0xDE00}, u"\uFFFD\U0001F600"},
+      {{0xD83D, 0xD800, 0xDC00}, u"\uFFFD\U00010000"},
       {{0xFFFE, 0xFFFF, 0xFFFD}, u"\uFFFD\uFFFD\uFFFD"},
   };
   for (const auto& c : kCases)

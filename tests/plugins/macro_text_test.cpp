@@ -54,6 +54,13 @@ TEST(MacroText, WhatIsWrittenIsWhatIsDone) {
       {"{a}{9 99}", "keys 41; keys 39 x99"},
       {"{Esc}{del}{PgUp}{PgDn}{Ins}{CapsLock}", "keys 1B; keys 2E; keys 21; keys 22; keys 2D; keys 14"},
       {"{Pauze 20}", "pause 20"},
+      {"{Tab}{Backspace}{Up}{Down}{Home}{End}{Menu}{PrintScreen}{Plus}{Minus}{Comma}{Period}{F1}{F12}",
+       "keys 09; keys 08; keys 26; keys 28; keys 24; keys 23; keys 5D; keys 2C; keys BB; keys BD; keys BC; "
+       "keys BE; "
+       "keys 70; keys 7B"},
+      {"{VolumeUp}{VolumeDown}{VolumeMute}{PlayPause}{NextTrack}{PreviousTrack}{BrowserBack}{BrowserForward}"
+       "{BrowserRefresh}{BrowserHome}",
+       "keys AF; keys AE; keys AD; keys B3; keys B0; keys B1; keys A6; keys A7; keys A8; keys AC"},
   };
   for (const Row& row : kRows) {
     const ParsedMacro macro = ParseMacro(veltra::Widen(row.text));

@@ -1,4 +1,5 @@
-// Plays the scenarios of a directory on the simulated tablet: scenario_test [GoogleTest's options] [DIRECTORY]
+// Plays the scenarios of a directory on the simulated tablet: scenario_test [GoogleTest's options]
+// [DIRECTORY]
 #include <gtest/gtest.h>
 
 #include <cstdio>
