@@ -19,6 +19,10 @@ install_packages() {
   apt-get install -y -qq --no-install-recommends "$@" >/dev/null 2>&1
 }
 
+# A font with the widths of that of Windows' dialogs.
+dialog_font=/usr/share/wine/fonts/tahoma.ttf
+need_dialog_font() { [ -e $dialog_font ] || { install_packages fonts-wine && [ -e $dialog_font ]; }; }
+
 need_native_tools() { need g++ g++ && need cmake cmake && need ninja ninja-build && need_resource_compiler; }
 
 # The one of mingw-w64, a small package, or LLVM's where that is at hand.

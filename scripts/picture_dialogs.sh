@@ -3,7 +3,9 @@
 # They come into build/pictures as DIALOG_LANGUAGE_PERCENT.png; PERCENT is the scaling of Windows, 100 by default.
 set -eu
 cd "$(dirname "$0")/.."
+. scripts/packages.sh
 . scripts/wine_desktop.sh
+need_dialog_font || echo "fonts-wine is missing: the pictures show another font than Windows"
 export VELTRA_SCREEN=1680x1050  # room for 200 %
 pictures=build/pictures
 
@@ -20,7 +22,7 @@ set Sw1Start 3000
 set Sw2CmdVal 32
 action fn1-short 3 "C:\\Program Files\\Talk\\talk.exe"
 action fn1-long 4 1
-action fn2-short 9 120
+action fn2-short 9 A120
 action fn2-long 10 -1
 start -s
 expect tool -> GetBatteryDesignVoltage

@@ -82,13 +82,19 @@ make_prefix() {
   } >"$scratch/wineboot.log" 2>&1 || { cat "$scratch/wineboot.log" >&2; return 1; }
 }
 
+# Those of Windows' look: text has its widths, the close box its cross. Debian's Wine does not look for them by itself.
+install_fonts() {
+  cp -n /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null
+  return 0
+}
+
 install_devices() {
   [ -n "${VELTRA_DEVICES:-}" ] || return 0
   mkdir -p "$WINEPREFIX/drive_c/devices" && cp "$VELTRA_DEVICES/audio.dll" "$WINEPREFIX/drive_c/devices/"
 }
 
 [ $# -gt 0 ] || { echo "usage: session.sh COMMAND [ARGUMENT...]" >&2; exit 2; }
-start_display && make_prefix && install_devices && start_wine || { echo "session.sh: no Windows to be had" >&2; exit 125; }
+start_display && make_prefix && install_fonts && install_devices && start_wine || { echo "session.sh: no Windows to be had" >&2; exit 125; }
 "$@" <&0 &
 command=$!
 wait "$command"
