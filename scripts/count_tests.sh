@@ -37,10 +37,6 @@ run_check() {
   fi
 }
 
-need_library() {
-  echo "#include <$1>" | g++ -std=c++20 -fsyntax-only -x c++ - 2>/dev/null || install_packages "$2"
-}
-
 # build PRESET [TARGET...]: configures and builds; a failure counts as one failed test.
 build() {
   local preset=$1 log

@@ -23,6 +23,16 @@ install_packages() {
 dialog_font=/usr/share/wine/fonts/tahoma.ttf
 need_dialog_font() { [ -e $dialog_font ] || { install_packages fonts-wine && [ -e $dialog_font ]; }; }
 
+# need_library HEADER PACKAGE: the same for a header.
+need_library() {
+  echo "#include <$1>" | g++ -std=c++20 -fsyntax-only -x c++ - 2>/dev/null || install_packages "$2"
+}
+
+# For the prompt of the simulated tablet, which does without.
+need_line_editor() {
+  need_library histedit.h libedit-dev || echo "libedit is missing: the prompt has no cursor keys, history or completion"
+}
+
 need_native_tools() { need g++ g++ && need cmake cmake && need ninja ninja-build && need_resource_compiler; }
 
 # The one of mingw-w64, a small package, or LLVM's where that is at hand.

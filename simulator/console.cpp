@@ -18,8 +18,7 @@ Console::~Console() {
 
 // "only windows COMMAND"
 Problem Console::RunOnly(std::string_view line, Words words) {
-  constexpr std::string_view kWorlds[] = {"tablet", "windows"};
-  if (words.size() < 3 || std::ranges::find(kWorlds, words[1]) == std::end(kWorlds))
+  if (words.size() < 3 || std::ranges::find(kWorldNames, words[1]) == std::end(kWorldNames))
     return ExpectedArguments("tablet|windows COMMAND");
   if (words[1] != world_.Name()) return {};
   return RunLine(line.substr(line.find(words[1]) + words[1].size()));
@@ -34,7 +33,8 @@ Problem Console::RunLine(std::string_view line) {
   const ControllerCommand* ofController = FindControllerCommand(words[0]);
   const std::span<const WorldCommand> table = world_.Commands();
   const auto ofWorld = std::ranges::find(table, words[0], &WorldCommand::name);
-  if (!command && !ofController && ofWorld == table.end()) return "unknown command, \"help\" lists them";
+  if (!command && !ofController && ofWorld == table.end()) return std::string(kUnknownCommand);
+  if (command && command->arguments.empty() && words.size() > 1) return ExpectedArguments("nothing more");
   const bool acts = !command || command->acts;
   if (acts) {
     lastActionAt_ = world_.Now();
@@ -44,6 +44,8 @@ Problem Console::RunLine(std::string_view line) {
                           : ofController ? ofController->run(world_.Pic(), words)
                                          : ofWorld->run(world_, words);
   if (acts) world_.Settle();  // what the tool does at once belongs to the command
+  if (const std::string_view why = WhySilent(world_.Pic(), words); !problem && !why.empty())
+    out_ << "  " << why << "\n";
   return problem;
 }
 

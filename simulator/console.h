@@ -74,6 +74,18 @@ struct ConsoleCommand {
 // The row of that name among the console's own commands, null when there is none.
 const ConsoleCommand* FindConsoleCommand(std::string_view name);
 
+inline constexpr std::string_view kWorldNames[] = {"tablet", "windows"};
+inline constexpr std::string_view kUnknownCommand = "unknown command, \"help\" lists them";
+
+// What the first word behind the command may be, where it is one of many names: settings, functions, buttons.
+// Empty for other commands.
+std::vector<std::string_view> NamesFor(Console& console, std::string_view command);
+// A problem when the command has such names and this is none of them.
+Problem CheckName(Console& console, std::string_view command, std::string_view name);
+// What the last word of the line may become; the word may have begun or not.
+std::vector<std::string_view> Completions(Console& console, std::string_view line);
+std::span<const std::string_view> CheckNames();
+
 // Firmware updates.
 Problem RunFirmwareFile(Console& console, Words words);
 Problem RunUpdate(Console& console, Words words);

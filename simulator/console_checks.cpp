@@ -9,6 +9,7 @@ namespace {
 Problem CheckRegistry(Console& console, Words arguments, bool wanted) {
   const std::optional<int64_t> value = arguments.size() == 2 ? ParseNumber(arguments[1]) : std::nullopt;
   if (!value) return ExpectedArguments("registry NAME NUMBER");
+  if (Problem unknown = CheckName(console, "registry", arguments[0])) return unknown;
   std::optional<int32_t> stored;
   for (const Setting& setting : console.TheWorld().Settings())
     if (setting.name == arguments[0]) stored = setting.number;
@@ -48,21 +49,19 @@ Problem CheckExit(Console& console, Words arguments, bool wanted) {
 }
 
 // The tool kept to the rules of the line: whole frames, one request at a time.
-Problem CheckLine(Console& console, Words, bool wanted) {
+Problem CheckLine(Console& console, Words arguments, bool wanted) {
+  if (!arguments.empty()) return ExpectedArguments("line");
   const std::vector<std::string>& violations = console.TheWorld().Pic().Violations();
   if (violations.empty() == wanted) return {};
   return violations.empty() ? "the tool kept to the rules" : violations.front();
 }
 
-struct CheckRow {
-  std::string_view name;
-  Problem (*run)(Console& console, Words arguments, bool wanted);
-};
-constexpr CheckRow kChecks[] = {
-    {"registry", CheckRegistry}, {"log", CheckLog},       {"file", CheckFile},
-    {"box", CheckBox},           {"dialog", CheckDialog}, {"control", CheckControl},
-    {"exit", CheckExit},         {"line", CheckLine},     {"flash", CheckFlash},
-};
+using Check = Problem (*)(Console& console, Words arguments, bool wanted);
+constexpr std::string_view kCheckNames[] = {"registry", "log",  "file", "box",  "dialog",
+                                            "control",  "exit", "line", "flash"};
+constexpr Check kChecks[] = {CheckRegistry, CheckLog,  CheckFile, CheckBox,  CheckDialog,
+                             CheckControl,  CheckExit, CheckLine, CheckFlash};
+static_assert(std::size(kChecks) == std::size(kCheckNames));
 
 // Where time is real, so many things happen on their own that only the order counts.
 // Quotes do not count.
@@ -128,15 +127,19 @@ Problem Eventually(Console& console, const std::function<Problem()>& attempt) {
   return problem;
 }
 
+std::span<const std::string_view> CheckNames() {
+  return kCheckNames;
+}
+
 Problem RunCheck(Console& console, Words words) {
   Words rest = words.subspan(1);
   const bool wanted = rest.empty() || rest[0] != "no";
   if (!wanted) rest = rest.subspan(1);
-  const auto* row = rest.empty() ? std::end(kChecks)
-                                 : std::ranges::find(kChecks, std::string_view(rest[0]), &CheckRow::name);
-  if (row == std::end(kChecks))
+  const auto* name = std::ranges::find(kCheckNames, rest.empty() ? std::string_view() : rest[0]);
+  if (name == std::end(kCheckNames))
     return ExpectedArguments("[no] registry|log|file|box|dialog|control|exit|line|flash ...");
-  return Eventually(console, [&] { return row->run(console, rest.subspan(1), wanted); });
+  const Check check = kChecks[name - kCheckNames];
+  return Eventually(console, [&] { return check(console, rest.subspan(1), wanted); });
 }
 
 }  // namespace simulator

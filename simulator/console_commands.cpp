@@ -4,6 +4,7 @@
 
 #include "simulator/console.h"
 #include "simulator/controller_commands.h"
+#include "simulator/names.h"
 
 namespace simulator {
 namespace {
@@ -17,6 +18,8 @@ std::string_view Argument(Words words, size_t index) {
 
 Problem RunWorlds(Console& console, Words words) {
   if (words.size() < 2) return ExpectedArguments("NAME...");
+  for (const std::string& name : words.subspan(1))
+    if (Problem unknown = CheckName(console, "worlds", name)) return unknown;
   if (std::ranges::find(words.subspan(1), console.TheWorld().Name()) == words.end()) console.End();
   return {};
 }
@@ -130,6 +133,7 @@ Problem SetRegistry(Console& console, Root root, Words words) {
   const std::optional<int64_t> value = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
   const bool isText = words.size() == 4 && words[2] == "text";
   if (!value && !isText) return ExpectedArguments("NAME NUMBER|text TEXT");
+  if (Problem unknown = CheckName(console, words[0], words[1])) return unknown;
   if (value)
     console.TheWorld().SetNumber(root, words[1], *value);
   else
@@ -146,6 +150,8 @@ Problem RunMachine(Console& console, Words words) {
 
 Problem RunRegistry(Console& console, Words words) {
   if (words.size() > 2) return ExpectedArguments("[NAME]");
+  if (Problem unknown = words.size() == 2 ? CheckName(console, words[0], words[1]) : Problem())
+    return unknown;
   for (const Setting& setting : console.TheWorld().Settings())
     if (words.size() == 1 || setting.name == words[1])
       console.Out() << "           " << setting.name << " = "
@@ -297,19 +303,25 @@ Problem RunTimeline(Console& console, Words words) {
   return {};
 }
 
-Problem RunSay(Console& console, Words words) {
+// In lines that a terminal holds.
+void PrintPieces(std::ostream& out, const std::vector<std::string_view>& pieces) {
   constexpr size_t kWidth = 100;
-  std::vector<std::string> pieces;
-  SplitWords(JoinWords(words.subspan(1)), pieces);
   size_t column = 0;
-  console.Out() << "\n";
-  for (const std::string& piece : pieces) {
+  for (const std::string_view piece : pieces) {
     const bool fits = column > 0 && column + 1 + piece.size() <= kWidth;
-    if (column > 0) console.Out() << (fits ? " " : "\n");
-    console.Out() << piece;
+    if (column > 0) out << (fits ? " " : "\n");
+    out << piece;
     column = (fits ? column + 1 : 0) + piece.size();
   }
-  console.Out() << "\n\n";
+  out << "\n";
+}
+
+Problem RunSay(Console& console, Words words) {
+  std::vector<std::string> pieces;
+  SplitWords(JoinWords(words.subspan(1)), pieces);
+  console.Out() << "\n";
+  PrintPieces(console.Out(), {pieces.begin(), pieces.end()});
+  console.Out() << "\n";
   return {};
 }
 
@@ -362,34 +374,113 @@ constexpr ConsoleCommand kCommands[] = {
     {"bytes", "on|off", "show the bytes of every frame", false, RunBytes},
     {"timeline", "all|brief", "show every effect, or what a person would notice", false, RunTimeline},
     {"say", "TEXT", "print TEXT", false, RunSay},
-    {"help", "", "this list", false, RunHelp},
+    {"help", "[COMMAND]", "this list, or that command", false, RunHelp},
     {"exit", "", "leave", false, RunExit},
 };
 
-void PrintRow(std::ostream& out, std::string_view name, std::string_view arguments, std::string_view help) {
-  std::string usage = std::string(name) + " " + std::string(arguments);
+struct HelpRow {
+  std::string_view name;
+  std::string_view arguments;
+  std::string_view help;
+};
+
+void PrintRow(std::ostream& out, const HelpRow& row) {
+  std::string usage = std::string(row.name) + " " + std::string(row.arguments);
   constexpr size_t kColumn = 42;
   usage.resize(std::max(kColumn, usage.size() + 1), ' ');
-  out << "  " << usage << help << "\n";
+  out << "  " << usage << row.help << "\n";
 }
 
-Problem RunHelp(Console& console, Words) {
-  console.Out() << "The controller:\n";
-  for (const ControllerCommand& row : ControllerCommands())
-    PrintRow(console.Out(), row.name, row.arguments, row.help);
-  console.Out() << "The tool and what is around it:\n";
-  for (const ConsoleCommand& row : kCommands) PrintRow(console.Out(), row.name, row.arguments, row.help);
-  console.Out() << "The person at dialogs and tray icons:\n";
-  for (const ConsoleCommand& row : DialogCommands())
-    PrintRow(console.Out(), row.name, row.arguments, row.help);
-  console.Out() << "This world alone:\n";
-  for (const WorldCommand& row : console.TheWorld().Commands())
-    PrintRow(console.Out(), row.name, row.arguments, row.help);
-  PrintRow(console.Out(), "only", "WORLD COMMAND", "the command in that world, nothing elsewhere");
+// "PERCENT|present on|off": the words in small letters are typed as they stand.
+void AddPlainWords(std::string_view arguments, std::vector<std::string_view>& words) {
+  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz-";
+  constexpr std::string_view kBetween = " |[].";
+  while (!arguments.empty()) {
+    const std::string_view word = arguments.substr(0, arguments.find_first_of(kBetween));
+    if (!word.empty() && word.find_first_not_of(kLetters) == word.npos) words.push_back(word);
+    arguments.remove_prefix(std::min(word.size() + 1, arguments.size()));
+  }
+}
+
+struct HelpGroup {
+  std::string_view title;
+  std::vector<HelpRow> rows;
+};
+
+template <class Row>
+std::vector<HelpRow> HelpOf(std::span<const Row> table) {
+  std::vector<HelpRow> rows;
+  for (const Row& row : table) rows.push_back({row.name, row.arguments, row.help});
+  return rows;
+}
+
+std::vector<HelpGroup> AllHelp(Console& console) {
+  std::vector<HelpGroup> groups = {
+      {"The controller", HelpOf(ControllerCommands())},
+      {"The tool and what is around it", HelpOf(std::span<const ConsoleCommand>(kCommands))},
+      {"The person at dialogs and tray icons", HelpOf(DialogCommands())},
+      {"This world alone", HelpOf(console.TheWorld().Commands())}};
+  groups.back().rows.push_back({"only", "WORLD COMMAND", "the command in that world, nothing elsewhere"});
+  return groups;
+}
+
+Problem RunHelp(Console& console, Words words) {
+  if (words.size() > 2) return ExpectedArguments("[COMMAND]");
+  const std::string_view wanted = Argument(words, 1);
+  if (Problem unknown = wanted.empty() ? Problem() : CheckName(console, "help", wanted)) return unknown;
+  for (const HelpGroup& group : AllHelp(console)) {
+    if (wanted.empty()) console.Out() << group.title << ":\n";
+    for (const HelpRow& row : group.rows)
+      if (wanted.empty() || row.name == wanted) PrintRow(console.Out(), row);
+  }
+  const std::vector<std::string_view> names = NamesFor(console, wanted);
+  if (!names.empty() && wanted != "help") PrintPieces(console.Out(), names);
   return {};
 }
 
 }  // namespace
+
+std::vector<std::string_view> NamesFor(Console& console, std::string_view command) {
+  struct Row {
+    std::string_view command;
+    std::span<const std::string_view> names;
+  };
+  const Row kRows[] = {{"set", kUserSettings}, {"registry", kUserSettings}, {"machine", kMachineSettings},
+                       {"fail", kFunctions},   {"worlds", kWorldNames},     {"only", kWorldNames},
+                       {"check", CheckNames()}};
+  for (const Row& row : kRows)
+    if (row.command == command) return {row.names.begin(), row.names.end()};
+  std::vector<std::string_view> names;
+  if (command == "tap")
+    for (const ButtonName& button : kButtonNames) names.push_back(button.command);
+  if (command == "fault")
+    for (const FaultName& fault : kFaultNames) names.push_back(fault.command);
+  if (command == "help")
+    for (const HelpGroup& group : AllHelp(console))
+      for (const HelpRow& row : group.rows) names.push_back(row.name);
+  return names;
+}
+
+Problem CheckName(Console& console, std::string_view command, std::string_view name) {
+  const std::vector<std::string_view> names = NamesFor(console, command);
+  if (names.empty() || std::ranges::find(names, name) != names.end()) return {};
+  if (command == "help") return "no such command: " + std::string(name);
+  return "no such name: " + std::string(name) + ", \"help " + std::string(command) + "\" lists them";
+}
+
+std::vector<std::string_view> Completions(Console& console, std::string_view line) {
+  const size_t blank = line.find_last_of(" \t");
+  const std::string_view begun = blank == line.npos ? line : line.substr(blank + 1);
+  std::vector<std::string> words;
+  SplitWords(line.substr(0, line.size() - begun.size()), words);
+  std::vector<std::string_view> names = NamesFor(console, words.empty() ? "help" : words[0]);
+  if (words.size() > 1) names.clear();
+  for (const HelpGroup& group : AllHelp(console))
+    for (const HelpRow& row : group.rows)
+      if (!words.empty() && row.name == words[0]) AddPlainWords(row.arguments, names);
+  std::erase_if(names, [&](std::string_view name) { return !name.starts_with(begun); });
+  return names;
+}
 
 const ConsoleCommand* FindConsoleCommand(std::string_view name) {
   for (const std::span<const ConsoleCommand> table :

@@ -70,7 +70,8 @@ Problem RunUpdate(Console& console, Words words) {
   return console.TheWorld().SendData("", kFirmwareUpdate, payload) ? Problem() : "the tool does not answer";
 }
 
-Problem CheckFlash(Console& console, Words, bool wanted) {
+Problem CheckFlash(Console& console, Words arguments, bool wanted) {
+  if (!arguments.empty()) return ExpectedArguments("flash");
   const UpdateRecord& update = console.LastUpdate();
   const auto file = console.TheWorld().ReadFile(update.file);
   if (update.flash.empty() || !file) return "there was no update";

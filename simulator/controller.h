@@ -134,6 +134,7 @@ class Controller {
 
   Bootloader bootloader;
   [[nodiscard]] bool IsInBootloader() const { return inBootloader_; }
+  [[nodiscard]] bool HasPower() const { return powered_; }
 
   Identity identity;
   Battery battery{

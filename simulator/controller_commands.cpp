@@ -188,6 +188,17 @@ const ControllerCommand* FindControllerCommand(std::string_view name) {
   return row == std::end(kCommands) ? nullptr : row;
 }
 
+std::string_view WhySilent(const Controller& controller, Words words) {
+  const bool presses = words[0] == "tap" || (words.size() == 2 && words[1] == "press");
+  if (!presses) return {};
+  if (!controller.HasPower()) return "the controller has no power: \"controller-power on\"";
+  if (!controller.IsInBootloader()) return {};
+  if (!controller.bootloader.HasFirmware())
+    return "the controller has no firmware: it waits in its bootloader for an update";
+  return "the controller sits in its bootloader until its reset: \"controller-power off\", "
+         "\"controller-power on\"";
+}
+
 std::string ExpectedArguments(std::string_view arguments) {
   return "expects: " + std::string(arguments);
 }

@@ -21,6 +21,10 @@ std::span<const ControllerCommand> ControllerCommands();
 // The row of that name, null when there is none.
 const ControllerCommand* FindControllerCommand(std::string_view name);
 
+// Why the controller says nothing of the button that the line presses; empty when it does, or for another
+// line.
+std::string_view WhySilent(const Controller& controller, Words words);
+
 // "expects: press|release"
 std::string ExpectedArguments(std::string_view arguments);
 

@@ -82,10 +82,12 @@ Desk::Desk(pal::Machine& machine) : machine_(machine) {
   InstallTables(machine);
 }
 
-void Desk::Install(Library library, std::string_view lacking) {
+bool Desk::Install(Library library, std::string_view lacking) {
   std::vector<pal::Export> exports = Row(library).exports;
-  std::erase_if(exports, [&](const pal::Export& one) { return one.name == lacking; });
+  const auto removed = std::erase_if(exports, [&](const pal::Export& one) { return one.name == lacking; });
+  if (removed == 0 && !lacking.empty()) return false;
   machine_.modules.Add(Row(library).fileName, std::move(exports));
+  return true;
 }
 void Desk::Damage(Library library) {
   Remove(library);

@@ -23,8 +23,8 @@ class Desk {
   Desk(const Desk&) = delete;
   Desk& operator=(const Desk&) = delete;
 
-  // Without the export of that name, when one is named.
-  void Install(Library library, std::string_view lacking = {});
+  // Without the export of that name, when one is named; false when there is none, and nothing changes.
+  bool Install(Library library, std::string_view lacking = {});
   void Remove(Library library);
   // The file is there, and no library.
   void Damage(Library library);

@@ -54,6 +54,7 @@ void Prompt(simulator::Console& console) {
 int Run(const Options& options, std::istream& script, const std::string& scriptName, std::ostream& trace) {
   simulator::TabletWorld world;
   simulator::Console console(world, std::cout);
+  console.TheTimeline().UseColours(simulator::TerminalHasColours());
   const auto writeTrace = [&world, &trace] {
     for (const pal::Effect& effect : world.Tablet().Machine().Effects()) trace << pal::ToJson(effect) << "\n";
   };

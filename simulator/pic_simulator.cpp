@@ -170,7 +170,9 @@ class Session {
     }
     const simulator::ControllerCommand* command = simulator::FindControllerCommand(words[0]);
     if (!command) return Complain(text, "unknown command; \"help\" lists them");
-    if (const simulator::Problem problem = command->run(controller_, words)) Complain(text, *problem);
+    if (const simulator::Problem problem = command->run(controller_, words)) return Complain(text, *problem);
+    if (const std::string_view why = simulator::WhySilent(controller_, words); !why.empty())
+      Complain(text, std::string(why));
   }
 
   static void Complain(const std::string& text, const std::string& problem) {

@@ -3,10 +3,25 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <iostream>
+
+#ifdef VELTRA_LIBEDIT
+#include <histedit.h>
+
+#include <clocale>
+#include <cwchar>
+#endif
 
 namespace simulator {
 namespace {
+
+// The output is a terminal that moves its cursor.
+bool IsCapable() {
+  const char* terminal = std::getenv("TERM");
+  return isatty(STDOUT_FILENO) && terminal && std::string_view(terminal) != "dumb";
+}
 
 // A world in wall time goes on while the person thinks.
 void AwaitInput(World& world) {
@@ -15,17 +30,111 @@ void AwaitInput(World& world) {
   while (poll(&input, 1, kLookMs) == 0) world.GoOn();
 }
 
-}  // namespace
+void RunPromptLine(Console& console, const std::string& line) {
+  if (const Problem problem = console.RunLine(line)) std::cout << "  " << *problem << "\n";
+  std::cout.flush();
+}
 
-void RunPrompt(Console& console) {
+void RunPlainPrompt(Console& console) {
   std::string line;
-  for (;;) {
+  while (!console.HasEnded()) {
     std::cout << "> " << std::flush;
     AwaitInput(console.TheWorld());
     if (!std::getline(std::cin, line)) return;
-    if (const Problem problem = console.RunLine(line)) std::cout << "  " << *problem << "\n";
-    if (console.HasEnded()) return;
+    RunPromptLine(console, line);
   }
+}
+
+#ifdef VELTRA_LIBEDIT
+
+Console& ConsoleOf(EditLine* editor) {
+  void* console = nullptr;
+  el_get(editor, EL_CLIENTDATA, &console);
+  return *static_cast<Console*>(console);
+}
+
+// 1 when there is a character, 0 at the end of the input.
+int ReadCharacter(EditLine* editor, wchar_t* character) {
+  AwaitInput(ConsoleOf(editor).TheWorld());
+  std::mbstate_t state{};
+  for (char byte = 0; read(STDIN_FILENO, &byte, 1) == 1;) {
+    constexpr auto kUnfinished = static_cast<size_t>(-2);
+    const size_t taken = std::mbrtowc(character, &byte, 1, &state);
+    if (taken <= 1) return 1;
+    if (taken != kUnfinished) state = {};
+  }
+  return 0;
+}
+
+// What all of them begin with.
+std::string_view CommonBeginning(const std::vector<std::string_view>& names) {
+  std::string_view common = names.front();
+  for (const std::string_view name : names)
+    common = common.substr(0, static_cast<size_t>(std::ranges::mismatch(common, name).in1 - common.begin()));
+  return common;
+}
+
+unsigned char Complete(EditLine* editor, int) {
+  const LineInfo* info = el_line(editor);
+  const std::string_view line(info->buffer, static_cast<size_t>(info->cursor - info->buffer));
+  const std::vector<std::string_view> names = Completions(ConsoleOf(editor), line);
+  if (names.empty()) return CC_REFRESH_BEEP;
+  const size_t begun = line.size() - (line.find_last_of(" \t") + 1);
+  std::string more(CommonBeginning(names).substr(begun));
+  if (names.size() == 1) more += ' ';
+  if (!more.empty()) return el_insertstr(editor, more.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
+  std::cout << "\n";
+  for (const std::string_view name : names) std::cout << "  " << name;
+  std::cout << "\n" << std::flush;
+  return CC_REDISPLAY;
+}
+
+void RunEditedPrompt(Console& console) {
+  constexpr int kRemembered = 500;
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  EditLine* editor = el_init("tablet", stdin, stdout, stderr);
+  History* past = history_init();
+  HistEvent event{};
+  history(past, &event, H_SETSIZE, kRemembered);
+  history(past, &event, H_SETUNIQUE, 1);
+  el_set(editor, EL_CLIENTDATA, &console);
+  el_set(
+      editor, EL_PROMPT, +[](EditLine*) { return const_cast<char*>("> "); });
+  el_set(editor, EL_EDITOR, "emacs");
+  el_set(editor, EL_SIGNAL, 1);  // the terminal is as it was when the program is stopped
+  el_set(editor, EL_HIST, history, past);
+  el_set(editor, EL_GETCFN, ReadCharacter);
+  el_set(editor, EL_ADDFN, "complete", "complete the word", Complete);
+  el_set(editor, EL_BIND, "\t", "complete", nullptr);
+  while (!console.HasEnded()) {
+    int count = 0;
+    const char* text = el_gets(editor, &count);
+    if (!text || count <= 0) {
+      std::cout << "\n";
+      break;
+    }
+    const std::string line(text, static_cast<size_t>(count));
+    if (line.find_first_not_of(" \t\r\n") != line.npos) history(past, &event, H_ENTER, text);
+    RunPromptLine(console, line);
+  }
+  history_end(past);
+  el_end(editor);
+}
+
+#endif
+
+}  // namespace
+
+bool TerminalHasColours() {
+  const char* refused = std::getenv("NO_COLOR");
+  return IsCapable() && !(refused && *refused);
+}
+
+void RunPrompt(Console& console) {
+#ifdef VELTRA_LIBEDIT
+  if (isatty(STDIN_FILENO) && IsCapable()) return RunEditedPrompt(console);
+#endif
+  RunPlainPrompt(console);
 }
 
 }  // namespace simulator

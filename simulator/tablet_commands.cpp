@@ -5,6 +5,7 @@
 #include "simulator/board.h"
 #include "simulator/controller_commands.h"
 #include "simulator/joystick.h"
+#include "simulator/names.h"
 #include "simulator/tablet_world.h"
 
 namespace simulator {
@@ -21,6 +22,8 @@ std::string_view Argument(Words words, size_t index) {
 Problem RunFail(World& world, Words words) {
   const std::optional<int64_t> times = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
   if (!times || *times < 1 || *times > 1'000'000) return ExpectedArguments("FUNCTION TIMES");
+  if (std::ranges::find(kFunctions, words[1]) == std::end(kFunctions))
+    return "no such function: " + words[1] + ", \"help fail\" lists them";
   TabletOf(world).Machine().Fail(words[1], static_cast<int>(*times), ERROR_ACCESS_DENIED);
   return {};
 }
@@ -65,7 +68,8 @@ Problem RunBoard(World& world, Words words) {
   Desk& desk = TabletOf(world).TheDesk();
   if (words.size() == 2 && word == "absent") return desk.Remove(Library::kBoard), Problem();
   if (words.size() == 2 && word == "damaged") return desk.Damage(Library::kBoard), Problem();
-  if (words.size() == 3 && word == "lacks") return desk.Install(Library::kBoard, words[2]), Problem();
+  if (words.size() == 3 && word == "lacks")
+    return desk.Install(Library::kBoard, words[2]) ? Problem() : "the library has no such export";
   constexpr uint8_t kCodec = 0x38;
   const std::optional<int64_t> error = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
   const auto code = static_cast<int32_t>(error.value_or(0));

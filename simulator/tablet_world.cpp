@@ -38,6 +38,7 @@ constexpr bool kNoticed =
     std::is_same_v<Detail, pal::BoxAnswered> ||
     std::is_same_v<Detail, pal::DialogShown> ||
     std::is_same_v<Detail, pal::DialogHidden> ||
+    std::is_same_v<Detail, pal::LabelChanged> ||
     std::is_same_v<Detail, pal::FileBoxShown> ||
     std::is_same_v<Detail, pal::FileBoxAnswered> ||
     std::is_same_v<Detail, pal::ForeignMessageSent> ||

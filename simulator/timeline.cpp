@@ -15,6 +15,34 @@ bool IsOfLine(const TimelineEntry& entry) {
   return entry.who == kFromController || entry.who == kFromTool;
 }
 
+constexpr std::string_view kPlain = "\033[0m";
+
+// The first row whose beginnings fit gives the colour; what is in no row has none.
+struct Colour {
+  std::string_view who;
+  std::string_view text;
+  std::string_view code;
+};
+constexpr std::string_view kBold = "\033[1m";
+constexpr std::string_view kGreen = "\033[32m";
+constexpr std::string_view kYellow = "\033[33m";
+constexpr std::string_view kMagenta = "\033[35m";
+constexpr std::string_view kCyan = "\033[36m";
+constexpr Colour kColours[] = {
+    {kCommand, "", kBold},      {kFromController, "", kCyan}, {kFromTool, "", kMagenta},
+    {"", "mouse ", kGreen},     {"", "key ", kGreen},         {"", "joystick button", kGreen},
+    {"", "box ", kYellow},      {"", "answer ", kYellow},     {"", "dialog ", kYellow},
+    {"", "tray ", kYellow},     {"", "menu ", kYellow},       {"", "sound ", kYellow},
+    {"", "file box ", kYellow},
+};
+
+std::string_view ColourOf(const TimelineEntry& entry) {
+  const auto* row = std::ranges::find_if(kColours, [&](const Colour& colour) {
+    return entry.who.starts_with(colour.who) && entry.text.starts_with(colour.text);
+  });
+  return row == std::end(kColours) ? std::string_view() : row->code;
+}
+
 // Entries of one source are in order in every world.
 const std::string& SourceOf(const TimelineEntry& entry) {
   static const std::string line = "line";
@@ -49,11 +77,15 @@ void Timeline::StopFollowing(World& world) {
 }
 
 void Timeline::Add(TimelineEntry entry, bool noticed) {
-  if ((noticed || showAll_) && !silent_)
-    out_ << std::setw(9) << FormatSeconds(entry.at) << "  " << std::left << std::setw(13) << entry.who
-         << std::right << "  " << entry.text << "\n";
+  if ((noticed || showAll_) && !silent_) Print(entry);
   entries_.push_back(std::move(entry));
   noticed_.push_back(noticed);
+}
+
+void Timeline::Print(const TimelineEntry& entry) {
+  const std::string_view colour = inColour_ ? ColourOf(entry) : std::string_view();
+  out_ << colour << std::setw(9) << FormatSeconds(entry.at) << "  " << std::left << std::setw(13) << entry.who
+       << std::right << "  " << entry.text << (colour.empty() ? "" : kPlain) << "\n";
 }
 
 void Timeline::SkipToNow() {

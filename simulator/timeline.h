@@ -26,6 +26,8 @@ class Timeline {
   void ShowBytes(bool show) { showBytes_ = show; }
   // Shows every effect, not only what a person would notice.
   void ShowAll(bool show) { showAll_ = show; }
+  // Tells kinds of entries apart as a terminal does.
+  void UseColours(bool use) { inColour_ = use; }
   // Prints nothing at all.
   void Silence() { silent_ = true; }
 
@@ -45,6 +47,7 @@ class Timeline {
  private:
   [[nodiscard]] bool IsLate(size_t entry) const;
   [[nodiscard]] std::string Recent() const;
+  void Print(const TimelineEntry& entry);
 
   std::ostream& out_;
   std::vector<TimelineEntry> entries_;
@@ -54,6 +57,7 @@ class Timeline {
   std::map<std::string, size_t, std::less<>> nextOf_;  // and of one source
   bool showBytes_ = false;
   bool showAll_ = false;
+  bool inColour_ = false;
   bool silent_ = false;
 };
 

@@ -272,6 +272,16 @@ Description Of(const DialogShown& e) {
 Description Of(const DialogHidden& e) {
   return {"dialog hidden", "dialog " + Quoted(e.title) + " hidden", {{"title", e.title}}};
 }
+Description Of(const LabelChanged& e) {
+  std::u16string words;
+  for (const char16_t c : e.text) {
+    const bool isBlank = c == u' ' || c == u'\r' || c == u'\n';
+    if (!isBlank || !words.ends_with(u' ')) words += isBlank ? u' ' : c;
+  }
+  return {"label changed",
+          "dialog " + Quoted(e.title) + ": " + OneLine(words),
+          {{"title", e.title}, {"label", e.text}}};
+}
 Description Of(const WindowPlaced& e) {
   return {"window placed",
           "placed window " + Quoted(e.title) + (e.isTopmost ? " topmost" : ""),

@@ -66,6 +66,8 @@ struct DialogShown {
   std::u16string owner = {};  // its class
 };
 struct DialogHidden { std::u16string title; };
+// A label of a dialog that is shown says something else.
+struct LabelChanged { std::u16string title; std::u16string text; };
 struct EllipseDrawn { int left = 0, top = 0, right = 0, bottom = 0; uint32_t colour = 0; };
 // SetWindowPos; `flags` say what of it counts.
 struct WindowPlaced {
@@ -157,6 +159,7 @@ using AnyEffect = std::variant<
     BoxAnswered,
     DialogShown,
     DialogHidden,
+    LabelChanged,
     WindowPlaced,
     EllipseDrawn,
     FileBoxShown,

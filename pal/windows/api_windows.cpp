@@ -1,6 +1,7 @@
 // Window classes and windows.
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "pal/windows/window_calls.h"
 
@@ -45,8 +46,12 @@ bool IsInExtra(const Window& window, int index) {
   return index >= 0 && static_cast<size_t>(index) + sizeof(LONG_PTR) <= window.extra.size();
 }
 
-LRESULT SetText(Window& window, LPARAM text) {
-  window.title = text ? reinterpret_cast<const WCHAR*>(text) : u"";
+LRESULT SetText(State& state, Window& window, LPARAM text) {
+  const std::u16string before =
+      std::exchange(window.title, text ? reinterpret_cast<const WCHAR*>(text) : u"");
+  const bool isLabel = window.parent && std::holds_alternative<StaticState>(window.control);
+  if (isLabel && window.title != before && state.desktop.IsShown(window.handle))
+    state.Emit(LabelChanged{state.desktop.Find(window.parent)->title, window.title});
   return TRUE;
 }
 
@@ -135,7 +140,7 @@ LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM l
       found->thread->queue.Validate(window);
       return 0;
     case WM_SETTEXT:
-      return SetText(*found, lParam);
+      return SetText(call.Get(), *found, lParam);
     case WM_GETTEXT:
       return GetText(*found, wParam, lParam);
     default:

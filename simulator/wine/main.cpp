@@ -23,6 +23,7 @@ constexpr char kUsage[] =
 int Run(const std::string& script) {
   simulator::WineWorld world;
   simulator::Console console(world, std::cout);
+  console.TheTimeline().UseColours(simulator::TerminalHasColours());
   if (script.empty()) {
     simulator::RunPrompt(console);
     return 0;

@@ -30,6 +30,7 @@ TEST(Effects, OneShortWordingForEach) {
       {ExecutionState{7}, "execution state 0x00000007"},
       {WindowsExit{1, 2}, "exit windows 0x01, reason 0x00002"},
       {SessionHeld{}, "session may end"},
+      {LabelChanged{u"A", u"b\r\n\nc"}, "dialog \"A\": b c"},
       {FileBoxAnswered{}, "file box cancelled"},
       {ForegroundSet{u"Sarvik5"}, "foreground Sarvik5"},
       {RedirectionSet{false}, "system directory real"},

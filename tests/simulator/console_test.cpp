@@ -28,6 +28,16 @@ TEST_F(ConsoleTest, SaysWhichLineIsWrongAndWhy) {
   EXPECT_EQ(Run("say \"no end\n"), "script:1: \"say \"no end\": a quote is not closed");
 }
 
+TEST_F(ConsoleTest, KnowsItsWords) {
+  using Names = std::vector<std::string_view>;
+  EXPECT_EQ(Completions(console, "se"), (Names{"settle", "set", "send-data"}));
+  EXPECT_EQ(Completions(console, "set Sw1"), (Names{"Sw1CmdVal", "Sw1Start"}));
+  EXPECT_EQ(Completions(console, "sw1 p"), Names{"press"});
+  ASSERT_EQ(Run("help set\ncontroller-power off\nsw1 press\n"), "");
+  EXPECT_NE(out.str().find("AllowEscape"), std::string::npos);
+  EXPECT_NE(out.str().find("the controller has no power"), std::string::npos);
+}
+
 TEST_F(ConsoleTest, WrongLinesChangeNothing) {
   std::istringstream lines(
       "sw1|sw1 push|sw1 press hard|battery|battery 300|battery x|adapter maybe|raw 55 5G|raw 155|fault|"
@@ -38,7 +48,9 @@ TEST_F(ConsoleTest, WrongLinesChangeNothing) {
       "led bright|suspend|close|quit|at 1s|at soon expect x|expect|check|check weather|show|"
       "bytes|timeline some|registry a b|press|press OK|slide 1 fast|key|tray|tray power|"
       "tray power double-click Options|tray tool menu|only|only moon wait 1s|worlds|"
-      "check control|check control OK shown|");
+      "check control|check control OK shown|set Sw1Cmd 1|machine Sw1CmdVal 1|registry Sw1|"
+      "check no registry Sw1 1|check line x|fail ExitWindows 1|board lacks KEApi|worlds moon|resume now|"
+      "help weather|update nowhere.hex|");
   for (std::string line; std::getline(lines, line, '|');) EXPECT_TRUE(console.RunLine(line)) << line;
   EXPECT_EQ(world.Tablet().Mark(), 0U);
   EXPECT_EQ(world.Tablet().Machine().clock.Now(), Duration(0));
