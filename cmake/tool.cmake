@@ -111,6 +111,7 @@ veltra_room(tool BELOW report switches firmware power SOURCES
   app/settings_store.cpp
   app/startup.cpp
   app/tray_menu.cpp
+  app/dialogs/control_names.cpp
   app/dialogs/dialog_items.cpp
   app/dialogs/file_box.cpp
   app/dialogs/firmware_dialog.cpp

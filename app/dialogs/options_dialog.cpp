@@ -6,6 +6,7 @@
 
 #include "app/app_state.h"
 #include "app/device_operations.h"
+#include "app/dialogs/control_names.h"
 #include "app/dialogs/dialog_items.h"
 #include "app/dialogs/options_lists.h"
 #include "app/dialogs/options_rows.h"
@@ -158,6 +159,7 @@ void OnInit(HWND dialog, WPARAM, LPARAM) {
   SetLabels(dialog, kLabels);
   SetItemText(dialog, IDO_PIC_VERSION, Widen(Link().identity.firmwareVersionText));
   SetItemText(dialog, IDO_DEVICE_VERSION, GetOwnFileVersion());
+  NameControls(dialog);
 }
 
 void End(HWND dialog, INT_PTR result) {
@@ -212,6 +214,7 @@ constexpr DialogRow kDialogRows[] = {
     {WM_HSCROLL, OnScroll},
     {WM_COMMAND, OnCommand},
     {WM_CLOSE, [](HWND dialog, WPARAM, LPARAM) { EndDialog(dialog, 0); }},
+    {WM_DESTROY, [](HWND dialog, WPARAM, LPARAM) { ForgetControlNames(dialog); }},
 };
 
 INT_PTR CALLBACK OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "app/app_state.h"
+#include "app/dialogs/control_names.h"
 #include "app/dialogs/dialog_items.h"
 #include "app/dialogs/file_box.h"
 #include "base/profile_section.h"
@@ -181,6 +182,7 @@ void OnActionTypeChange(HWND dialog, int row) {
   const ActionKind& kind = KindOf(SelectedListValue(dialog, TypeList(row)).value_or(kNoType));
   ShowParamControls(dialog, row, kind);
   if (HasText(kind)) SetItemText(dialog, TextEdit(kind.parameter, row), {});
+  NameControls(dialog);
 }
 
 void OnRowBrowse(HWND dialog, int row) {

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "app/app_state.h"
+#include "app/dialogs/control_names.h"
 #include "app/dialogs/dialog_items.h"
 #include "app/settings_store.h"
 #include "link/send_queue.h"
@@ -130,6 +131,7 @@ void OnInit(HWND dialog, WPARAM, LPARAM shown) {
   for (const Alarm& alarm : kAlarms) InitAlarm(dialog, alarm);
   SetWindowTextW(dialog, LoadResString(IDS_POWER_METER).c_str());
   SetLabels(dialog, kLabels);
+  NameControls(dialog);
   SendMessageW(dialog, WM_TIMER, kRefreshTimer, 0);
 }
 
@@ -173,8 +175,9 @@ void OnCommand(HWND dialog, WPARAM wParam, LPARAM) {
 }
 
 constexpr DialogRow kDialogRows[] = {
-    {WM_INITDIALOG, OnInit}, {WM_TIMER, OnTimer}, {WM_HSCROLL, OnScroll},
-    {WM_COMMAND, OnCommand}, {WM_CLOSE, OnClose},
+    {WM_INITDIALOG, OnInit}, {WM_TIMER, OnTimer},
+    {WM_HSCROLL, OnScroll},  {WM_COMMAND, OnCommand},
+    {WM_CLOSE, OnClose},     {WM_DESTROY, [](HWND dialog, WPARAM, LPARAM) { ForgetControlNames(dialog); }},
 };
 
 INT_PTR CALLBACK PowerMeterProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -1,6 +1,7 @@
 // COM: its beginning and end on a thread, identifiers, and the making of objects.
 #include <objbase.h>
 
+#include "pal/dialogs/spoken_names.h"
 #include "pal/machine/state.h"
 
 using namespace pal;
@@ -35,12 +36,16 @@ HRESULT WINAPI CoCreateGuid(GUID* guid) {
 HRESULT WINAPI CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context, REFIID interfaceId,
                                 LPVOID* object) {
   const Call call("CoCreateInstance");
-  if (classId != kDeviceEnumeratorClass || interfaceId != kDeviceEnumeratorInterface || outer ||
-      context != CLSCTX_INPROC_SERVER)
+  const bool isPlayback = classId == kDeviceEnumeratorClass && interfaceId == kDeviceEnumeratorInterface;
+  const bool isNames = classId == kAccPropServicesClass && interfaceId == kAccPropServicesInterface;
+  if ((!isPlayback && !isNames) || outer || context != CLSCTX_INPROC_SERVER)
     Die("CoCreateInstance of an unknown class");
   *object = nullptr;
   if (call.Fails()) return call.Result();
   if (initialized == 0) return CO_E_NOTINITIALIZED;
-  *object = MakeDeviceEnumerator(call->playback);
+  if (isNames)
+    *object = MakeAccPropServices(call.Get());
+  else
+    *object = MakeDeviceEnumerator(call.Get());
   return S_OK;
 }

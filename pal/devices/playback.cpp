@@ -5,35 +5,13 @@
 
 #include <cmath>
 
-#include "pal/machine/state.h"
+#include "pal/devices/owned_object.h"
 
 namespace pal {
 namespace {
 
 constexpr IID kVolumeInterface = {
     0x5CDF2C82, 0x841E, 0x4546, {0x97, 0x22, 0x0C, 0xF7, 0x40, 0x78, 0x22, 0x9A}};
-
-// An object with one owner.
-template <class Interface>
-class Owned : public Interface, public ComObject {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { Die("QueryInterface"); }
-  ULONG STDMETHODCALLTYPE AddRef() override { Die("AddRef: a second owner of a COM object"); }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const Call call;
-    const ComObject* self = this;
-    std::erase_if(call->playback.objects, [self](const auto& object) { return object.get() == self; });
-    return 0;
-  }
-};
-
-template <class Object>
-Object* AddTo(Playback& playback) {
-  auto object = std::make_unique<Object>();
-  Object* added = object.get();
-  playback.objects.push_back(std::move(object));
-  return added;
-}
 
 class Volume final : public Owned<IAudioEndpointVolume> {
  public:
@@ -62,7 +40,7 @@ class Device final : public Owned<IMMDevice> {
     const Call call("Activate");
     if (call.Fails()) return call.Result();
     if (interfaceId != kVolumeInterface || parameters) Die("Activate of an unknown interface");
-    *activated = static_cast<IAudioEndpointVolume*>(AddTo<Volume>(call->playback));
+    *activated = static_cast<IAudioEndpointVolume*>(MakeObject<Volume>(call.Get()));
     return S_OK;
   }
 };
@@ -73,15 +51,15 @@ class Enumerator final : public Owned<IMMDeviceEnumerator> {
     const Call call("GetDefaultAudioEndpoint");
     if (call.Fails()) return call.Result();
     if (flow != eRender || role != eConsole) Die("GetDefaultAudioEndpoint of another device");
-    *device = AddTo<Device>(call->playback);
+    *device = MakeObject<Device>(call.Get());
     return S_OK;
   }
 };
 
 }  // namespace
 
-IMMDeviceEnumerator* MakeDeviceEnumerator(Playback& playback) {
-  return AddTo<Enumerator>(playback);
+IMMDeviceEnumerator* MakeDeviceEnumerator(State& state) {
+  return MakeObject<Enumerator>(state);
 }
 
 }  // namespace pal

@@ -3,27 +3,17 @@
 
 #include <mmdeviceapi.h>
 
-#include <memory>
-#include <vector>
-
 namespace pal {
+
+struct State;
 
 struct PlaybackVolume {
   float level = 0.5F;  // 0 to 1
   bool isMuted = false;
 };
 
-// An object that the program holds. It is freed when it is released, or with the program.
-struct ComObject {
-  ComObject() = default;
-  virtual ~ComObject() = default;
-  ComObject(const ComObject&) = delete;
-  ComObject& operator=(const ComObject&) = delete;
-};
-
 struct Playback {
   PlaybackVolume volume;
-  std::vector<std::unique_ptr<ComObject>> objects;
 };
 
 inline constexpr CLSID kDeviceEnumeratorClass = {
@@ -32,6 +22,6 @@ inline constexpr IID kDeviceEnumeratorInterface = {
     0xA95664D2, 0x9614, 0x4F35, {0xA7, 0x46, 0xDE, 0x8D, 0xB6, 0x36, 0x17, 0xE6}};
 
 // Called with the machine's lock.
-IMMDeviceEnumerator* MakeDeviceEnumerator(Playback& playback);
+IMMDeviceEnumerator* MakeDeviceEnumerator(State& state);
 
 }  // namespace pal

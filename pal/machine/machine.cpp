@@ -84,7 +84,7 @@ int Machine::CountOpen(std::string_view kind) const {
   if (kind == "window") return state_->desktop.CountOfProgram();
   if (kind == "menu") return state_->menus.Count();
   if (kind == "icon") return state_->pictures.CountLoaded();
-  if (kind == "com object") return static_cast<int>(state_->playback.objects.size());
+  if (kind == "com object") return static_cast<int>(state_->comObjects.size());
   if (kind == "brush") return static_cast<int>(state_->drawing.brushes.size());
   if (kind != "timer") return state_->handles.Count(kind);
   size_t timers = 0;

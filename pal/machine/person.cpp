@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "pal/dialogs/spoken_names.h"
 #include "pal/text/unicode.h"
 #include "pal/windows/window_calls.h"
 
@@ -46,11 +47,12 @@ struct FillView {
   }
 };
 
-ControlView ViewOf(const State& state, const Window& control) {
+ControlView ViewOf(State& state, const Window& control) {
   ControlView view;
   view.id = static_cast<int>(control.id);
   view.windowClass = control.windowClass->name;
   view.text = control.title;
+  view.spokenName = SpokenName(state, control);
   view.isVisible = (control.style & WS_VISIBLE) != 0;
   view.isEnabled = !(control.style & WS_DISABLED);
   view.isTabStop = (control.style & WS_TABSTOP) != 0;

@@ -29,6 +29,7 @@ struct ControlView {
   int id = 0;
   std::u16string windowClass;
   std::u16string text;  // of a drop-down list: what is selected
+  std::u16string spokenName;
   bool isVisible = false;
   bool isEnabled = false;
   bool hasFocus = false;

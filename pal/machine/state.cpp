@@ -42,7 +42,7 @@ void State::ReleaseProgram() {
   desktop.ForgetProgram();
   menus.Clear();
   pictures.Clear();
-  playback.objects.clear();
+  comObjects.clear();
   modules.search = {};
   dialogs = {};
   drawing = {};

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "pal/devices/com_object.h"
 #include "pal/devices/power.h"
 #include "pal/devices/serial_port.h"
 #include "pal/dialogs/dialogs.h"
@@ -60,6 +61,7 @@ struct State {
   Menus menus{*this};
   SerialPorts serial{*this};
   Playback playback;
+  ComObjects comObjects;
   Power power;
 
   std::vector<Effect> effects;

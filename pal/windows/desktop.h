@@ -63,6 +63,7 @@ struct Window {
   LONG_PTR userData = 0;
   std::vector<uint8_t> extra;  // cbWndExtra bytes
   ControlState control;        // of a control of Windows
+  std::u16string givenName;    // that the program tells screen readers; empty: none
   std::set<UINT> admitted;     // messages that programs of lower rights may send it
   bool hearsOfSleep = false;   // it asked for that
   bool hearsOfSession = false;

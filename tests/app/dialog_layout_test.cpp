@@ -59,23 +59,24 @@ void ExpectAccessKeysToDiffer(const DialogView& dialog) {
   EXPECT_EQ(std::ranges::adjacent_find(keys), keys.end());
 }
 
-// From the top to the bottom in each column, and in a row to the right. What has no text of its own is read
-// out with the label just before it; the parameter of a side button's action shares that of the action's
-// list.
-void ExpectOrderAndLabels(const DialogView& dialog) {
+// From the top to the bottom in each column, and in a row to the right.
+void ExpectOrder(const DialogView& dialog) {
   const ControlView* before = nullptr;
-  int fields = -1;  // behind the label
   for (const ControlView& control : dialog.controls) {
-    if (!control.isVisible) continue;
-    if (control.windowClass == u"Static" && !control.text.empty()) fields = 0;
-    if (!control.isTabStop) continue;
+    if (!control.isVisible || !control.isTabStop) continue;
     const RECT a = before ? Area(*before) : RECT{}, b = Area(control);
     EXPECT_TRUE(b.left >= a.right || b.top >= a.bottom) << control.id;
     before = &control;
-    if (control.windowClass == u"Button") continue;
-    const bool sharesLabel = control.id >= IDO_ROW_VALUE_0 && control.id <= IDO_ROW_VALUE_3;
-    EXPECT_EQ(fields++, sharesLabel ? 1 : 0) << control.id;
   }
+}
+
+// What a screen reader says of all that the keyboard reaches, and of what has no text.
+std::u16string SpokenNames(const DialogView& dialog) {
+  std::u16string names;
+  for (const ControlView& control : dialog.controls)
+    if (control.isVisible && (control.isTabStop || control.text.empty())) names += control.spokenName + u"|";
+  std::ranges::replace(names, u'\n', u' ');
+  return names;
 }
 
 // Everything that is written, in the order of the template.
@@ -94,38 +95,64 @@ TEST_F(DialogLayout, IsTheSameInBothLanguages) {
     WPARAM language, command;
     std::u16string_view title;
     std::u16string_view texts;
+    std::u16string_view names;
+    std::u16string_view action;  // that is chosen for one button
   } cases[] = {
       {IDC_FIRST_LANGUAGE, IDC_OPTIONS, u"Options",
        u"Flight mode|WLAN|Bluetooth|Mobile phone|Speakers:|On|Off|Speaker volume:|Headphones:|On|Off|"
        u"Microphone:|On|Off|Microphone volume:|Switches|Switch 1 starts device:|Switch 1:|Switch 2:|"
        u"Disable USB ports (back) during Standby|Disable USB port (bottom) during Standby|Side buttons|"
        u"Top: (short)|ID:|...|Top: (long)|ID:|...|Middle:|Bottom: (short)|ID:|...|Bottom: (long)|ID:|...|"
-       u"Version PIC:|112|Version device:|1.0.0.0|&OK|"},
+       u"Version PIC:|112|Version device:|1.0.0.0|&OK|",
+       u"Flight mode|WLAN|Bluetooth|Mobile phone|Speakers On|Speakers Off|Speaker volume:|Headphones On|"
+       u"Headphones Off|Microphone On|Microphone Off|Microphone volume:|Switch 1 starts device:|Switch 1:|"
+       u"Switch 2:|Switches|Disable USB ports (back) during Standby|Disable USB port (bottom) during Standby|"
+       u"Top (short)|Top (short) Perform Windows function|Top (long)|Top (long) Start program|"
+       u"Top (long) Start program ...|Middle:|Bottom (short)|Bottom (short) Perform Windows function|"
+       u"Bottom (long)|OK|",
+       u"Start program"},
       {IDC_FIRST_LANGUAGE, IDC_OPEN_POWER_METER, u"Power meter",
        u"Power status|Current power source:|Batteries|Total battery power remaining:|50%|Low battery alarm|"
        u"3%|Activate &low battery alarm when power level reaches:|10%|60%|Critical battery alarm|3%|"
-       u"Activate c&ritical battery alarm when power level reaches:|5%|30%|&OK|&Cancel|"},
+       u"Activate c&ritical battery alarm when power level reaches:|5%|30%|&OK|&Cancel|",
+       u"Power status|Activate low battery alarm when power level reaches:|Low battery alarm|"
+       u"Activate critical battery alarm when power level reaches:|Critical battery alarm|OK|Cancel|",
+       u""},
       {IDC_FIRST_LANGUAGE + 1, IDC_OPTIONS, u"Opties",
        u"Vliegtuigstand|WLAN|Bluetooth|GSM|Luidsprekers:|Aan|Uit|Luidsprekervolume:|Hoofdtelefoon:|Aan|Uit|"
        u"Microfoon:|Aan|Uit|Microfoonvolume:|Schakelaars|Toestel starten:|Schakelaar 1:|Schakelaar 2:|"
        u"USB poorten achteraan uitschakelen in slaapstand|USB poort onderaan uitschakelen in slaapstand|"
        u"Knoppen zijkant|Boven: (kort)|ID:|...|Boven: (lang)|ID:|...|Midden:|Onder: (kort)|ID:|...|"
-       u"Onder: (lang)|ID:|...|Versie PIC:|112|Versie toestel:|1.0.0.0|&OK|"},
+       u"Onder: (lang)|ID:|...|Versie PIC:|112|Versie toestel:|1.0.0.0|&OK|",
+       u"Vliegtuigstand|WLAN|Bluetooth|GSM|Luidsprekers Aan|Luidsprekers Uit|Luidsprekervolume:|"
+       u"Hoofdtelefoon Aan|Hoofdtelefoon Uit|Microfoon Aan|Microfoon Uit|Microfoonvolume:|Toestel starten:|"
+       u"Schakelaar 1:|Schakelaar 2:|Schakelaars|USB poorten achteraan uitschakelen in slaapstand|"
+       u"USB poort onderaan uitschakelen in slaapstand|Boven (kort)|Boven (kort) Windows functie|Boven "
+       u"(lang)|"
+       u"Boven (lang) Start programma|Boven (lang) Start programma ...|Midden:|Onder (kort)|"
+       u"Onder (kort) Windows functie|Onder (lang)|OK|",
+       u"Start programma"},
       {IDC_FIRST_LANGUAGE + 1, IDC_OPEN_POWER_METER, u"Batterijstatus",
        u"Stroomvoorziening|Huidige stroombron:|Batterij|Resterende batterijlading:|50%|"
        u"Alarm bij laag batterijniveau|3%|&Laag batterijniveau melden bij:|10%|60%|"
-       u"Alarm bij kritiek batterijniveau|3%|K&ritiek batterijniveau melden bij:|5%|30%|&OK|&Annuleren|"},
+       u"Alarm bij kritiek batterijniveau|3%|K&ritiek batterijniveau melden bij:|5%|30%|&OK|&Annuleren|",
+       u"Stroomvoorziening|Laag batterijniveau melden bij:|Alarm bij laag batterijniveau|"
+       u"Kritiek batterijniveau melden bij:|Alarm bij kritiek batterijniveau|OK|Annuleren|",
+       u""},
   };
   for (const auto& c : cases) {
     OpenAgain(c.language);
     OpenAgain(c.command);
+    if (!c.action.empty()) person::Choose(IDO_ROW_TYPE_2, c.action);
+    Settle();
     const auto dialog = person::FrontDialog();
     ASSERT_TRUE(dialog);
     EXPECT_EQ(dialog->title, c.title);
     EXPECT_EQ(Texts(*dialog), c.texts);
     ExpectRoomForEverything(*dialog);
     ExpectAccessKeysToDiffer(*dialog);
-    ExpectOrderAndLabels(*dialog);
+    ExpectOrder(*dialog);
+    EXPECT_EQ(SpokenNames(*dialog), c.names);
     Leave(WayOut::kEscape);
   }
 }
