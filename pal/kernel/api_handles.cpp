@@ -7,8 +7,6 @@ using namespace pal;
 
 namespace {
 
-thread_local DWORD lastError = ERROR_SUCCESS;
-
 HANDLE OpenPort(State& state, int number, DWORD access, DWORD share, DWORD disposition,
                 DWORD flagsAndAttributes) {
   if (!(flagsAndAttributes & FILE_FLAG_OVERLAPPED)) Die("a port opened without FILE_FLAG_OVERLAPPED");
@@ -29,11 +27,7 @@ BOOL FinishTransfer(DWORD error, DWORD transferred, LPDWORD count) {
 }  // namespace
 
 DWORD WINAPI GetLastError() {
-  return lastError;
-}
-
-void pal::SetLastError(DWORD error) {
-  lastError = error;
+  return LastError();
 }
 
 void WINAPI OutputDebugStringW(LPCWSTR text) {

@@ -6,6 +6,7 @@ namespace pal {
 namespace {
 
 std::atomic<State*> currentState{nullptr};
+thread_local DWORD lastError = ERROR_SUCCESS;
 
 }  // namespace
 
@@ -47,6 +48,14 @@ void State::ReleaseProgram() {
   dialogs = {};
   drawing = {};
   power = {};
+}
+
+DWORD LastError() {
+  return lastError;
+}
+
+void SetLastError(DWORD error) {
+  lastError = error;
 }
 
 State& CurrentState() {

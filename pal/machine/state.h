@@ -80,6 +80,7 @@ State& CurrentState();
 
 // Of the calling thread.
 void SetLastError(DWORD error);
+DWORD LastError();
 
 // One call of the API.
 class Call {
