@@ -129,6 +129,14 @@ Problem RunScreen(World& world, Words words) {
   return {};
 }
 
+Problem RunScaling(World& world, Words words) {
+  constexpr int64_t kUnscaledDpi = 96;
+  const std::optional<int64_t> percent = words.size() == 2 ? ParseNumber(words[1]) : std::nullopt;
+  if (!percent || *percent < 100 || *percent > 500) return ExpectedArguments("PERCENT");
+  TabletOf(world).Machine().desktop.dpi = static_cast<UINT>(*percent * kUnscaledDpi / 100);
+  return {};
+}
+
 constexpr WorldCommand kCommands[] = {
     {"fail", "FUNCTION TIMES", "Windows refuses the next calls of that function, as ExitWindowsEx", RunFail},
     {"joystick", "absent|free|disabled|...", "the virtual joystick; also mismatch, busy, taken", RunJoystick},
@@ -136,6 +144,7 @@ constexpr WorldCommand kCommands[] = {
     {"board", "absent|damaged|lacks EXPORT|...",
      "the board's library; also start-, stop-, info-error, codec-errors, serves-messages NUMBER", RunBoard},
     {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", RunMacroPlugin},
+    {"scaling", "PERCENT", "of the display, from the next icon on", RunScaling},
     {"screen", "lock|unlock", "Windows' own desktop has the screen, or no more", RunScreen},
     {"shell", "stop|start|restart|announce", "the taskbar goes, comes, comes again, or only says so",
      RunShell},

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "base/handles.h"
 #include "resources/resource_ids.h"
 #include "system/folders.h"
 #include "system/numbers.h"
@@ -19,6 +20,18 @@ void CopyText(WCHAR (&field)[Size], const WideText& text) {
   const size_t length = std::min(text.size(), Size - 1);
   std::copy_n(text.begin(), length, field);
   field[length] = 0;
+}
+
+// Pixels. The notification area grows with the scaling of the display, which may change while the tool runs;
+// before Windows 10 it could not.
+int TrayIconSize() {
+  using DpiOf = UINT(WINAPI*)(HWND);
+  using MetricAt = int(WINAPI*)(int, UINT);
+  const HMODULE windows = GetModuleHandleW(TEXT("user32.dll"));
+  const auto dpiOf = FindExport<DpiOf>(windows, "GetDpiForWindow");
+  const auto metricAt = FindExport<MetricAt>(windows, "GetSystemMetricsForDpi");
+  const int size = dpiOf && metricAt ? metricAt(SM_CXSMICON, dpiOf(MainWindow())) : 0;
+  return size > 0 ? size : GetSystemMetrics(SM_CXSMICON);
 }
 
 NOTIFYICONDATAW IconRecord(HWND window, UINT id) {
@@ -131,11 +144,11 @@ void SetToolWarning(const WideText& text) {
 }
 
 HICON LoadTrayIcon(int32_t iconId) {
-  UniqueIcon& icon = System().tray.icons[iconId];
+  const int size = TrayIconSize();
+  UniqueIcon& icon = System().tray.icons[{iconId, size}];
   if (!icon)
-    icon.Reset(static_cast<HICON>(LoadImageW(System().hInstance, MAKEINTRESOURCEW(iconId), IMAGE_ICON,
-                                             GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON),
-                                             LR_DEFAULTCOLOR)));
+    icon.Reset(static_cast<HICON>(
+        LoadImageW(System().hInstance, MAKEINTRESOURCEW(iconId), IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
   return icon.Get();
 }
 

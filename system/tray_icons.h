@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <map>
+#include <utility>
 
 #include "base/handles.h"
 #include "base/text.h"
@@ -22,7 +23,7 @@ struct TrayState {
   bool toolWarningTold = false;
   bool powerIconStands = false;
   bool toolIconStands = false;
-  std::map<int32_t, UniqueIcon> icons;  // pictures by resource id
+  std::map<std::pair<int32_t, int>, UniqueIcon> icons;  // pictures by resource id and size
 };
 
 constexpr UINT kPowerIconId = 1977;
@@ -42,8 +43,8 @@ void ShowTrayBalloon(const WideText& text);
 // characters.
 void SetToolWarning(const WideText& text);
 
-// An icon of the program's resources at the size of the notification area; loaded once. Null when it is
-// missing.
+// An icon of the program's resources at the size of the notification area; loaded once for each size. Null
+// when it is missing.
 HICON LoadTrayIcon(int32_t iconId);
 
 }  // namespace veltra

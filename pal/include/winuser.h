@@ -242,6 +242,9 @@ HICON WINAPI LoadIconW(HINSTANCE instance, LPCWSTR name);
 HANDLE WINAPI LoadImageW(HINSTANCE instance, LPCWSTR name, UINT type, int width, int height, UINT flags);
 BOOL WINAPI DestroyIcon(HICON icon);
 int WINAPI GetSystemMetrics(int metric);
+// Windows 10 and later: pixels an inch where the window is, and a measure there.
+UINT WINAPI GetDpiForWindow(HWND window);
+int WINAPI GetSystemMetricsForDpi(int metric, UINT dpi);
 // ---- the end of the session ---------------------------------------------------------------------------------
 
 BOOL WINAPI ShutdownBlockReasonCreate(HWND window, LPCWSTR reason);

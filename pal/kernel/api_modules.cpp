@@ -39,6 +39,8 @@ const std::vector<SystemLibrary>& SystemLibraries() {
       {u"user32.dll",
        0x7FF810000000,
        {MakeExport("ChangeWindowMessageFilterEx", ChangeWindowMessageFilterEx),
+        MakeExport("GetDpiForWindow", GetDpiForWindow),
+        MakeExport("GetSystemMetricsForDpi", GetSystemMetricsForDpi),
         MakeExport("RegisterSuspendResumeNotification", RegisterSuspendResumeNotification)}},
       {u"wtsapi32.dll",
        0x7FF820000000,
@@ -47,8 +49,20 @@ const std::vector<SystemLibrary>& SystemLibraries() {
   return libraries;
 }
 
-bool IsMissing(const WindowsSystem& system, std::string_view name) {
-  return name == "RegisterSuspendResumeNotification" && !HasModernStandby(system);
+// What a newer Windows brought.
+struct Newcomer {
+  std::string_view name;
+  WORD major;
+  WORD minor;
+};
+constexpr Newcomer kNewcomers[] = {{"RegisterSuspendResumeNotification", 6, 2},
+                                   {"GetDpiForWindow", 10, 0},
+                                   {"GetSystemMetricsForDpi", 10, 0}};
+
+bool IsMissing(const WindowsVersion& version, std::string_view name) {
+  const auto* row = std::ranges::find(kNewcomers, name, &Newcomer::name);
+  return row != std::end(kNewcomers) &&
+         std::pair(version.major, version.minor) < std::pair(row->major, row->minor);
 }
 
 // Windows takes a name without an extension for that of a DLL.
@@ -175,6 +189,6 @@ FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name) {
   const auto exports = ExportsOf(call, module);
   if (!exports) return Refuse(ERROR_MOD_NOT_FOUND, FARPROC{});
   const auto found = std::ranges::find(*exports, std::string_view(name), &Export::name);
-  const bool isThere = found != exports->end() && !IsMissing(call->system, name);
+  const bool isThere = found != exports->end() && !IsMissing(call->system.version, name);
   return isThere ? found->address : Refuse(ERROR_PROC_NOT_FOUND, FARPROC{});
 }

@@ -350,13 +350,16 @@ Description Of(const DeviceCall& e) {
           {{"device", std::string_view(e.device)}, {"call", std::string_view(e.call)}}};
 }
 Description Of(const TrayChange& e) {
+  constexpr int kUnscaledIcon = 16;
   constexpr std::string_view kActions[] = {"added", "changed", "removed"};
   const std::string_view action = kActions[static_cast<size_t>(e.action)];
   Description tray = {"tray", "tray " + Number(e.id), {{"id", e.id}, {"action", action}}};
   if (e.action != TrayChange::Action::kChanged) tray.words.append(" ").append(action);
   if (e.picture) {
     tray.words += " picture " + Number(*e.picture);
+    if (e.pictureSize != kUnscaledIcon) tray.words += " of " + Number(e.pictureSize) + " pixels";
     tray.fields.emplace_back("picture", *e.picture);
+    tray.fields.emplace_back("size", e.pictureSize);
   }
   if (e.tooltip) {
     tray.words += " tooltip " + Quoted(*e.tooltip);

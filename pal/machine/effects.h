@@ -102,6 +102,7 @@ struct TrayChange {
   Action action = Action::kAdded;
   uint32_t id = 0;
   std::optional<int> picture;
+  int pictureSize = 0;  // pixels
   std::optional<std::u16string> tooltip;
   std::optional<TrayBalloon> balloon;
 };

@@ -32,9 +32,10 @@ int FindIcon(const Call& call, HINSTANCE instance, LPCWSTR name) {
 
 namespace pal {
 
-HICON Pictures::Load(int resource) {
+HICON Pictures::Load(int resource, int size) {
   const auto icon = reinterpret_cast<HICON>(++last_);
   loaded_[icon] = resource;
+  sizes_[icon] = size;
   return icon;
 }
 
@@ -50,6 +51,11 @@ int Pictures::ResourceOf(HICON icon) const {
   for (const auto* pictures : {&loaded_, &shared_})
     if (const auto found = pictures->find(icon); found != pictures->end()) return found->second;
   return 0;
+}
+
+int Pictures::SizeOf(HICON icon) const {
+  const auto found = sizes_.find(icon);
+  return found == sizes_.end() ? 0 : found->second;
 }
 
 }  // namespace pal
@@ -68,7 +74,7 @@ HANDLE WINAPI LoadImageW(HINSTANCE instance, LPCWSTR name, UINT type, int width,
   if (type != IMAGE_ICON || flags != LR_DEFAULTCOLOR || width < 0 || height < 0)
     Die("LoadImageW of anything but an icon of the program");
   const int resource = FindIcon(call, instance, name);
-  return resource != 0 ? call->pictures.Load(resource) : nullptr;
+  return resource != 0 ? call->pictures.Load(resource, width) : nullptr;
 }
 
 BOOL WINAPI DestroyIcon(HICON icon) {
@@ -81,4 +87,14 @@ int WINAPI GetSystemMetrics(int metric) {
   const auto* row = std::ranges::find(kMetrics, metric, &Metric::number);
   if (row == std::end(kMetrics)) Die("GetSystemMetrics of an unknown measure");
   return row->value;
+}
+
+UINT WINAPI GetDpiForWindow(HWND window) {
+  const Call call("GetDpiForWindow");
+  return call.Fails() || !call->desktop.Find(window) ? 0 : call->desktop.dpi;
+}
+
+int WINAPI GetSystemMetricsForDpi(int metric, UINT dpi) {
+  constexpr int kUnscaled = 96;
+  return GetSystemMetrics(metric) * static_cast<int>(dpi) / kUnscaled;
 }

@@ -19,7 +19,10 @@ std::u16string TextOf(const WCHAR (&field)[Size]) {
 // Takes over the fields that the record declares valid, and notes them in the effect.
 void Apply(const Pictures& pictures, const NOTIFYICONDATAW& data, TrayIcon& icon, TrayChange& change) {
   if (data.uFlags & NIF_MESSAGE) icon.callbackMessage = data.uCallbackMessage;
-  if (data.uFlags & NIF_ICON) change.picture = icon.picture = pictures.ResourceOf(data.hIcon);
+  if (data.uFlags & NIF_ICON) {
+    change.picture = icon.picture = pictures.ResourceOf(data.hIcon);
+    change.pictureSize = pictures.SizeOf(data.hIcon);
+  }
   if (data.uFlags & NIF_TIP) change.tooltip = icon.tooltip = TextOf(data.szTip);
   if (data.uFlags & NIF_INFO)
     change.balloon =

@@ -134,6 +134,7 @@ class Desktop {
   // The program is gone, the windows of others stay.
   void ForgetProgram();
 
+  UINT dpi = 96;            // the display's scaling
   bool isElevated = false;  // the program has higher rights than all others
   // Windows has the screen: what programs inject goes nowhere.
   bool isLocked = false;

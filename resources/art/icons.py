@@ -2,18 +2,21 @@
 """Draws the program's icons and writes them to resources/icons.
 
 Every size is drawn for itself on whole pixels; no picture is scaled. A dark outline carries the pictures on a light
-taskbar, a light body on a dark one. Battery levels differ in their bars as well as in colour.
+taskbar, a light body on a dark one, where the outline is not seen: so what belongs together touches inside it. Battery levels
+differ in their bars as well as in colour.
 """
 import struct
 import sys
+import zlib
 from pathlib import Path
 
 sys.dont_write_bytecode = True
 from raster import Canvas, arc, circle, line, rectangle, rounded
 
 FOLDER = Path(__file__).resolve().parents[1] / "icons"
-SMALL_SIZES = (16, 20, 24, 32, 48)
+SMALL_SIZES = (16, 20, 24, 32, 40, 48, 256)
 LARGE_SIZES = SMALL_SIZES + (64,)
+PNG_FROM = 256  # pixels; smaller pictures are plain, as old programs expect them
 
 INK = (24, 34, 44)
 BODY = (246, 249, 251)
@@ -35,8 +38,10 @@ BATTERY = {
     20: (1, 1, 4, 1, 8, 2, 6),
     24: (1, 1, 5, 1, 11, 3, 7),
     32: (2, 2, 6, 2, 12, 2, 8),
+    40: (2, 2, 8, 2, 16, 4, 10),
     48: (3, 2, 10, 2, 20, 4, 12),
     64: (4, 3, 13, 3, 26, 5, 16),
+    256: (10, 8, 56, 8, 116, 36, 72),
 }
 OUTLINE = {size: row[0] for size, row in BATTERY.items()}
 
@@ -56,11 +61,11 @@ class BatteryCase:
         self.rim = outline + rim
         middle = self.top + self.height / 2
         right = self.left + self.width
-        self.paint(rectangle(right - 1, middle - pole_height / 2, right + pole, middle + pole_height / 2), METAL)
         corner = 0.6 + 1.4 * outline
         self.paint(rounded(self.left, self.top, right, self.top + self.height, corner), INK)
         self.paint(rounded(self.left + outline, self.top + outline, right - outline, self.top + self.height - outline,
                            corner - outline), fill)
+        self.paint(rectangle(right - outline, middle - pole_height / 2, right + pole, middle + pole_height / 2), METAL)
 
     def paint(self, shapes, colour):
         if isinstance(shapes[0], tuple):
@@ -137,10 +142,12 @@ def draw_mains(size):
         canvas.fill(rounded(left, 0, right, shoulder + edge, edge, edge, 0, 0), INK)
         canvas.fill(rectangle(left + edge, edge, right - edge, shoulder + edge), BODY)
     canvas.fill(rectangle(middle - cable - edge, bottom, middle + cable + edge, size), INK)
-    canvas.fill(rectangle(middle - cable, bottom, middle + cable, size), METAL)
     canvas.fill(rounded(middle - reach, shoulder, middle + reach, bottom + edge, edge, edge, bend, bend), INK)
     canvas.fill(rounded(middle - reach + edge, shoulder + edge, middle + reach - edge, bottom, 0, 0,
                         bend - edge, bend - edge), BLUE)
+    canvas.fill(rectangle(middle - cable, bottom, middle + cable, size), METAL)
+    for left in (middle - unit(5), middle + unit(1)):
+        canvas.fill(rectangle(left + edge, shoulder, left + unit(4) - edge, shoulder + edge), BODY)
     return canvas
 
 
@@ -197,10 +204,24 @@ def pictures():
     yield "program", LARGE_SIZES, draw_program
 
 
+def png_image(canvas):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+    rows = bytearray()
+    for row in canvas.pixels:
+        rows.append(0)  # no filter
+        for red, green, blue, alpha in row:
+            rows += bytes((round(red), round(green), round(blue), round(alpha * 255)))
+    header = struct.pack(">IIBBBBB", canvas.size, canvas.size, 8, 6, 0, 0, 0)
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows, 9)) + chunk(b"IEND", b""))
+
+
 def icon_image(canvas):
-    """One picture of an icon file: header, rows from the bottom as blue, green, red, alpha, then the mask of
-    holes for screens that know no alpha."""
+    """One picture of an icon file: a large one as PNG, else header, rows from the bottom as blue, green, red, alpha,
+    then the mask of holes for screens that know no alpha."""
     size = canvas.size
+    if size >= PNG_FROM:
+        return png_image(canvas)
     colours, mask = bytearray(), bytearray()
     for row in reversed(canvas.pixels):
         for red, green, blue, alpha in row:

@@ -285,10 +285,10 @@ std::string WineWorld::Run(const Fields& words) {
 
 // What a program does to Windows itself cannot be seen from beside it.
 bool WineWorld::Sees(std::string_view line) const {
-  constexpr std::string_view kUnseen[] = {"awake",   "stays awake", "may sleep",  "session ", "beep",
-                                          "sound ",  "run ",        "macro ",     "timer ",   "registry ",
-                                          "file ",   "debug ",      "menu ",      "chosen ",  "box ",
-                                          "answer ", "dialog ",     "foreground "};
+  constexpr std::string_view kUnseen[] = {"awake",   "stays awake", "may sleep",   "session ",    "beep",
+                                          "sound ",  "run ",        "macro ",      "timer ",      "registry ",
+                                          "file ",   "debug ",      "menu ",       "chosen ",     "box ",
+                                          "answer ", "dialog ",     "foreground ", "opened file "};
   return std::ranges::none_of(kUnseen, [&](std::string_view word) { return line.starts_with(word); });
 }
 

@@ -1,9 +1,13 @@
 #include <dbt.h>
 
+#include "base/table.h"
 #include "tests/tool_test.h"
 
 namespace veltra {
 namespace {
+
+constexpr RangeRow<int> kOverlapping[] = {{1, 3, 0}, {4, 6, 0}, {3, 3, 0}};
+static_assert(!AreApart(kOverlapping));
 
 using simulator::SimulatedTablet;
 

@@ -247,6 +247,8 @@ TEST_F(BoardTest, WithItsPowerOffTheCodecIsLeftAlone) {
   Operate(kAudioProfile, 3);
   EXPECT_EQ(NewBus(), BusLines{"20: 13 44"});  // the profile's expander bit, which is not the codec's
   EXPECT_EQ(Log(), "");
+  Resume();
+  EXPECT_EQ(NewBus().front(), "20: 12 26");  // nothing of the USB ports, which were left as they were
 }
 
 }  // namespace

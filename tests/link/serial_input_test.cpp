@@ -103,6 +103,7 @@ TEST_F(Serial, OpensWithItsSettingsAndKeepsTheDriversOthers) {
     EXPECT_EQ(serial.GetPort(), 2);
     EXPECT_EQ(serial.GetName(), u"name");
     EXPECT_EQ(serial.GetBaudRate(), 57600U);
+    EXPECT_EQ(pal::Select<pal::SerialOpened>(machine.Effects())[0].share, 3U);
     const DCB settings = port.Settings();
     const COMMTIMEOUTS timeouts = port.Timeouts();
     EXPECT_EQ(std::memcmp(&settings, &wanted, sizeof wanted), 0);
