@@ -37,6 +37,7 @@ void WarnLow() {
 
 void WarnAndPowerOff() {
   PlayResourceSound(IDW_CRITICAL_ALARM, false);
+  UpdateTrayIcon(MainWindow(), System().tray.LastTooltip, IDI_BATTERY_EMPTY, false);  // it may be hidden
   ShowTrayBalloon(LoadResString(IDS_CRITICAL_BALLOON));
   if (Power().isUpdateRunning()) return;  // the next check looks again
   Sleep(kCriticalWarningMs);
