@@ -6,12 +6,17 @@ if(NOT WIN32)
     NAMES x86_64-w64-mingw32-windres llvm-rc llvm-rc-19 llvm-rc-18 llvm-rc-17 llvm-rc-16 llvm-rc-15 llvm-rc-14)
 endif()
 
+configure_file(resources/version.h.in ${CMAKE_BINARY_DIR}/resources/version.h @ONLY)
+configure_file(resources/veltratool.manifest.in ${CMAKE_BINARY_DIR}/resources/veltratool.manifest @ONLY)
+
 function(veltra_resources target script)
   cmake_path(ABSOLUTE_PATH script)
   cmake_path(GET script PARENT_PATH folder)
   # What a script includes or embeds: no compiler tells Ninja.
-  file(GLOB used CONFIGURE_DEPENDS ${folder}/*.rc ${folder}/*.h ${folder}/*.txt ${folder}/*.manifest
-    ${PROJECT_SOURCE_DIR}/resources/icons/*.ico ${PROJECT_SOURCE_DIR}/resources/sounds/*.wav)
+  file(GLOB used CONFIGURE_DEPENDS ${folder}/*.rc ${folder}/*.h ${folder}/*.txt ${CMAKE_BINARY_DIR}/resources/*
+    ${PROJECT_SOURCE_DIR}/resources/version.rc ${PROJECT_SOURCE_DIR}/resources/icons/*.ico
+    ${PROJECT_SOURCE_DIR}/resources/sounds/*.wav)
+  target_include_directories(${target} PUBLIC ${CMAKE_BINARY_DIR})
 
   if(WIN32)
     target_sources(${target} PRIVATE ${script})
@@ -28,8 +33,8 @@ function(veltra_resources target script)
     set(compile /no-preprocess /C 65001 /FO ${output} -- ${text})
   endif()
   add_custom_command(OUTPUT ${output}
-    COMMAND ${CMAKE_CXX_COMPILER} -E -x c++ -DRC_INVOKED -I${PROJECT_SOURCE_DIR} -I${PROJECT_SOURCE_DIR}/pal/include
-      -MD -MF ${output}.d -MT ${output} ${script} -o ${text}
+    COMMAND ${CMAKE_CXX_COMPILER} -E -x c++ -DRC_INVOKED -I${PROJECT_SOURCE_DIR} -I${CMAKE_BINARY_DIR}
+      -I${PROJECT_SOURCE_DIR}/pal/include -MD -MF ${output}.d -MT ${output} ${script} -o ${text}
     COMMAND ${VELTRA_RESOURCE_COMPILER} ${compile}
     DEPENDS ${script} ${used}
     DEPFILE ${output}.d

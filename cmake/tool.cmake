@@ -124,13 +124,26 @@ veltra_room(tool BELOW report switches firmware power SOURCES
 veltra_by_itself(firmware/hex_file.cpp app/dialogs/firmware_dialog.cpp app/dialogs/options_dialog.cpp
   app/dialogs/power_meter.cpp)
 
+# veltra_ships(TARGET): what users get carries no symbols; they stand in symbols/, and debuggers know by the file's sum
+# which belong to it.
+function(veltra_ships target)
+  set(symbols ${CMAKE_BINARY_DIR}/symbols/$<TARGET_FILE_NAME:${target}>.debug)
+  set(objcopy ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0 ${VELTRA_MINGW_PREFIX}-objcopy)  # the time in the header
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/symbols
+    COMMAND ${objcopy} --only-keep-debug $<TARGET_FILE:${target}> ${symbols}
+    COMMAND ${objcopy} --strip-all --add-gnu-debuglink=${symbols} $<TARGET_FILE:${target}>
+    VERBATIM)
+endfunction()
+
 if(WIN32)
   # The entry is in the executable itself: nothing refers to it, so that a library would not bring it.
   add_executable(veltratool WIN32 app/entry.cpp)
   veltra_resources(veltratool resources/veltratool.rc)
   target_link_libraries(veltra_base PUBLIC version comctl32 shell32 comdlg32 winmm ole32 advapi32 user32 gdi32)
   target_link_libraries(veltratool PRIVATE veltra_tool)
-  target_link_options(veltratool PRIVATE -municode -s)
+  target_link_options(veltratool PRIVATE -municode)
+  veltra_ships(veltratool)
 else()
   target_sources(veltra_tool PRIVATE app/entry.cpp)
   target_link_libraries(veltra_base PUBLIC pal)
@@ -142,12 +155,14 @@ target_link_libraries(probe_text PUBLIC veltra_base)
 if(WIN32)
   add_executable(toolprobe tools/toolprobe.cpp)
   target_link_libraries(toolprobe PRIVATE probe_text user32)
-  target_link_options(toolprobe PRIVATE -s)
+  veltra_resources(toolprobe tools/toolprobe.rc)
+  veltra_ships(toolprobe)
 endif()
 
 # For the people who make firmware.
 add_executable(hexinfo tools/hexinfo.cpp tools/update_forecast.cpp)
 target_link_libraries(hexinfo PRIVATE veltra_cores)
 if(WIN32)
-  target_link_options(hexinfo PRIVATE -s)
+  veltra_resources(hexinfo tools/hexinfo.rc)
+  veltra_ships(hexinfo)
 endif()

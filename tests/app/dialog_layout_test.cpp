@@ -1,6 +1,7 @@
 // How the dialogs lie before the person, in both languages.
 #include <algorithm>
 
+#include "resources/version.h"
 #include "tests/dialog_test.h"
 
 namespace veltra {
@@ -103,7 +104,7 @@ TEST_F(DialogLayout, IsTheSameInBothLanguages) {
        u"Microphone:|On|Off|Microphone volume:|Switches|Switch 1 starts device:|Switch 1:|Switch 2:|"
        u"Disable USB ports (back) during Standby|Disable USB port (bottom) during Standby|Side buttons|"
        u"Top: (short)|ID:|...|Top: (long)|ID:|...|Middle:|Bottom: (short)|ID:|...|Bottom: (long)|ID:|...|"
-       u"Version PIC:|112|Version device:|1.0.0.0|&OK|",
+       u"Version PIC:|112|Version device:|" VELTRA_VERSION u"|&OK|",
        u"Flight mode|WLAN|Bluetooth|Mobile phone|Speakers On|Speakers Off|Speaker volume:|Headphones On|"
        u"Headphones Off|Microphone On|Microphone Off|Microphone volume:|Switch 1 starts device:|Switch 1:|"
        u"Switch 2:|Switches|Disable USB ports (back) during Standby|Disable USB port (bottom) during Standby|"
@@ -123,7 +124,7 @@ TEST_F(DialogLayout, IsTheSameInBothLanguages) {
        u"Microfoon:|Aan|Uit|Microfoonvolume:|Schakelaars|Toestel starten:|Schakelaar 1:|Schakelaar 2:|"
        u"USB poorten achteraan uitschakelen in slaapstand|USB poort onderaan uitschakelen in slaapstand|"
        u"Knoppen zijkant|Boven: (kort)|ID:|...|Boven: (lang)|ID:|...|Midden:|Onder: (kort)|ID:|...|"
-       u"Onder: (lang)|ID:|...|Versie PIC:|112|Versie toestel:|1.0.0.0|&OK|",
+       u"Onder: (lang)|ID:|...|Versie PIC:|112|Versie toestel:|" VELTRA_VERSION u"|&OK|",
        u"Vliegtuigstand|WLAN|Bluetooth|GSM|Luidsprekers Aan|Luidsprekers Uit|Luidsprekervolume:|"
        u"Hoofdtelefoon Aan|Hoofdtelefoon Uit|Microfoon Aan|Microfoon Uit|Microfoonvolume:|Toestel starten:|"
        u"Schakelaar 1:|Schakelaar 2:|Schakelaars|USB poorten achteraan uitschakelen in slaapstand|"

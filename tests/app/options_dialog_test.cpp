@@ -1,5 +1,6 @@
 #include <array>
 
+#include "resources/version.h"
 #include "simulator/macro_plugin.h"
 #include "tests/dialog_test.h"
 
@@ -43,7 +44,7 @@ TEST_F(Options, ShowsTheSettings) {
                                                        {IDO_SWITCH_2, u"A"},
                                                        {IDO_MIDDLE, u"<Disabled>"},
                                                        {IDO_PIC_VERSION, u"101"},
-                                                       {IDO_DEVICE_VERSION, u"1.0.0.0"}};
+                                                       {IDO_DEVICE_VERSION, u"" VELTRA_VERSION}};
   for (const auto& [id, text] : texts) EXPECT_EQ(person::Look(id).text, text) << id;
   for (const auto& [id, position, highest] :
        {std::array<int, 3>{IDO_SPEAKER_VOLUME, 5, 10}, std::array<int, 3>{IDO_MICROPHONE_VOLUME, 4, 9}}) {
