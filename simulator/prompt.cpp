@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <utility>
 
 #ifdef VELTRA_LIBEDIT
 #include <histedit.h>
@@ -24,10 +26,13 @@ bool IsCapable() {
 }
 
 // A world in wall time goes on while the person thinks.
-void AwaitInput(World& world) {
+void AwaitInput(World& world, const std::function<void()>& afterEachLook) {
   constexpr int kLookMs = 10;
   pollfd input{STDIN_FILENO, POLLIN, 0};
-  while (poll(&input, 1, kLookMs) == 0) world.GoOn();
+  while (poll(&input, 1, kLookMs) == 0) {
+    world.GoOn();
+    afterEachLook();
+  }
 }
 
 void RunPromptLine(Console& console, const std::string& line) {
@@ -39,7 +44,7 @@ void RunPlainPrompt(Console& console) {
   std::string line;
   while (!console.HasEnded()) {
     std::cout << "> " << std::flush;
-    AwaitInput(console.TheWorld());
+    AwaitInput(console.TheWorld(), [] {});
     if (!std::getline(std::cin, line)) return;
     RunPromptLine(console, line);
   }
@@ -53,9 +58,24 @@ Console& ConsoleOf(EditLine* editor) {
   return *static_cast<Console*>(console);
 }
 
+// What happens meanwhile takes the place of the line, which comes again below it.
+void AwaitKey(EditLine* editor) {
+  Console& console = ConsoleOf(editor);
+  bool isLineGone = false;
+  console.TheTimeline().OnPrint([&isLineGone] {
+    if (!std::exchange(isLineGone, true)) std::cout << "\r\033[K";
+  });
+  AwaitInput(console.TheWorld(), [&] {
+    if (!std::exchange(isLineGone, false)) return;
+    std::cout.flush();
+    el_set(editor, EL_REFRESH);
+  });
+  console.TheTimeline().OnPrint({});
+}
+
 // 1 when there is a character, 0 at the end of the input.
 int ReadCharacter(EditLine* editor, wchar_t* character) {
-  AwaitInput(ConsoleOf(editor).TheWorld());
+  AwaitKey(editor);
   std::mbstate_t state{};
   for (char byte = 0; read(STDIN_FILENO, &byte, 1) == 1;) {
     constexpr auto kUnfinished = static_cast<size_t>(-2);
@@ -104,7 +124,7 @@ void RunEditedPrompt(Console& console) {
   el_set(editor, EL_SIGNAL, 1);  // the terminal is as it was when the program is stopped
   el_set(editor, EL_HIST, history, past);
   el_set(editor, EL_GETCFN, ReadCharacter);
-  el_set(editor, EL_ADDFN, "complete", "complete the word", Complete);
+  el_wset(editor, EL_ADDFN, L"complete", L"complete the word", Complete);  // el_set leaks the two names
   el_set(editor, EL_BIND, "\t", "complete", nullptr);
   while (!console.HasEnded()) {
     int count = 0;
@@ -113,8 +133,9 @@ void RunEditedPrompt(Console& console) {
       std::cout << "\n";
       break;
     }
-    const std::string line(text, static_cast<size_t>(count));
-    if (line.find_first_not_of(" \t\r\n") != line.npos) history(past, &event, H_ENTER, text);
+    std::string line(text, static_cast<size_t>(count));
+    while (line.ends_with('\n') || line.ends_with(' ')) line.pop_back();
+    if (!line.empty()) history(past, &event, H_ENTER, line.c_str());
     RunPromptLine(console, line);
   }
   history_end(past);

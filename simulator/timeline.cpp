@@ -83,6 +83,7 @@ void Timeline::Add(TimelineEntry entry, bool noticed) {
 }
 
 void Timeline::Print(const TimelineEntry& entry) {
+  if (onPrint_) onPrint_();
   const std::string_view colour = inColour_ ? ColourOf(entry) : std::string_view();
   out_ << colour << std::setw(9) << FormatSeconds(entry.at) << "  " << std::left << std::setw(13) << entry.who
        << std::right << "  " << entry.text << (colour.empty() ? "" : kPlain) << "\n";

@@ -3,6 +3,7 @@
 // at.
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <map>
 #include <string>
@@ -28,6 +29,8 @@ class Timeline {
   void ShowAll(bool show) { showAll_ = show; }
   // Tells kinds of entries apart as a terminal does.
   void UseColours(bool use) { inColour_ = use; }
+  // Called before each entry that is printed.
+  void OnPrint(std::function<void()> listener) { onPrint_ = std::move(listener); }
   // Prints nothing at all.
   void Silence() { silent_ = true; }
 
@@ -55,6 +58,7 @@ class Timeline {
   size_t next_ = 0;            // the first entry that expectations look at
   Duration disorder_{0};
   std::map<std::string, size_t, std::less<>> nextOf_;  // and of one source
+  std::function<void()> onPrint_;
   bool showBytes_ = false;
   bool showAll_ = false;
   bool inColour_ = false;
