@@ -57,8 +57,8 @@ using Result = std::optional<LRESULT>;
 
 // ---- the window's life ------------------------------------------------------------------------------------
 
-// The shell tells with this message that it has started anew and forgotten all icons; 0 when the registration
-// failed.
+// The shell tells with this message that it has started again and forgotten all icons; 0 when the
+// registration failed.
 UINT TaskbarCreatedMessage = 0;
 
 Result OnCreate(const WindowMessage&) {
@@ -112,8 +112,8 @@ struct CopiedDataHandler {
 };
 
 constexpr RangeRow<CopiedDataHandler> kCopiedDataRows[] = {
-    {kInfraredRequest,
-     kInfraredRequestToo,
+    {kFirstInfraredRequest,
+     kLastInfraredRequest,
      {1, [](HWND sender, uint32_t, Bytes data) { ForwardInfraredRequest(sender, data); }}},
     {kFirmwareUpdate, kFirmwareUpdate, {{}, [](HWND, uint32_t, Bytes data) { StartFirmwareUpdate(data); }}},
     {kInfraredCancel,
@@ -247,17 +247,17 @@ Result OnSessionChange(const WindowMessage& m) {
 
 // ---- the controller ---------------------------------------------------------------------------------------
 
-Result OnPicByteMessage(const WindowMessage& m) {
+Result ReceivePicByte(const WindowMessage& m) {
   OnPicByte(static_cast<uint8_t>(m.wParam));
   return {};
 }
 
-Result OnPicLineLostMessage(const WindowMessage&) {
+Result ReceivePicLineLost(const WindowMessage&) {
   OnPicLineLost();
   return 0;
 }
 
-Result OnPicLineOpenedMessage(const WindowMessage& m) {
+Result ReceivePicLineOpened(const WindowMessage& m) {
   OnPicLineOpened(m.wParam);
   return 0;
 }
@@ -343,9 +343,9 @@ constexpr MessageRow kMessageRows[] = {
     {WM_WTSSESSION_CHANGE, true, OnSessionChange},
     {kPowerIconMessage, true, OnPowerIcon},
     {kToolIconMessage, true, OnToolIcon},
-    {WM_PIC_BYTE, true, OnPicByteMessage},
-    {WM_PIC_LINE_LOST, true, OnPicLineLostMessage},
-    {WM_PIC_LINE_OPENED, true, OnPicLineOpenedMessage},
+    {WM_PIC_BYTE, true, ReceivePicByte},
+    {WM_PIC_LINE_LOST, true, ReceivePicLineLost},
+    {WM_PIC_LINE_OPENED, true, ReceivePicLineOpened},
     {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
     {kDeviceToolRequest, true, OnDeviceToolRequest},
     {kDeviceReportRequest, true, OnDeviceReportRequest},

@@ -53,7 +53,7 @@ bool IsAnswerTo(std::string_view request) {
   return head && head->transmitted && head->Text() == request;
 }
 
-// Said unasked, it means that the controller has started anew.
+// Said unasked, it means that the controller has started again.
 void OnFirmware(std::string_view value) {
   if (!IsAnswerTo("Ready")) {
     ForgetHeldSwitches();

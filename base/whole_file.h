@@ -11,7 +11,7 @@ namespace veltra {
 // Empty when it cannot be opened or read.
 std::optional<std::string> ReadWholeFile(const WideText& path);
 
-// Makes the file, or makes it anew.
+// Makes the file, or replaces what it holds.
 bool WriteWholeFile(const WideText& path, Bytes content);
 
 }  // namespace veltra

@@ -101,7 +101,7 @@ struct BootSequence {
   // Empty when the file has no byte that can be programmed: then there is nothing to do and the state is
   // idle.
   BootEffects Start(const HexBytes& file);
-  // The number of answers that are expected behind the first: what PostProgress counts.
+  // The number of answers that are expected after the first: what PostProgress counts.
   [[nodiscard]] uint32_t StepCount() const;
 
   BootEffects OnEnterBootloader();

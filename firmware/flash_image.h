@@ -20,7 +20,7 @@ constexpr uint32_t kFlashSize = kFlashRowCount * kFlashRowSize;
 
 struct AddressRange {
   uint32_t begin;
-  uint32_t end;  // behind the last address
+  uint32_t end;  // after the last address
 };
 
 // Where an update writes. The first three pages, the last two and one row between are never written.

@@ -102,7 +102,7 @@ const char* TextOf(HexRule rule) {
     case HexRule::kBeginning:
       return "a line begins with \":\" (a record) or \";\" (a comment)";
     case HexRule::kDigits:
-      return "behind the \":\" stand hexadecimal digits only";
+      return "only hexadecimal digits follow the \":\"";
     case HexRule::kLength:
       return "a record is as long as its byte count says: 11 characters and two for each byte";
     case HexRule::kType:
@@ -110,7 +110,7 @@ const char* TextOf(HexRule rule) {
     case HexRule::kChecksum:
       return "the bytes of a record, checksum included, add up to 0 modulo 256";
     case HexRule::kNotBehindEnd:
-      return "behind the end-of-file record stand only comments and other end-of-file records";
+      return "only comments and other end-of-file records follow the end-of-file record";
   }
   return "";
 }

@@ -96,7 +96,7 @@ class HexBytes {
 enum class HexRule {
   kLongEnough,  // at least 11 characters
   kBeginning,   // ":" or ";"
-  kDigits,      // hexadecimal digits behind the ":"
+  kDigits,      // hexadecimal digits after the ":"
   kLength,      // as many characters as the byte count says
   kType,        // 00 to 05
   kChecksum,    // all bytes of the record add up to 0 modulo 256
@@ -135,7 +135,7 @@ class HexReader {
  public:
   // False when a line is at fault: what follows is not looked at.
   bool Take(std::string_view text);
-  // Once, behind the last piece.
+  // Once, after the last piece.
   HexReading Finish();
 
  private:
@@ -157,8 +157,8 @@ class HexReader {
 
   std::vector<HexBytes::Start> starts_;  // in the order of the file, like the bytes
   std::vector<uint8_t> bytes_;
-  uint64_t nextAddress_ = 0;  // behind the last byte
-  bool ascending_ = true;     // so far every record lay behind the ones before it
+  uint64_t nextAddress_ = 0;  // after the last byte
+  bool ascending_ = true;     // so far every record lay after the ones before it
   uint32_t upper_ = 0;
   bool endSeen_ = false;
 

@@ -1,4 +1,4 @@
-// What an input is made of: numbers, lowest byte first, and pieces behind their length. Behind its end all is
+// What an input is made of: numbers, lowest byte first, and pieces after their length. After its end all is
 // 0.
 #pragma once
 

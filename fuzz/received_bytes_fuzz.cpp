@@ -1,4 +1,4 @@
-// Any bytes on the line: the receiver stays sound, and a message put behind them in a fresh frame arrives.
+// Any bytes on the line: the receiver stays sound, and a message put after them in a fresh frame arrives.
 #include <algorithm>
 #include <cstdlib>
 

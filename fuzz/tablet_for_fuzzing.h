@@ -69,7 +69,7 @@ inline void SwitchController(Tablet& tablet, Input& input) {
 // A request whose answer goes to that application.
 inline void AskController(Tablet& tablet, Input& input) {
   const HWND sender = Application(tablet, input);
-  tablet.SendData(sender, veltra::kInfraredRequest, input.Piece());
+  tablet.SendData(sender, veltra::kFirstInfraredRequest, input.Piece());
 }
 
 inline void Update(Tablet& tablet, Input&) {

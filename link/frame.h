@@ -1,7 +1,7 @@
 // Frames on the controller's line, a pure core: a two-byte header, the message bytes with escapes, a checksum
 // and a trailer. Both directions look the same:
 //
-//   55 55  message bytes, each of 04 05 55 behind an escape byte 05  checksum, escaped likewise  04
+//   55 55  message bytes, each of 04 05 55 after an escape byte 05  checksum, escaped likewise  04
 //
 // The unescaped message bytes and the checksum add up to 0 modulo 256.
 #pragma once

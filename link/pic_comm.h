@@ -27,7 +27,7 @@ void OnPicPortChange(const WideText& portName, bool arrived);
 // as its name cannot come back before, and tries to open it again after the retry time.
 void OnPicLineLost();
 
-// Posted behind the bytes of earlier openings; `opening` counts them.
+// Posted after the bytes of earlier openings; `opening` counts them.
 void OnPicLineOpened(WPARAM opening);
 
 // After standby: opens the port at once when it is closed or was lost without notice.

@@ -7,7 +7,7 @@
 
 namespace veltra {
 
-// Made anew at every call. When the board's library does not answer, the report has no platform items; a
+// Made at every call. When the board's library does not answer, the report has no platform items; a
 // value that the controller has not sent is empty.
 WideText BuildDeviceReport(WPARAM selection);
 

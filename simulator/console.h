@@ -77,7 +77,7 @@ const ConsoleCommand* FindConsoleCommand(std::string_view name);
 inline constexpr std::string_view kWorldNames[] = {"tablet", "windows"};
 inline constexpr std::string_view kUnknownCommand = "unknown command, \"help\" lists them";
 
-// What the first word behind the command may be, where it is one of many names: settings, functions, buttons.
+// What the first word after the command may be, where it is one of many names: settings, functions, buttons.
 // Empty for other commands.
 std::vector<std::string_view> NamesFor(Console& console, std::string_view command);
 // A problem when the command has such names and this is none of them.

@@ -30,7 +30,7 @@ Controls Behind(Controls controls, std::string_view label) {
   return controls.subspan(static_cast<size_t>(found - controls.begin()));
 }
 
-// The controls of that kind that stand behind the label, until the next label behind one of them.
+// The controls of that kind that stand after the label, until the next label after one of them.
 std::vector<const ControlLook*> LabelledWith(Controls controls, std::string_view label,
                                              std::string_view kind) {
   std::vector<const ControlLook*> found;
@@ -85,7 +85,7 @@ bool Any(const ControlLook&) {
   return true;
 }
 
-// "press Speakers On": the button of that text behind that label.
+// "press Speakers On": the button of that text after that label.
 Problem RunPress(Console& console, Words words) {
   if (words.size() != 2 && words.size() != 3) return ExpectedArguments("[LABEL] BUTTON");
   World& world = console.TheWorld();
@@ -206,7 +206,7 @@ Problem RunDialog(Console& console, Words) {
 
 constexpr ConsoleCommand kCommands[] = {
     {"press", "[LABEL] BUTTON",
-     "press a button or check box, by its text or number; or the one behind that label", true, RunPress},
+     "press a button or check box, by its text or number; or the one after that label", true, RunPress},
     {"double-click", "CONTROL", "double-click a control", true, RunDoubleClick},
     {"choose", "LIST ENTRY", "choose in a drop-down list, named by its label or number", true, RunChoose},
     {"slide", "SLIDER POSITION", "drag a slider there", true, RunSlide},

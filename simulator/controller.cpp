@@ -86,7 +86,7 @@ std::string_view WireName(Button button) {
 constexpr uint8_t kTopBit = 0x80;
 
 // A byte whose loss, repetition or change of the top bit the checksum shows and the framing does not: not
-// zero, not part of an escape, no special byte with or without that bit. The type byte behind the header is
+// zero, not part of an escape, no special byte with or without that bit. The type byte after the header is
 // always one.
 size_t PlainByte(std::span<const uint8_t> frame) {
   constexpr size_t kTypeOffset = 2;

@@ -18,10 +18,10 @@ void AddFirmwareRow(FirmwareBytes& bytes, uint32_t row, uint32_t version = 1);
 // All 303 rows that an update may write.
 std::vector<uint32_t> ProgrammableRows();
 
-// Records of 16 bytes, with an end record and a line end behind it.
+// Records of 16 bytes, with an end record and a line end after it.
 std::string HexText(const FirmwareBytes& bytes);
 
-// What a flash that held `before` holds behind an update with that file: pages that it touches are erased,
+// What a flash that held `before` holds after an update with that file: pages that it touches are erased,
 // rows that it touches are written whole.
 std::vector<uint8_t> FlashAfterUpdate(std::span<const uint8_t> before, const FirmwareBytes& bytes);
 

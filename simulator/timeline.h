@@ -35,7 +35,7 @@ class Timeline {
   void Silence() { silent_ = true; }
 
   // Entries of different sources, the line or one `who`, have no exact order: one may stand up to that long
-  // behind its place.
+  // after its place.
   void AllowDisorder(Duration most) { disorder_ = most; }
 
   // Expectations look at what came after the last entry that one was met by. `pattern` is a part of a line,

@@ -1,7 +1,7 @@
 // The controller's side of the line: how messages become bytes and bytes become messages. Written from the
 // protocol alone and stricter than the tool's own receiver, so that each end checks the other.
 //
-//   55 55  type  content  checksum  04      04, 05 and 55 between header and trailer stand behind an escape
+//   55 55  type  content  checksum  04      04, 05 and 55 between header and trailer stand after an escape
 //   byte 05
 #pragma once
 

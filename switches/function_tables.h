@@ -23,8 +23,8 @@ constexpr const WCHAR* kPageVoiceTable = TEXT("PageVoice");
 constexpr const WCHAR* kWendleTable = TEXT("Wendle");
 constexpr const WCHAR* kLexoraTable = TEXT("Lexora");
 
-// Reads the table anew from the file of the current language, in its order. Entries without a value or a name
-// are left out; without the file or the section the table is empty.
+// Reads the table, at every call, from the file of the current language, in its order. Entries without a
+// value or a name are left out; without the file or the section the table is empty.
 std::vector<FunctionEntry> LoadFunctionTable(const WCHAR* section);
 
 }  // namespace veltra

@@ -1,5 +1,5 @@
 // The virtual joystick, through its driver's library. A missing library, a missing export, a driver that is
-// off or another version, a device in other hands: the joystick stays off and nothing is reported.
+// off or another version, a device in use by another program: the joystick stays off and nothing is reported.
 #pragma once
 
 #include <windows.h>

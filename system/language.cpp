@@ -28,7 +28,7 @@ LANGID CompleteLanguage(LANGID language) {
   return language;
 }
 
-// A block of 16 strings, each behind its length: the layout of string resources.
+// A block of 16 strings, each after its length: the layout of string resources.
 WideView StringInBlock(WideView block, size_t index) {
   for (;;) {
     if (block.empty()) return {};

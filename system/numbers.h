@@ -30,10 +30,10 @@ constexpr uint32_t kToolIconMessage = kFirstUserMessage + 1;
 
 // Posted for every received byte, in the order of arrival: wParam the byte, lParam the port's number.
 constexpr uint32_t WM_PIC_BYTE = kFirstApplicationMessage + 0xCD;
-// Posted behind the last byte when the monitor thread ends by itself because the device is gone: lParam the
+// Posted after the last byte when the monitor thread ends by itself because the device is gone: lParam the
 // port's number.
 constexpr uint32_t WM_PIC_LINE_LOST = kFirstApplicationMessage + 0xCE;
-// Posted behind the bytes of earlier openings when the port was opened: wParam which opening.
+// Posted after the bytes of earlier openings when the port was opened: wParam which opening.
 constexpr uint32_t WM_PIC_LINE_OPENED = kFirstApplicationMessage + 0xCF;
 // Posted to the Firmware dialog: wParam a BootProgress, lParam its detail.
 constexpr uint32_t WM_FIRMWARE_PROGRESS = kFirstApplicationMessage + 0xDE;
@@ -60,8 +60,8 @@ constexpr uint32_t kBatteryReport = 1;
 // ---- tags of copied data
 
 // To the main window.
-constexpr uint32_t kInfraredRequest = 0;
-constexpr uint32_t kInfraredRequestToo = 1;
+constexpr uint32_t kFirstInfraredRequest = 0;
+constexpr uint32_t kLastInfraredRequest = 1;
 constexpr uint32_t kFirmwareUpdate = 2;  // the path of the HEX file
 constexpr uint32_t kInfraredCancel = 3;
 constexpr uint32_t kFirstIdentityUpdate = 12344;  // in the order of the update table

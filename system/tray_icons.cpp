@@ -48,7 +48,7 @@ bool AddIcon(HWND window, UINT id, UINT message, int32_t iconId, const WideText&
   record.uCallbackMessage = message;
   record.hIcon = LoadTrayIcon(iconId);
   CopyText(record.szTip, tooltip);
-  // It may stand already: a try that timed out took effect, or the shell told anew and forgot nothing.
+  // It may stand already: a try that timed out took effect, or the shell told again and forgot nothing.
   return Shell_NotifyIconW(NIM_ADD, &record) || Shell_NotifyIconW(NIM_MODIFY, &record);
 }
 

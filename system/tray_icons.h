@@ -29,7 +29,7 @@ struct TrayState {
 constexpr UINT kPowerIconId = 1977;
 constexpr UINT kToolIconId = 1978;
 
-// Adds both icons with their first pictures; also after the shell has started anew. An icon that the shell
+// Adds both icons with their first pictures; also after the shell has started again. An icon that the shell
 // does not take, because it is not up yet, is tried again by RetryTrayIcons.
 void AddTrayIcons(HWND window);
 void RetryTrayIcons(HWND window);

@@ -129,7 +129,7 @@ void PrintRemarks(const HexRemarks& remarks) {
   if (remarks.segmentLine != 0)
     std::printf(
         "  warning: line %" PRIu64
-        ": segments (type 02) count for nothing, the data behind it go to lower addresses; use type 04\n",
+        ": segments (type 02) count for nothing, the data after it go to lower addresses; use type 04\n",
         remarks.segmentLine);
   if (remarks.oddUpperLine != 0)
     std::printf("  warning: line %" PRIu64 ": a type 04 record without exactly two data bytes\n",

@@ -17,7 +17,7 @@ namespace {
 // ---- how long it takes
 
 constexpr double kBitsPerByte = 10;       // start bit, 8 data bits, stop bit
-constexpr double kPausePerFrame = 0.005;  // the tool's, behind the first byte of each of its frames
+constexpr double kPausePerFrame = 0.005;  // the tool's, after the first byte of each of its frames
 
 struct LineUse {
   double bytes = 0;  // in both directions

@@ -11,7 +11,7 @@ namespace veltra {
 
 struct Range {
   uint64_t begin;
-  uint64_t end;  // behind the last address
+  uint64_t end;  // after the last address
 };
 
 struct UpdateForecast {

@@ -56,7 +56,7 @@ void OnProgress(HWND dialog, WPARAM progress, LPARAM lParam) {
     case BootProgress::kError:
       return ShowEnd(dialog, FormatText(kFailureText, TEXT("error"), detail));
     case BootProgress::kStepAnswered:
-      if (Firmware().bootloader.IsRunning()) ShowRunning(dialog);  // perhaps behind a time-out
+      if (Firmware().bootloader.IsRunning()) ShowRunning(dialog);  // perhaps after a time-out
       SendDlgItemMessageW(dialog, IDC_FIRMWARE_PROGRESS, PBM_STEPIT, 0, 0);
   }
 }

@@ -1,5 +1,5 @@
 // What the person sees of a firmware update: the choice of the file and the Firmware dialog. Once it is shown
-// there is no way back but the power-off behind its OK.
+// there is no way back but the power-off after its OK.
 #pragma once
 
 #include <windows.h>

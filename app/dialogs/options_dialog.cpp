@@ -184,7 +184,7 @@ void OnPicVersionDoubleClick(HWND dialog) {
 // ---- messages ---------------------------------------------------------------------------------------------
 
 struct CommandRow {
-  int first;  // controls of that row and the ones behind it
+  int first;  // controls of that row and the ones after it
   int count;
   WORD code;
   void (*handle)(HWND dialog, int index);

@@ -139,7 +139,7 @@ constexpr BrowsedKind kBrowsedKinds[] = {
      TEXT("exe")},
 };
 
-// Names and patterns, each behind a zero; the last one's own ends the list.
+// Names and patterns, each after a zero; the last one's own ends the list.
 WideText FilterList(const BrowsedKind& kind) {
   WideText list;
   for (const FileFilter& filter : kind.filters) {

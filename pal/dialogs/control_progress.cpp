@@ -9,7 +9,7 @@
 namespace pal {
 namespace {
 
-// A step beyond the end begins anew.
+// A step beyond the end begins again.
 int Step(ProgressState& state) {
   const int before = state.position;
   const int target = before + state.step;

@@ -14,7 +14,7 @@ struct DEV_BROADCAST_HDR {
   DWORD dbch_reserved;
 };
 
-// The name runs on behind the structure; dbcp_size counts it.
+// The name runs on after the structure; dbcp_size counts it.
 struct DEV_BROADCAST_PORT_W {
   DWORD dbcp_size;
   DWORD dbcp_devicetype;

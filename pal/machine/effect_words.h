@@ -17,7 +17,7 @@ std::string OneLine(std::u16string_view text);
 // 8-bit text, one character a byte, in the same way.
 std::string OneLine(std::string_view bytes);
 
-// What the person reads of a menu item: no mark of the access key, nothing of the short cut behind the text.
+// What the person reads of a menu item: no mark of the access key, nothing of the short cut after the text.
 std::u16string MenuLabel(std::u16string_view text);
 
 }  // namespace pal

@@ -11,7 +11,7 @@ constexpr int kShowDefault = 10;  // SW_SHOWDEFAULT
 
 Machine* currentMachine = nullptr;
 
-// The command line behind the program's name, as the entry gets it.
+// The command line after the program's name, as the entry gets it.
 std::u16string ArgumentsOf(std::u16string_view commandLine) {
   const bool quoted = commandLine.starts_with(u'"');
   size_t end = commandLine.find(quoted ? u'"' : u' ', quoted ? 1 : 0);

@@ -5,7 +5,7 @@ using namespace pal;
 
 namespace {
 
-Menu* FindOr1401(State& state, HMENU handle) {
+Menu* FindMenuOrRefuse(State& state, HMENU handle) {
   Menu* menu = state.menus.Find(handle);
   if (!menu) SetLastError(ERROR_INVALID_MENU_HANDLE);
   return menu;
@@ -13,7 +13,7 @@ Menu* FindOr1401(State& state, HMENU handle) {
 
 // The item, or none and the last error set.
 Menus::Place FindItem(const Call& call, HMENU menu, UINT item, UINT flags) {
-  if (!FindOr1401(call.Get(), menu)) return {};
+  if (!FindMenuOrRefuse(call.Get(), menu)) return {};
   const Menus::Place place = call->menus.FindItem(menu, item, flags);
   if (!place) SetLastError(ERROR_MENU_ITEM_NOT_FOUND);
   return place;
@@ -36,7 +36,7 @@ BOOL WINAPI DestroyMenu(HMENU menu) {
 HMENU WINAPI GetSubMenu(HMENU menu, int position) {
   const Call call("GetSubMenu");
   if (call.Fails()) return nullptr;
-  const Menu* found = FindOr1401(call.Get(), menu);
+  const Menu* found = FindMenuOrRefuse(call.Get(), menu);
   if (!found || position < 0 || static_cast<size_t>(position) >= found->items.size()) return nullptr;
   return found->items[static_cast<size_t>(position)].popup;
 }

@@ -1,4 +1,4 @@
-// Private-profile (ini) files. Each call reads the file anew.
+// Private-profile (ini) files. Each call reads the file again.
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -34,7 +34,7 @@ std::optional<std::u16string> FindValue(const Call& call, LPCWSTR section, LPCWS
   return profile ? FindProfileValue(profile->text, section, key) : std::nullopt;
 }
 
-// Strings behind each other, each with a terminator, and an empty one at the end.
+// Strings one after another, each with a terminator, and an empty one at the end.
 std::vector<std::u16string> SplitLines(LPCWSTR lines) {
   std::vector<std::u16string> split;
   for (; *lines != 0; lines += split.back().size() + 1) split.emplace_back(lines);

@@ -9,7 +9,7 @@
 
 namespace pal {
 
-// How the file stores its text: 8-bit in the code page, or UTF-16 little-endian behind a byte-order mark.
+// How the file stores its text: 8-bit in the code page, or UTF-16 little-endian after a byte-order mark.
 enum class ProfileEncoding { kCodePage, kUtf16 };
 
 struct ProfileText {

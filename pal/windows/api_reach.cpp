@@ -19,7 +19,7 @@ BOOL WINAPI ChangeWindowMessageFilterEx(HWND window, UINT message, DWORD action,
   const Call call("ChangeWindowMessageFilterEx");
   if (call.Fails()) return FALSE;
   if (action != MSGFLT_ALLOW || status) Die("ChangeWindowMessageFilterEx with another wish");
-  Window* found = FindOr1400(call.Get(), window);
+  Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return FALSE;
   found->admitted.insert(message);
   return TRUE;
@@ -29,7 +29,7 @@ PVOID WINAPI RegisterSuspendResumeNotification(HANDLE recipient, DWORD flags) {
   const Call call("RegisterSuspendResumeNotification");
   if (call.Fails()) return nullptr;
   if (flags != DEVICE_NOTIFY_WINDOW_HANDLE) Die("RegisterSuspendResumeNotification of a function");
-  Window* found = FindOr1400(call.Get(), static_cast<HWND>(recipient));
+  Window* found = FindOrRefuse(call.Get(), static_cast<HWND>(recipient));
   if (!found) return nullptr;
   found->hearsOfSleep = true;
   return found;
@@ -39,7 +39,7 @@ BOOL WINAPI WTSRegisterSessionNotification(HWND window, DWORD flags) {
   const Call call("WTSRegisterSessionNotification");
   if (call.Fails()) return FALSE;
   if (flags != NOTIFY_FOR_THIS_SESSION) Die("WTSRegisterSessionNotification of other sessions");
-  Window* found = FindOr1400(call.Get(), window);
+  Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return FALSE;
   found->hearsOfSession = true;
   return TRUE;

@@ -31,7 +31,7 @@ BOOL WINAPI ShowWindow(HWND window, int command) {
   HWND focusTo = nullptr;
   {
     const Call call;
-    Window* found = FindOr1400(call.Get(), window);
+    Window* found = FindOrRefuse(call.Get(), window);
     if (!found) return FALSE;
     const bool wasShown = (found->style & WS_VISIBLE) != 0;
     if (wasShown == show) return wasShown ? TRUE : FALSE;
@@ -59,7 +59,7 @@ BOOL WINAPI EnableWindow(HWND window, BOOL enable) {
   bool losesFocus = false;
   {
     const Call call;
-    Window* found = FindOr1400(call.Get(), window);
+    Window* found = FindOrRefuse(call.Get(), window);
     if (!found) return FALSE;
     const bool wasDisabled = (found->style & WS_DISABLED) != 0;
     if (wasDisabled != (enable != FALSE)) return wasDisabled ? TRUE : FALSE;
@@ -73,7 +73,7 @@ BOOL WINAPI EnableWindow(HWND window, BOOL enable) {
 
 BOOL WINAPI IsWindowEnabled(HWND window) {
   const Call call;
-  const Window* found = FindOr1400(call.Get(), window);
+  const Window* found = FindOrRefuse(call.Get(), window);
   return found && !(found->style & WS_DISABLED) ? TRUE : FALSE;
 }
 
@@ -82,7 +82,7 @@ HWND WINAPI SetFocus(HWND window) {
   {
     const Call call("SetFocus");
     if (call.Fails()) return nullptr;
-    const Window* found = window ? FindOr1400(call.Get(), window) : nullptr;
+    const Window* found = window ? FindOrRefuse(call.Get(), window) : nullptr;
     if (window && (!found || (found->style & WS_DISABLED))) return nullptr;
     before = call->desktop.Focus();
     if (before == window) return before;
@@ -100,7 +100,7 @@ BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width,
   if (flags & ~kKnown) Die("SetWindowPos with an unknown flag");
   const bool reorders = !(flags & SWP_NOZORDER);
   if (reorders && insertAfter != HWND_TOP && insertAfter != HWND_TOPMOST) Die("SetWindowPos behind a window");
-  Window* found = FindOr1400(call.Get(), window);
+  Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return FALSE;
   RECT& rect = found->rect;
   const SIZE size = {rect.right - rect.left, rect.bottom - rect.top};

@@ -112,7 +112,7 @@ HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR title, DWO
 BOOL WINAPI DestroyWindow(HWND window) {
   const Call call("DestroyWindow");
   if (call.Fails()) return FALSE;
-  const Window* found = FindOr1400(call.Get(), window);
+  const Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return FALSE;
   if (!found->thread || found->thread != Scheduler::Current()) return Refuse(ERROR_ACCESS_DENIED, FALSE);
   DestroyTree(call.Get(), window);
@@ -121,7 +121,7 @@ BOOL WINAPI DestroyWindow(HWND window) {
 
 BOOL WINAPI IsWindow(HWND window) {
   const Call call;
-  return FindOr1400(call.Get(), window) ? TRUE : FALSE;
+  return FindOrRefuse(call.Get(), window) ? TRUE : FALSE;
 }
 
 LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -180,7 +180,7 @@ DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD process) {
   constexpr DWORD kOwn = 1;
   constexpr DWORD kOther = 2;
   const Call call;
-  const Window* found = FindOr1400(call.Get(), window);
+  const Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return 0;
   *process = found->thread ? kOwn : kOther;
   return *process;
@@ -189,7 +189,7 @@ DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD process) {
 BOOL WINAPI SetForegroundWindow(HWND window) {
   const Call call("SetForegroundWindow");
   if (call.Fails()) return FALSE;
-  const Window* found = FindOr1400(call.Get(), window);
+  const Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return FALSE;
   call->desktop.foreground = window;
   call->Emit(ForegroundSet{found->windowClass->name});
@@ -198,7 +198,7 @@ BOOL WINAPI SetForegroundWindow(HWND window) {
 
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect) {
   const Call call;
-  const Window* found = FindOr1400(call.Get(), window);
+  const Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return FALSE;
   *rect = call->desktop.ScreenRect(*found);
   return TRUE;
@@ -206,7 +206,7 @@ BOOL WINAPI GetWindowRect(HWND window, LPRECT rect) {
 
 BOOL WINAPI ScreenToClient(HWND window, LPPOINT point) {
   const Call call;
-  const Window* found = FindOr1400(call.Get(), window);
+  const Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return FALSE;
   const RECT rect = call->desktop.ScreenRect(*found);
   point->x -= rect.left;
@@ -216,7 +216,7 @@ BOOL WINAPI ScreenToClient(HWND window, LPPOINT point) {
 
 LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index) {
   const Call call;
-  Window* found = FindOr1400(call.Get(), window);
+  Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return 0;
   if (const LONG_PTR* value = NamedLong(*found, index)) return *value;
   if (IsInExtra(*found, index)) {
@@ -235,7 +235,7 @@ LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index) {
 LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
   const LONG_PTR before = GetWindowLongPtrW(window, index);
   const Call call;
-  Window* found = FindOr1400(call.Get(), window);
+  Window* found = FindOrRefuse(call.Get(), window);
   if (!found) return 0;
   SetLastError(ERROR_SUCCESS);
   if (LONG_PTR* named = NamedLong(*found, index)) {

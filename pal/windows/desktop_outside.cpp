@@ -18,7 +18,7 @@ std::vector<uint8_t> CopyPointedTo(UINT message, LPARAM lParam) {
   return {bytes, bytes + header->dbch_size};
 }
 
-// Copied data as the receiver sees it: the structure, and the payload right behind it.
+// Copied data as the receiver sees it: the structure, and the payload right after it.
 std::vector<uint8_t> PackCopyData(uint64_t tag, std::span<const uint8_t> payload) {
   std::vector<uint8_t> packed(sizeof(COPYDATASTRUCT) + payload.size());
   uint8_t* bytes = packed.data() + sizeof(COPYDATASTRUCT);

@@ -132,7 +132,7 @@ std::optional<int> RunNestedLoop(State& state, Thread& self, const std::function
   return std::nullopt;
 }
 
-Window* FindOr1400(State& state, HWND handle) {
+Window* FindOrRefuse(State& state, HWND handle) {
   Window* window = state.desktop.Find(handle);
   if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
   return window;

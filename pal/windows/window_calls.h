@@ -27,7 +27,7 @@ std::optional<int> RunNestedLoop(State& state, Thread& self, const std::function
                                  const std::function<void(const MSG&)>& dispatch = {});
 
 // Null, and the last error set, when there is no such window.
-Window* FindOr1400(State& state, HWND handle);
+Window* FindOrRefuse(State& state, HWND handle);
 
 // Puts a message into the queue of the window's thread; 0 or the error.
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam);

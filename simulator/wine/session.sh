@@ -71,7 +71,7 @@ REGEDIT4
 END
 }
 
-# Wine links its COM ports anew when it starts, from the registry: hence the end of the first start.
+# Wine links its COM ports again when it starts, from the registry: hence the end of the first start.
 make_prefix() {
   settings >"$scratch/settings.reg"
   cmp -s "$scratch/settings.reg" "$WINEPREFIX/veltra-settings.reg" && return 0

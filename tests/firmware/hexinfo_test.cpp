@@ -86,7 +86,7 @@ TEST_F(Hexinfo, TellsWhatAnUpdateDoesWithAFile) {
        "  0.1 s at 57600 baud (602" +
            time + "  in the flash, CRC-32 DC3E41E4:\n    0x01800 to 0x018FF  256 bytes\n" + erased +
            "    0x01900 to 0x01FFF  1792 bytes\n"
-           "  warning: line 1: segments (type 02) count for nothing, the data behind it go to lower "
+           "  warning: line 1: segments (type 02) count for nothing, the data after it go to lower "
            "addresses; use type 04\n"
            "  warning: line 2: a type 04 record without exactly two data bytes\n"
            "  warning: the last line has no line end, its 11 characters are not read\n"
@@ -120,7 +120,7 @@ TEST_F(Hexinfo, SaysWhyAFileIsRefused) {
        "  line 2 breaks the rule: the bytes of a record, checksum included, add up to 0 modulo 256\n    "
        ":011800005593\n"},
       {":011800005592 \n",
-       "  line 1 breaks the rule: behind the \":\" stand hexadecimal digits only\n    :011800005592 \n"},
+       "  line 1 breaks the rule: only hexadecimal digits follow the \":\"\n    :011800005592 \n"},
       {"a\tline\x80\n",
        "  line 1 breaks the rule: a line, comments included, has at least 11 characters\n    "
        "a\\x09line\\x80\n"},

@@ -75,7 +75,7 @@ TEST(Windows, KeepWhatTheProgramStoresInThem) {
   EXPECT_EQ(SetWindowLongPtrW(window.Get(), second, 9), 0);
   EXPECT_EQ(GetWindowLongPtrW(window.Get(), GWLP_USERDATA), 8);
   EXPECT_EQ(GetWindowLongPtrW(window.Get(), second), 9);
-  EXPECT_EQ(GetWindowLongPtrW(window.Get(), 2 * second), 0);  // behind the extra bytes
+  EXPECT_EQ(GetWindowLongPtrW(window.Get(), 2 * second), 0);  // after the extra bytes
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_INDEX));
 }
 

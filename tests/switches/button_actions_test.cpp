@@ -11,7 +11,7 @@ struct Row {
   int type;
   int value;
   std::string text;
-  std::string did;  // behind the end of the sound that plays
+  std::string did;  // after the end of the sound that plays
 };
 
 class ButtonActions : public ToolTest {

@@ -23,7 +23,7 @@ std::span<const Command> RegistryCommands();
 void RunCommand(const std::string& line);
 
 // ---- for the commands
-// Decimal, hexadecimal behind 0x, or negative.
+// Decimal, hexadecimal after 0x, or negative.
 unsigned long long Number(const std::string& word);
 // Sends to another program's window; nothing when there is no answer in time.
 std::optional<LRESULT> TrySend(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -200,7 +200,7 @@ constexpr Command kCommands[] = {
     {"watch", 0, RunWatch},        // becomes the taskbar, and hears what is told to everybody
     {"open", 1, RunOpen},          // CLASS: a watched window of that class
     {"close", 1, RunClose},        // CLASS: yes, or no
-    {"hang", 1, RunHang},          // CLASS: opens it anew
+    {"hang", 1, RunHang},          // CLASS: opens it again
     {"wake", 1, RunWake},          // CLASS
     {"field", 1, RunField},        // CAPTION
     {"hold", 1, RunHold},          // NAME: a mutex

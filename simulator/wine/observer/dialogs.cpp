@@ -55,7 +55,7 @@ std::string Field(std::string_view text) {
   return field;
 }
 
-// "control ID KIND TEXT STATE POSITION COUNT ENTRY...", each behind a tab; the state is s(hown), e(nabled),
+// "control ID KIND TEXT STATE POSITION COUNT ENTRY...", each after a tab; the state is s(hown), e(nabled),
 // c(hecked).
 std::string Look(HWND control) {
   const std::string kind = Utf8(ClassOf(control));
@@ -68,7 +68,7 @@ std::string Look(HWND control) {
          Field(TextOf(control)) + Field(state) + Field(std::to_string(at));
 }
 
-// "dialog TITLE" with its controls behind it, for each of them.
+// "dialog TITLE" with its controls after it, for each of them.
 std::string RunDialogs(const Words&) {
   std::string all;
   for (const HWND dialog : Dialogs()) {
