@@ -12,7 +12,7 @@ namespace {
 
 constexpr DWORD kKnownFlags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
 
-thread_local DWORD lastError = 0;
+thread_local DWORD boxError = 0;
 
 std::u16string TextOrNone(const WCHAR* text) {
   return text ? std::u16string(text) : std::u16string();
@@ -73,11 +73,11 @@ std::optional<std::u16string> Ask(const OpenFileBox& shown) {
 }  // namespace
 
 DWORD WINAPI CommDlgExtendedError() {
-  return lastError;
+  return boxError;
 }
 
 BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW box) {
-  lastError = 0;
+  boxError = 0;
   {
     const Call call("GetOpenFileNameW");
     if (call.Fails()) return FALSE;
@@ -85,7 +85,7 @@ BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW box) {
   if (box->lStructSize != sizeof(OPENFILENAMEW) || !box->lpstrFile) return FALSE;
   if (box->Flags & ~kKnownFlags) Die("GetOpenFileNameW with an unknown flag");
   if (TextOrNone(box->lpstrFile).find_first_of(u"\"<>|") != std::u16string::npos) {
-    lastError = FNERR_INVALIDFILENAME;
+    boxError = FNERR_INVALIDFILENAME;
     return FALSE;
   }
   const bool disables = box->hwndOwner && IsWindowEnabled(box->hwndOwner);
