@@ -42,7 +42,7 @@ struct LinkState {
   std::shared_ptr<VeltraFramework::CSerialInput> picPort;  // null while the port is closed
   uint32_t openings = 0;                                   // of the port so far
   bool retryIsDue = false;                                 // the port will be tried once more
-  void (*whenLineIsGone)() = nullptr;                      // lets go of what the switches hold down
+  void (*whenLineIsGone)() = nullptr;                      // releases what the switches hold down
   LinkReceiver receiver;
   PicQueue picQueue;
   bool queueIsReserved = false;  // a firmware update has it to itself

@@ -28,7 +28,7 @@ struct JoystickLibrary {
 void StartVirtualJoystick();
 // Takes the device again when it was given up meanwhile. A device that this program owns is left as it is.
 void AcquireVirtualJoystick();
-// Presses or lets go a button, 1 to 8. Nothing while the device is not acquired.
+// Presses or releases a button, 1 to 8. Nothing while the device is not acquired.
 void SetJoystickButton(bool down, UCHAR button);
 // Gives the device back when it was acquired.
 void StopVirtualJoystick();

@@ -9,7 +9,7 @@ namespace veltra {
 // WM_PAINT of the dialog.
 void PaintSwitchIndicator(HWND dialog);
 
-// A switch was pressed or let go: the dialog, if it is open, paints the indicator again.
+// A switch was pressed or released: the dialog, if it is open, paints the indicator again.
 void RepaintSwitchIndicator();
 
 // A double click on the indicator: the next of the two steps of the service gesture.

@@ -34,7 +34,7 @@ struct HeldOutput {
   const WCHAR* application = nullptr;  // or the class of the application that was given the press
   WCHAR releaseLetter = 0;             // and the letter by which it hears of the release
   bool releasedEarly =
-      false;  // it was let go before the switch was; the break to come has nothing left to release
+      false;  // it was released before the switch was; the break to come has nothing left to release
 };
 using HeldOutputs = std::array<HeldOutput, 2>;
 

@@ -11,7 +11,7 @@ namespace veltra {
 void InitSwitchLists(HWND dialog);
 
 // Tells the controller when switch 1 starts the tablet, and stores what is selected. A list without a
-// selection leaves its setting as it is. What a switch holds down is let go when its command changes.
+// selection leaves its setting as it is. What a switch holds down is released when its command changes.
 void StoreSwitchLists(HWND dialog);
 
 }  // namespace veltra

@@ -33,7 +33,7 @@ struct MacroStep {
   enum class Kind { kText, kKeys, kPause };
   Kind kind = Kind::kText;
   WideText text;               // to type
-  std::vector<MacroKey> keys;  // pressed in this order, let go in the opposite one
+  std::vector<MacroKey> keys;  // pressed in this order, released in the opposite one
   int count = 1;               // how often the last key is pressed meanwhile; of a pause: milliseconds
 };
 
