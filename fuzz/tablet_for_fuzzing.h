@@ -15,6 +15,7 @@
 #include "simulator/joystick.h"
 #include "simulator/macro_plugin.h"
 #include "simulator/tablet.h"
+#include "simulator/world.h"
 
 namespace fuzz {
 

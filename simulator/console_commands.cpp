@@ -202,6 +202,10 @@ Problem RunApp(Console& console, Words words) {
     return ExpectedArguments("open|close|hang|wake NAME");
   if (action == "open") {
     console.TheWorld().OpenApplication(words[2]);
+    if (std::ranges::find(kApplications, words[2]) != std::end(kApplications)) return {};
+    console.Out() << "  the tool does not look for it; it looks for:";
+    for (const std::string_view name : kApplications) console.Out() << " \"" << name << "\"";
+    console.Out() << "\n";
     return {};
   }
   if (action != "close") return console.TheWorld().HangApplication(words[2], action == "hang");

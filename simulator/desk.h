@@ -12,10 +12,6 @@ namespace simulator {
 // The libraries that the tool looks for.
 enum class Library { kJoystick, kMouseFilter, kBoard, kEnglishMacros, kDutchMacros };
 
-// Window classes of the maker's applications.
-inline constexpr std::string_view kApplications[] = {"Talk Builder", "Lexora", "Talk Builder 4 Class",
-                                                     "PageVoice", "Wendle"};
-
 class Desk {
  public:
   // Puts all libraries into the program's directory, their devices as new, and the function tables.

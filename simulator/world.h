@@ -34,6 +34,10 @@ inline constexpr uint32_t kStatusLedRequest = veltra::kStatusLedRequest;
 inline constexpr std::string_view kMainWindow = "VeltraInternal";
 inline constexpr std::string_view kDocuments = "C:\\Users\\Public\\Documents\\";
 inline constexpr std::string_view kDataFolder = "C:\\Users\\Public\\Documents\\Sarvik5\\";
+// Window classes of the maker's applications.
+inline constexpr std::string_view kApplications[] = {"Talk Builder", "Lexora", "Talk Builder 4 Class",
+                                                     "PageVoice", "Wendle"};
+
 inline constexpr Duration kPatience = std::chrono::seconds(30);
 
 // One line of what happens. `text` is worded alike in all worlds.

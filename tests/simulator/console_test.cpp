@@ -33,7 +33,8 @@ TEST_F(ConsoleTest, KnowsItsWords) {
   EXPECT_EQ(Completions(console, "se"), (Names{"settle", "set", "send-data"}));
   EXPECT_EQ(Completions(console, "set Sw1"), (Names{"Sw1CmdVal", "Sw1Start"}));
   EXPECT_EQ(Completions(console, "sw1 p"), Names{"press"});
-  ASSERT_EQ(Run("help set\ncontroller-power off\nsw1 press\n"), "");
+  ASSERT_EQ(Run("help set\ncontroller-power off\nsw1 press\napp open Lexorra\n"), "");
+  EXPECT_NE(out.str().find("it looks for: \"Talk Builder\""), std::string::npos);
   EXPECT_NE(out.str().find("AllowEscape"), std::string::npos);
   EXPECT_NE(out.str().find("the controller has no power"), std::string::npos);
 }
