@@ -17,6 +17,7 @@
 #include "switches/macro_plugin.h"
 #include "switches/switch_events.h"
 #include "system/sent_messages.h"
+#include "system/windows_version.h"
 
 namespace veltra {
 namespace {
@@ -61,10 +62,26 @@ void SwitchRadiosOn() {
   DeviceOperation(0, mayRadiate && Power().EnableMobilePhone ? kMobilePhoneOn : kMobilePhoneOff);
 }
 
+const WCHAR* IsThere(bool is) {
+  return is ? TEXT("there") : TEXT("missing");
+}
+
+// What a technician asks first.
+void LogWhatIsThere() {
+  Log().WriteDetail(TEXT("Startup"),
+                    FormatText(TEXT("version %s, COM%d %s"), GetOwnFileVersion(), Link().PicPortNumber,
+                               IsPicPortOpen() ? TEXT("open") : TEXT("not open")));
+  Log().WriteDetail(
+      TEXT("Startup"),
+      FormatText(TEXT("board %s, joystick %s, macros %s"), IsThere(Board().library != nullptr),
+                 IsThere(Switches().joystick.IsComplete()), IsThere(Switches().macros != nullptr)));
+}
+
 void Start() {
   StartBoardLibrary();
   Log().WriteDetail(TEXT("Startup"), TEXT("Application starting"));
   StartPicComm();
+  LogWhatIsThere();
   for (const char* query : kStartupQueries) SendText(query);
   QueryBatteryDetails();
   SwitchRadiosOn();

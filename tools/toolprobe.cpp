@@ -10,6 +10,7 @@
 
 #include "system/numbers.h"
 #include "tools/command_line_program.h"
+#include "tools/probe_surroundings.h"
 #include "tools/probe_text.h"
 
 namespace {
@@ -22,7 +23,7 @@ constexpr int kWrongUsage = 2;
 constexpr int kNoAnswer = 3;
 
 constexpr char kUsage[] =
-    "usage: toolprobe [--xml] [QUESTION...]\n"
+    "usage: toolprobe [--xml] [--log FILE] [QUESTION...]\n"
     "\n"
     "Asks the device tool that runs on this tablet and prints its answers. Questions, all of them when none "
     "is "
@@ -34,8 +35,11 @@ constexpr char kUsage[] =
     "  codec     whether the sound is ready\n"
     "  report    the device report\n"
     "\n"
-    "  --xml     print the device report as the document that programs get\n"
-    "  --help    print this\n"
+    "  --xml       print the device report as the document that programs get\n"
+    "  --log FILE  write the answers to a file, and after them settings, ports, libraries and log; also "
+    "when\n"
+    "              the tool does not run: what to send when something is wrong\n"
+    "  --help      print this\n"
     "\n"
     "Exit code: 0 answered, 1 the tool does not run, 2 wrong usage, 3 no answer.\n";
 
@@ -158,17 +162,21 @@ constexpr Question kQuestions[] = {
 struct Options {
   bool help = false;
   bool xml = false;
+  std::string log;  // empty: the answers go to the standard output
   std::vector<Question> questions;
 };
 
 std::optional<Options> ParseOptions(const std::vector<std::string>& arguments) {
   Options options;
-  for (const std::string& argument : arguments) {
+  for (size_t n = 0; n < arguments.size(); ++n) {
+    const std::string& argument = arguments[n];
     const auto* question = std::ranges::find(kQuestions, argument, &Question::name);
     if (argument == "--help")
       options.help = true;
     else if (argument == "--xml")
       options.xml = true;
+    else if (argument == "--log" && n + 1 < arguments.size())
+      options.log = arguments[++n];
     else if (question != std::end(kQuestions))
       options.questions.push_back(*question);
     else
@@ -193,8 +201,7 @@ class Utf8Console {
   UINT before_;  // 0: there is no console
 };
 
-int Run(const Options& options) {
-  const Utf8Console console;
+int AskAll(const Options& options) {
   Probe probe;
   probe.asXml = options.xml;
   probe.tool = FindWindowW(kToolWindow, nullptr);
@@ -208,6 +215,18 @@ int Run(const Options& options) {
   for (const Question& question : options.questions) answered = question.print(probe) && answered;
   DestroyWindow(probe.receiver);
   return answered ? kAnswered : kNoAnswer;
+}
+
+int Run(const Options& options) {
+  const Utf8Console console;
+  if (options.log.empty()) return AskAll(options);
+  if (!std::freopen(options.log.c_str(), "w", stdout)) {
+    std::fprintf(stderr, "toolprobe: %s cannot be written\n", options.log.c_str());
+    return kWrongUsage;
+  }
+  if (AskAll(options) == kNoTool) std::puts("the device tool does not run");
+  probe::PrintSurroundings();
+  return kAnswered;
 }
 
 }  // namespace

@@ -137,6 +137,12 @@ TEST_F(ProgramsTest, TheProbePrintsWhatTheToolKnows) {
         "codec           ready\n", "  DevSn              SV5-0012345\n", "  BoardName          QX7-i\n",
         "  MemType            DDR3\n", "  Cycles             37\n"})
     EXPECT_NE(text.find(line), std::string::npos) << line << " in " << text;
+  EXPECT_EQ(Probe({"--log", "C:\\veltra\\sent.txt"}, 0), "");
+  std::stringstream sent;
+  sent << std::ifstream(ProgramPath("sent.txt")).rdbuf();
+  for (const char* part : {"speaker volume  70", "SpeakerVol              70", "keapi.dll", "missing", "COM2",
+                           "veltratool.exe", "version 1.", " seen"})
+    EXPECT_NE(sent.str().find(part), std::string::npos) << part << " in " << sent.str();
   EXPECT_TRUE(Probe({"--xml", "report"}, 0).starts_with("<Report Version=\"1\">\n<Item C=\"HW\""));
 }
 
