@@ -60,10 +60,19 @@ can_run_with() {
   can_run "$@" || { install_packages $packages && can_run "$@"; }
 }
 
-# Prints what is missing and fails when the Windows programs cannot be built or run here.
-need_windows_tools() {
+need_windows_compilers() {
   need x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix || { echo "mingw-w64 is missing"; return 1; }
   need i686-w64-mingw32-g++-posix g++-mingw-w64-i686-posix || { echo "mingw-w64 for 32 bits is missing"; return 1; }
+}
+
+need_package_tools() {
+  need makensis nsis || { echo "makensis is missing"; return 1; }
+  need markdown_py python3-markdown || { echo "markdown_py is missing"; return 1; }
+}
+
+# Prints what is missing and fails when the Windows programs cannot be built or run here.
+need_windows_tools() {
+  need_windows_compilers || return 1
   need wine wine64 wine || { echo "Wine is missing"; return 1; }
   need Xvfb xvfb xauth || { echo "Xvfb is missing"; return 1; }
 }
