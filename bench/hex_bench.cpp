@@ -68,7 +68,7 @@ void Read(benchmark::State& state, const std::string& text) {
     if (reading.fault || reading.bytes.empty()) state.SkipWithError("refused");
     benchmark::DoNotOptimize(reading.bytes.size());
   }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 
 int Digit(char c) {
@@ -89,7 +89,7 @@ void PlainLoop(benchmark::State& state) {
     }
     benchmark::DoNotOptimize(bytes.data());
   }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 
 // The console's own lines, and the medians for the closing one.
@@ -126,7 +126,7 @@ int main(int argc, char** argv) {
                             16, [](uint32_t n) { return 16 * n; }, true)},
       {"OneByte", MakeText(1, [](uint32_t n) { return n; })},
       {"OneByteDescending", MakeText(1, [](uint32_t n) { return (1 << 24) - n; })},
-      {"OneByteScattered", MakeText(1, [odd](uint32_t n) { return odd * n; })},
+      {"OneByteScattered", MakeText(1, [](uint32_t n) { return odd * n; })},
   };
   for (const auto& [name, text] : texts)
     benchmark::RegisterBenchmark(name, [&text = text](benchmark::State& state) { Read(state, text); })
