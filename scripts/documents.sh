@@ -11,12 +11,15 @@ html() {
     echo 'body { max-width: 60em; margin: 2em auto; padding: 0 1em; font-family: sans-serif; line-height: 1.4 }'
     echo 'table { border-collapse: collapse } td, th { border: 1px solid #bbb; padding: .2em .6em; text-align: left; vertical-align: top }'
     echo 'pre { background: #eee; padding: .5em; overflow: auto }</style>'
-    markdown_py -x tables -x toc -x sane_lists | sed -E 's/href="([a-z_]+)\.md/href="\1.html/g'
+    # A link to a page that is not among these becomes plain text.
+    markdown_py -x tables -x toc -x sane_lists |
+      sed -E "s/href=\"(${names// /|})\.md/href=\"\1.html/g; s|<a href=\"[a-z_]+\.md[^>]*>([^<]*)</a>|\1|g"
   } >"$folder/$1.html"
 }
 
 folder=$1
-for name in deployment macros_and_tables window_interface controller_protocol windows_checklist; do
+names="deployment programs macros_and_tables window_interface controller_protocol windows_checklist"
+for name in $names; do
   html $name <"docs/$name.md"
 done
 html changes <CHANGELOG.md

@@ -18,7 +18,6 @@ Unicode true
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\VeltraDeviceTool"
 !define RUN_KEY "Software\Microsoft\Windows\CurrentVersion\Run"
 !define TOOL_KEY "SOFTWARE\Veltra\Sarvik5"
-!define FAST_START_KEY "SYSTEM\CurrentControlSet\Control\Session Manager\Power"
 !define WINDOW "VeltraInternal"  ; class and title
 !define PATIENCE 15000  ; ms for the tool to end, also in the middle of its start
 
@@ -26,6 +25,7 @@ Name "${PRODUCT}"
 OutFile "${OUTPUT}"
 RequestExecutionLevel admin
 ManifestSupportedOS all
+AllowSkipFiles off  ; or a silent installation would go on without a file
 SetCompressor /SOLID lzma
 SetDateSave off  ; the same bytes from the same files
 BrandingText "${PRODUCT} ${VERSION}"
@@ -64,6 +64,7 @@ Var Process  ; of the window that was asked last
   !insertmacro ${DO} "sarvikkey_English.ini"
   !insertmacro ${DO} "sarvikkey_Nederlands.ini"
   !insertmacro ${DO} "docs\deployment.html"
+  !insertmacro ${DO} "docs\programs.html"
   !insertmacro ${DO} "docs\macros_and_tables.html"
   !insertmacro ${DO} "docs\window_interface.html"
   !insertmacro ${DO} "docs\controller_protocol.html"
@@ -118,6 +119,8 @@ FunctionEnd
 ; Asks politely: the tool refuses while a firmware update runs.
 Function ${UN}EndTool
 again:
+  StrCpy $5 0
+look:
   FindWindow $0 "${WINDOW}" "${WINDOW}"
   ${If} $0 P<> 0
     Call ${UN}LookBehindWindow
@@ -128,7 +131,7 @@ again:
       Goto stays
     ${EndIf}
   ${EndIf}
-  ; In the session of somebody else it has no window for us.
+  ; At its very start it has no window yet, and in the session of somebody else none for us.
   ${IfNot} ${FileExists} "$INSTDIR\veltratool.exe"
     Return
   ${EndIf}
@@ -137,6 +140,11 @@ again:
   ${IfNot} ${Errors}
     FileClose $1
     Return
+  ${EndIf}
+  IntOp $5 $5 + 1
+  ${If} $5 < 10
+    Sleep 500
+    Goto look
   ${EndIf}
 stays:
   MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "$(TOOL_STAYS)" /SD IDCANCEL IDRETRY again
@@ -168,19 +176,23 @@ Function un.onInit
   StrCpy $Token 0
 FunctionEnd
 
-; With fast start-up on, the tool would ask for elevation at each log-on to turn it off.
-!macro TurnFastStartOff
-  ReadRegDWORD $0 HKLM "${FAST_START_KEY}" HiberbootEnabled
+; Two settings of Windows: while one is 1, the tool asks for elevation at each log-on to turn it off.
+!macro TurnOff KEY VALUE
+  ReadRegDWORD $0 HKLM "${KEY}" ${VALUE}
   ${If} $0 = 1
-    WriteRegDWORD HKLM "${FAST_START_KEY}" HiberbootEnabled 0
-    WriteRegDWORD HKLM "${UNINSTALL_KEY}" TurnedFastStartOff 1
+    WriteRegDWORD HKLM "${KEY}" ${VALUE} 0
+    WriteRegDWORD HKLM "${UNINSTALL_KEY}" Was1_${VALUE} 1
   ${EndIf}
 !macroend
-!macro TurnFastStartOnAgain
-  ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" TurnedFastStartOff
+!macro TurnOnAgain KEY VALUE
+  ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" Was1_${VALUE}
   ${If} $0 = 1
-    WriteRegDWORD HKLM "${FAST_START_KEY}" HiberbootEnabled 1
+    WriteRegDWORD HKLM "${KEY}" ${VALUE} 1
   ${EndIf}
+!macroend
+!macro ForEachSetting DO
+  !insertmacro ${DO} "SYSTEM\CurrentControlSet\Control\Session Manager\Power" HiberbootEnabled
+  !insertmacro ${DO} "SYSTEM\CurrentControlSet\Enum\PCI\VEN_8086&DEV_9C3A&SUBSYS_72708086&REV_04\3&11583659&0&B0\Device Parameters\WDF" IdleInWorkingState
 !macroend
 
 ; Nobody is without switches for longer than the files take: the rest comes before or after.
@@ -188,7 +200,7 @@ Section
   SetOutPath "$INSTDIR"
   CreateDirectory "$INSTDIR\docs"
   Call EndTool
-  !insertmacro TurnFastStartOff
+  !insertmacro ForEachSetting TurnOff
   !insertmacro ForEachFile Put
   ${If} $Token P= 0
   ${AndIfNot} ${Silent}
@@ -234,7 +246,7 @@ Section un.
   RMDir "$INSTDIR\docs"
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\${PRODUCT}.lnk"
-  !insertmacro TurnFastStartOnAgain
+  !insertmacro ForEachSetting TurnOnAgain
   DeleteRegValue HKLM "${RUN_KEY}" VeltraDeviceTool
   DeleteRegKey HKLM "${UNINSTALL_KEY}"
   MessageBox MB_YESNO|MB_ICONQUESTION|MB_DEFBUTTON2 "$(REMOVE_SETTINGS)" /SD IDNO IDNO keep
