@@ -32,6 +32,7 @@
 #include "resources/resource_ids.h"
 #include "switches/macro_plugin.h"
 #include "switches/switch_events.h"
+#include "switches/switch_outputs.h"
 #include "system/folders.h"
 #include "system/language.h"
 #include "system/message_box.h"

@@ -121,11 +121,19 @@ Problem RunShell(World& world, Words words) {
 }
 
 Problem RunScreen(World& world, Words words) {
-  const std::string_view word = Argument(words, 1);
-  if (words.size() != 2 || (word != "lock" && word != "unlock")) return ExpectedArguments("lock|unlock");
-  const bool locks = word == "lock";
-  TabletOf(world).Machine().desktop.isLocked = locks;
-  world.Ask(WM_WTSSESSION_CHANGE, locks ? WTS_SESSION_LOCK : WTS_SESSION_UNLOCK, 0);
+  struct Row {
+    std::string_view word;
+    bool isLocked;
+    WPARAM told;  // 0: nothing
+  };
+  constexpr Row kScreens[] = {{"lock", true, WTS_SESSION_LOCK},
+                              {"unlock", false, WTS_SESSION_UNLOCK},
+                              {"cover", true, 0},
+                              {"uncover", false, 0}};
+  const auto* row = std::ranges::find(kScreens, Argument(words, 1), &Row::word);
+  if (row == std::end(kScreens) || words.size() != 2) return ExpectedArguments("lock|unlock|cover|uncover");
+  TabletOf(world).Machine().desktop.isLocked = row->isLocked;
+  if (row->told != 0) world.Ask(WM_WTSSESSION_CHANGE, row->told, 0);
   return {};
 }
 
@@ -145,7 +153,7 @@ constexpr WorldCommand kCommands[] = {
      "the board's library; also start-, stop-, info-error, codec-errors, serves-messages NUMBER", RunBoard},
     {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", RunMacroPlugin},
     {"scaling", "PERCENT", "of the display, from the next icon on", RunScaling},
-    {"screen", "lock|unlock", "Windows' own desktop has the screen, or no more", RunScreen},
+    {"screen", "lock|unlock|cover|uncover", "Windows' own desktop has the screen, or no more", RunScreen},
     {"shell", "stop|start|restart|announce", "the taskbar goes, comes, comes again, or only says so",
      RunShell},
 };

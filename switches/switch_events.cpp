@@ -202,16 +202,8 @@ void ForgetHeldSwitches() {
   RepaintSwitchIndicator();
 }
 
-void NoteLockedScreen() {
-  for (const SwitchIndex index : {kSwitch1, kSwitch2})
-    Switches().heldAtLock[index] = Switches().heldOutputs[index].value;
-}
-
 void ReleaseAfterLock() {
-  for (const SwitchIndex index : {kSwitch1, kSwitch2}) {
-    const std::optional<int32_t> before = std::exchange(Switches().heldAtLock[index], std::nullopt);
-    if (before && before != Switches().heldOutputs[index].value) RepeatRelease(index, *before);
-  }
+  RepeatLostReleases();
   ForgetHeldSwitches();
 }
 

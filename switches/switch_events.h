@@ -35,12 +35,10 @@ constexpr bool IsSideButton(SwitchButton button) {
 // held any more, and neither the time nor the release of a side button does anything.
 void ForgetHeldSwitches();
 
-// The long-press timer of a side button fired; `timer` is its id.
-// A locked screen takes no input, and so no release: what was held when it was locked, and all that is held
-// when it is unlocked, is released then.
-void NoteLockedScreen();
+// The screen is unlocked: releases what Windows may have kept held, and all that is held now.
 void ReleaseAfterLock();
 
+// The long-press timer of a side button fired; `timer` is its id.
 void OnLongPressTimer(UINT_PTR timer);
 // The timer of a switch whose press counts only after a while.
 void OnAcceptTimer(UINT_PTR timer);

@@ -34,11 +34,16 @@ bool IsJoystickButton(int32_t value) {
   return value >= kSwitchFirstJoystickButton && value <= kSwitchLastJoystickButton;
 }
 
+bool GoesThroughInput(int32_t value) {
+  return value != kSwitchNormal && !IsJoystickButton(value);
+}
+
 UCHAR JoystickButton(int32_t value) {
   return static_cast<UCHAR>(value - kSwitchFirstJoystickButton + 1);
 }
 
 void Output(SwitchIndex index, int32_t value, bool pressed) {
+  if (!pressed && GoesThroughInput(value) && IsScreenTaken()) Switches().lostReleases[index] = value;
   if (value == kSwitchNormal) return NotifySwitch(index, pressed);
   if (value == kSwitchLeftClick)
     return InjectMouse(pressed ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP, pressed);
@@ -59,6 +64,7 @@ void TellOfRelease(const HeldOutput& held) {
 void PressSwitch(SwitchIndex index) {
   HeldOutput& held = Switches().heldOutputs[index];
   const int32_t value = SettingOf(index);
+  RepeatLostReleases();
   if (held.value && *held.value != value) ReleaseHeldSwitch(index);
   held = {};
   held.value = value;
@@ -70,8 +76,17 @@ void ReleaseSwitch(SwitchIndex index) {
   Output(index, held.value.value_or(SettingOf(index)), false);
 }
 
-void RepeatRelease(SwitchIndex index, int32_t value) {
-  if (value != kSwitchNormal && !IsJoystickButton(value)) Output(index, value, false);
+void NoteLockedScreen() {
+  for (const SwitchIndex index : {kSwitch1, kSwitch2}) {
+    const std::optional<int32_t> value = Switches().heldOutputs[index].value;
+    if (value && GoesThroughInput(*value)) Switches().lostReleases[index] = value;
+  }
+}
+
+void RepeatLostReleases() {
+  const auto lost = std::exchange(Switches().lostReleases, {});
+  for (const SwitchIndex index : {kSwitch1, kSwitch2})
+    if (lost[index] && lost[index] != Switches().heldOutputs[index].value) Output(index, *lost[index], false);
 }
 
 void ReleaseHeldSwitch(SwitchIndex index) {

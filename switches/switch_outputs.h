@@ -9,8 +9,11 @@ void PressSwitch(SwitchIndex index);
 // Releases what the press pressed, whatever the setting is by now.
 void ReleaseSwitch(SwitchIndex index);
 
-// Once more, when Windows may have kept the first one; nothing for what did not go through Windows' input.
-void RepeatRelease(SwitchIndex index, int32_t value);
+// While Windows' own desktop has the screen it takes no input, and so no release. What is held when the
+// screen is locked may be released before it is unlocked.
+void NoteLockedScreen();
+// Releases once more what was released meanwhile; so does the next press.
+void RepeatLostReleases();
 
 // Takes back what a press did because its release can no longer come or is no longer the tool's to act on:
 // who was told of the press is told of the release. The break that may still follow does nothing.

@@ -60,7 +60,7 @@ struct SwitchesState {
   UINT SwitchInputMessage = RegisterWindowMessageW(TEXT("Veltra_SwitchInput"));  // 0 when that failed
   std::array<PressFilter, 2> pressFilters;
   HeldOutputs heldOutputs;
-  std::array<std::optional<int32_t>, 2> heldAtLock;  // what the switches pressed when the screen was locked
+  std::array<std::optional<int32_t>, 2> lostReleases;  // of what, as far as Windows may have kept them
   SwitchIndicator switchIndicator;
   // Since when the middle, top or bottom side button is down and its long press pending, ms by the clock of
   // messages.

@@ -18,9 +18,13 @@ bool IsOutOfReach(HWND window) {
 
 }  // namespace
 
+bool IsScreenTaken() {
+  return !UniqueDesktop(OpenInputDesktop(0, FALSE, DESKTOP_READOBJECTS));
+}
+
 void NoteObstacle(HWND receiver) {
   const WCHAR* obstacle = nullptr;
-  if (!UniqueDesktop(OpenInputDesktop(0, FALSE, DESKTOP_READOBJECTS)))
+  if (IsScreenTaken())
     obstacle = TEXT("refused by Windows, its own desktop has the screen");
   else if (receiver && IsOutOfReach(receiver))
     obstacle = TEXT("refused by Windows, the window in front has higher rights");

@@ -42,14 +42,15 @@ NOTIFYICONDATAW IconRecord(HWND window, UINT id) {
   return record;
 }
 
-bool AddIcon(HWND window, UINT id, UINT message, int32_t iconId, const WideText& tooltip) {
+// NIM_ADD, or NIM_MODIFY: it may stand already, when a try that timed out took effect, or when the shell told
+// again and forgot nothing.
+bool SendIcon(DWORD action, HWND window, UINT id, UINT message, int32_t iconId, const WideText& tooltip) {
   NOTIFYICONDATAW record = IconRecord(window, id);
   record.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
   record.uCallbackMessage = message;
   record.hIcon = LoadTrayIcon(iconId);
   CopyText(record.szTip, tooltip);
-  // It may stand already: a try that timed out took effect, or the shell told again and forgot nothing.
-  return Shell_NotifyIconW(NIM_ADD, &record) || Shell_NotifyIconW(NIM_MODIFY, &record);
+  return Shell_NotifyIconW(action, &record) != FALSE;
 }
 
 void FillBalloon(NOTIFYICONDATAW& record, const WideText& text) {
@@ -75,11 +76,21 @@ void UpdateToolIcon(HWND window) {
   tray.toolWarningTold = Shell_NotifyIconW(NIM_MODIFY, &record) != FALSE;
 }
 
+// One that stands goes on saying what it said last.
 bool AddPowerIcon(HWND window) {
-  return AddIcon(window, kPowerIconId, kPowerIconMessage, IDI_BATTERY_HIGH, GetDeviceModelName());
+  const TrayState& tray = System().tray;
+  const auto send = [window](DWORD action, int32_t iconId, const WideText& tooltip) {
+    return SendIcon(action, window, kPowerIconId, kPowerIconMessage, iconId, tooltip);
+  };
+  if (send(NIM_ADD, IDI_BATTERY_HIGH, GetDeviceModelName())) return true;
+  if (tray.LastIconId == TrayState::kNoIcon) return send(NIM_MODIFY, IDI_BATTERY_HIGH, GetDeviceModelName());
+  return send(NIM_MODIFY, tray.LastIconId, tray.LastTooltip);
 }
 bool AddToolIcon(HWND window) {
-  if (!AddIcon(window, kToolIconId, kToolIconMessage, IDI_TOOL, ToolTooltip())) return false;
+  const auto send = [window](DWORD action) {
+    return SendIcon(action, window, kToolIconId, kToolIconMessage, IDI_TOOL, ToolTooltip());
+  };
+  if (!send(NIM_ADD) && !send(NIM_MODIFY)) return false;
   const TrayState& tray = System().tray;
   if (!tray.toolWarning.empty() && !tray.toolWarningTold) UpdateToolIcon(window);
   return true;
