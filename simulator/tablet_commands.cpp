@@ -124,7 +124,7 @@ Problem RunScreen(World& world, Words words) {
   struct Row {
     std::string_view word;
     bool isLocked;
-    WPARAM told;  // 0: nothing
+    int64_t told;  // 0: nothing
   };
   constexpr Row kScreens[] = {{"lock", true, WTS_SESSION_LOCK},
                               {"unlock", false, WTS_SESSION_UNLOCK},

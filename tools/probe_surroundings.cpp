@@ -70,7 +70,8 @@ std::string VersionOf(const WideText& path) {
   std::vector<BYTE> block(GetFileVersionInfoSizeW(path.c_str(), nullptr));
   void* found = nullptr;
   UINT size = 0;
-  if (block.empty() || !GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()) ||
+  if (block.empty() ||
+      !GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()) ||
       !VerQueryValueW(block.data(), TEXT("\\"), &found, &size) || size < sizeof(VS_FIXEDFILEINFO))
     return {};
   const auto& version = *static_cast<const VS_FIXEDFILEINFO*>(found);
@@ -86,10 +87,10 @@ std::string VersionOf(const WideText& path) {
 
 void PrintFiles() {
   constexpr const WCHAR* kFiles[] = {
-      TEXT("veltratool.exe"),       TEXT("toolprobe.exe"),          TEXT("keapi.dll"),
-      TEXT("vJoyInterface.dll"),    TEXT("portmon.dll"),            TEXT("macm_English.dll"),
-      TEXT("macm_Nederlands.dll"),  TEXT("sarvikkey_English.ini"),  TEXT("sarvikkey_Nederlands.ini"),
-      TEXT("nircmd.exe"),           TEXT("FlagToggler.exe"),
+      TEXT("veltratool.exe"),      TEXT("toolprobe.exe"),         TEXT("keapi.dll"),
+      TEXT("vJoyInterface.dll"),   TEXT("portmon.dll"),           TEXT("macm_English.dll"),
+      TEXT("macm_Nederlands.dll"), TEXT("sarvikkey_English.ini"), TEXT("sarvikkey_Nederlands.ini"),
+      TEXT("nircmd.exe"),          TEXT("FlagToggler.exe"),
   };
   PrintHeading("files beside this program");
   const WideText folder = OwnFolder();

@@ -3,8 +3,8 @@
 
 namespace probe {
 
-// To the standard output, in UTF-8: Windows, the tool's settings, the serial ports, what lies beside this program
-// of what the tool looks for, and its log, the older part first.
+// To the standard output, in UTF-8: Windows, the tool's settings, the serial ports, what lies beside this
+// program of what the tool looks for, and its log, the older part first.
 void PrintSurroundings();
 
 }  // namespace probe

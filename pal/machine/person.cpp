@@ -79,14 +79,23 @@ HWND Reach(int id) {
   return handle;
 }
 
-// Runs `act` when the program takes its message.
+bool IsInFront(HWND dialog) {
+  const Call call;
+  const Window* front = FindFrontDialog(call.Get());
+  return front && front->handle == dialog;
+}
+
+// Runs `act` when the program takes its message; nothing when another box has come before the dialog
+// meanwhile, or it has gone.
 void Do(std::function<void()> act) {
   const Call call;
   const Thread* thread = call->scheduler.Main();
   const Window* dialog = FindFrontDialog(call.Get());
   if (!thread || !dialog) Die("no dialog is open for the person");
   const WPARAM number = ++call->dialogs.lastAct;
-  call->dialogs.acts[number] = std::move(act);
+  call->dialogs.acts[number] = [act = std::move(act), handle = dialog->handle] {
+    if (IsInFront(handle)) act();
+  };
   PostTo(call.Get(), dialog->handle, kPersonActs, number, 0);
 }
 
