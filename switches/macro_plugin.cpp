@@ -45,9 +45,16 @@ bool IsModifier(int32_t value) {
   return std::ranges::find(kModifiers, value) != std::end(kModifiers);
 }
 
+// Alt and the Windows key open a menu when they are pressed and released with no other key between, so one
+// that nobody heeds is.
 void PressHeldModifiers(bool down) {
-  for (const HeldOutput& held : Switches().heldOutputs)
-    if (held.value && IsModifier(*held.value)) InjectKey(*held.value, down);
+  constexpr int32_t kUnassignedKey = 0xE8;
+  for (const HeldOutput& held : Switches().heldOutputs) {
+    if (!held.value || !IsModifier(*held.value)) continue;
+    if (down) InjectKey(*held.value, true);
+    for (const bool tapDown : {true, false}) InjectKey(kUnassignedKey, tapDown);
+    if (!down) InjectKey(*held.value, false);
+  }
 }
 
 }  // namespace
