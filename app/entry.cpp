@@ -55,14 +55,21 @@ HWND CreateHiddenWindow(const WCHAR* windowClass) {
 
 // When its class could not be registered the window borrows one of Windows: other programs do not find it
 // then, but the switches work.
-void CreateMainWindow() {
+bool TryToCreateMainWindow() {
   HWND& window = System().hMainWnd;
   window = CreateHiddenWindow(kMainWindowClass);
-  if (!window) {
-    window = CreateHiddenWindow(TEXT("STATIC"));
-    SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(MainWindowProc));
-  }
-  OpenToOthers(window);
+  if (window) return true;
+  window = CreateHiddenWindow(TEXT("STATIC"));
+  if (!window) return false;
+  SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(MainWindowProc));
+  return true;
+}
+
+// Without a window the tool would run and hear no switch.
+void CreateMainWindow() {
+  constexpr DWORD kRetryMs = 1000;
+  while (!TryToCreateMainWindow()) Sleep(kRetryMs);
+  OpenToOthers(MainWindow());
 }
 
 int RunMessageLoop() {

@@ -111,10 +111,12 @@ TEST_F(Startup, OfOneKindOneBoxStands) {
 }
 
 // Nobody finds it by its class.
-TEST_F(Startup, AWindowClassThatIsRefusedKeepsTheToolFromNothing) {
+TEST_F(Startup, AWindowOrItsClassThatIsRefusedKeepsTheToolFromNothing) {
   SetUserValue(u"Sw1CmdVal", -1);
   machine.Fail("RegisterClassExW", 1, ERROR_NOT_ENOUGH_MEMORY);
+  machine.Fail("CreateWindowExW", 2, ERROR_NOT_ENOUGH_MEMORY);
   Start();
+  tablet.Advance(1s);
   EXPECT_EQ(tablet.MainWindow(), nullptr);
   Press(simulator::Button::kSwitch1);
   EXPECT_EQ(New<pal::MouseInput>().size(), 1U);
