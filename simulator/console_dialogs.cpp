@@ -206,14 +206,14 @@ Problem RunDialog(Console& console, Words) {
 
 constexpr ConsoleCommand kCommands[] = {
     {"press", "[LABEL] BUTTON",
-     "press a button or check box, by its text or number; or the one after that label", true, RunPress},
+     "press a button or check box, named by its text or number, or the one after that label", true, RunPress},
     {"double-click", "CONTROL", "double-click a control", true, RunDoubleClick},
     {"choose", "LIST ENTRY", "choose in a drop-down list, named by its label or number", true, RunChoose},
-    {"slide", "SLIDER POSITION", "drag a slider there", true, RunSlide},
-    {"type", "FIELD TEXT", "type in the place of what the field holds", true, RunType},
+    {"slide", "SLIDER POSITION", "drag a slider to that position", true, RunSlide},
+    {"type", "FIELD TEXT", "replace what the field holds", true, RunType},
     {"key", "enter|escape|tab|...|NUMBER", "press a key in the dialog", true, RunKey},
     {"close-dialog", "", "close the dialog by its close box", true, RunCloseDialog},
-    {"pick-file", "FILE|nothing", "choose a file in the box of Windows, or cancel it", true, RunPickFile},
+    {"pick-file", "FILE|nothing", "choose a file in Windows' box, or cancel it", true, RunPickFile},
     {"tray", "power|tool click|double-click|menu [ITEM]", "use a tray icon; choose from its menu", true,
      RunTray},
     {"menu", "ITEM|nothing", "choose in the menu that is open, or close it", true, RunMenu},

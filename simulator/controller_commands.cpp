@@ -157,7 +157,7 @@ constexpr ControllerCommand kCommands[] = {
     {"fn1", "press|release", "the top side button", RunButton},
     {"fn2", "press|release", "the bottom side button", RunButton},
     {"battery", "PERCENT|present on|off|...",
-     "capacity of the battery, or whether there is one; pace TIME: one percent in that time, by itself",
+     "the battery's capacity, or whether there is one; pace TIME: it changes by one percent in that time",
      RunBattery},
     {"adapter", "on|off", "the mains adapter", RunAdapter},
     {"charging", "on|off", "the battery charges", RunCharging},
@@ -166,14 +166,14 @@ constexpr ControllerCommand kCommands[] = {
     {"text", "TEXT", "any text message from the controller", RunText},
     {"reply", "[TEXT]", "a reply that nobody asked for", RunReply},
     {"raw", "BYTES", "bytes in hexadecimal, without a frame: raw 55 55 0A", RunRaw},
-    {"infrared", "TEXT", "what the infrared part answers from now on", RunInfrared},
+    {"infrared", "TEXT", "what infrared commands are answered with from now on", RunInfrared},
     {"fault", "NAME [TIMES|at STEP]",
      "spoil what comes next, or a step of an update: flip, drop, double, garbage, mute, empty, twice, again, "
      "address, stuck-bit, power",
      RunFault},
     {"controller-power", "on|off", "the controller's own supply", RunPower},
     {"save-flash", "FILE", "write the controller's program memory to a HEX file", RunSaveFlash},
-    {"pace", "on|off", "as slow as 57600 baud, both ways", RunPace},
+    {"pace", "on|off", "bytes take as long as at 57600 baud, both ways", RunPace},
     {"reply-delay", "TIME", "time between a request and its reply (2ms)", RunReplyDelay},
 };
 

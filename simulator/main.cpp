@@ -15,12 +15,12 @@
 namespace {
 
 constexpr char kUsage[] =
-    "tablet [--script FILE] [--trace FILE]\n"
+    "usage: tablet [--script FILE] [--trace FILE]\n"
     "\n"
-    "Runs the tool on a simulated tablet in virtual time and prints what happens. Without a script it plays "
-    "a\n"
-    "demonstration; then, on a terminal, it takes commands.\n"
-    "  --script FILE   plays the commands in FILE instead and ends; exit code 1 when one of them fails\n"
+    "Runs the tool on a simulated tablet in virtual time and prints what happens. Without a script it\n"
+    "plays a demonstration; then, on a terminal, it takes commands.\n"
+    "\n"
+    "  --script FILE   plays the commands in FILE instead and ends, with exit code 1 when one of them fails\n"
     "  --trace FILE    writes everything that the tool does as one JSON object a line\n";
 
 struct Options {

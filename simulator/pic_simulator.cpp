@@ -31,14 +31,15 @@ using simulator::FileDescriptor;
 using simulator::Traffic;
 
 constexpr char kUsage[] =
-    "pic_simulator [--link PATH] [--device PATH] [--trace FILE] [--silent-start]\n"
+    "usage: pic_simulator [--link PATH] [--device PATH] [--trace FILE] [--silent-start]\n"
     "\n"
     "Plays the tablet's controller on a pseudo terminal, whose path it prints, until \"quit\" or a signal.\n"
+    "\n"
     "  --link PATH      makes PATH a symbolic link to the pseudo terminal and removes it at the end\n"
     "  --device PATH    plays on this serial device instead, at 57600 baud\n"
     "  --trace FILE     writes every frame as one JSON object a line\n"
-    "  --silent-start   says nothing before it is asked; otherwise it reports its start and its firmware "
-    "version\n"
+    "  --silent-start   says nothing until it is asked; otherwise it reports its start and its version\n"
+    "\n"
     "Commands on standard input, one a line; \"help\" lists them.\n";
 
 struct Options {

@@ -146,16 +146,18 @@ Problem RunScaling(World& world, Words words) {
 }
 
 constexpr WorldCommand kCommands[] = {
-    {"fail", "FUNCTION TIMES", "Windows refuses the next calls of that function, as ExitWindowsEx", RunFail},
+    {"fail", "FUNCTION TIMES", "Windows refuses the next calls of that function, such as ExitWindowsEx",
+     RunFail},
     {"joystick", "absent|free|disabled|...", "the virtual joystick; also mismatch, busy, taken", RunJoystick},
     {"mouse-filter", "absent|plain", "the mouse filter's library: none, or its 64-bit form", RunMouseFilter},
     {"board", "absent|damaged|lacks EXPORT|...",
-     "the board's library; also start-, stop-, info-error, codec-errors, serves-messages NUMBER", RunBoard},
+     "the board's library; also start-error, stop-error, info-error, codec-errors, serves-messages NUMBER",
+     RunBoard},
     {"macro-plugin", "english|dutch absent", "the macro plug-in of that language is missing", RunMacroPlugin},
-    {"scaling", "PERCENT", "of the display, from the next icon on", RunScaling},
+    {"scaling", "PERCENT", "the display's scaling, from the next icon on", RunScaling},
     {"screen", "lock|unlock|cover|uncover", "Windows' own desktop has the screen, or no more", RunScreen},
-    {"shell", "stop|start|restart|announce", "the taskbar goes, comes, comes again, or only says so",
-     RunShell},
+    {"shell", "stop|start|restart|announce",
+     "the taskbar goes, comes, restarts, or only says that it is there", RunShell},
 };
 
 }  // namespace

@@ -27,15 +27,14 @@ constexpr int kNoAnswer = 2;  // usage, or a file that cannot be read or written
 constexpr char kUsage[] =
     "usage: hexinfo [--binary OUT] FILE\n"
     "\n"
-    "Says whether an update of the controller with the HEX file FILE can succeed, what it would do and how "
-    "long\n"
-    "it would take; or which line of the file breaks which rule.\n"
+    "Says whether an update of the controller with the HEX file FILE can succeed, what it would do and\n"
+    "how long it would take; or which line of the file breaks which rule.\n"
     "\n"
-    "  --binary OUT  also write the bytes of the file to OUT, from its lowest address to its highest, gaps "
-    "as 0\n"
+    "  --binary OUT  also write the bytes of the file to OUT, from its lowest address to its highest, with\n"
+    "                gaps as 0\n"
     "  --help        print this\n"
     "\n"
-    "Exit code: 0 accepted, 1 refused or bound to fail, 2 wrong usage or a file that cannot be read or "
+    "Exit code: 0 accepted, 1 refused or would fail, 2 wrong usage or a file that cannot be read or\n"
     "written.\n";
 
 struct Options {

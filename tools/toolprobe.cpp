@@ -25,9 +25,8 @@ constexpr int kNoAnswer = 3;
 constexpr char kUsage[] =
     "usage: toolprobe [--xml] [--log FILE] [QUESTION...]\n"
     "\n"
-    "Asks the device tool that runs on this tablet and prints its answers. Questions, all of them when none "
-    "is "
-    "named:\n"
+    "Asks the device tool that is running on this tablet and prints its answers. The questions, all of\n"
+    "which are asked when none is named:\n"
     "\n"
     "  battery   where the power comes from, and the battery's capacity\n"
     "  volume    the speaker volume\n"
@@ -36,12 +35,12 @@ constexpr char kUsage[] =
     "  report    the device report\n"
     "\n"
     "  --xml       print the device report as the document that programs get\n"
-    "  --log FILE  write the answers to a file, and after them settings, ports, libraries and log; also "
-    "when\n"
-    "              the tool does not run: what to send when something is wrong\n"
+    "  --log FILE  write the answers to FILE, and after them settings, ports, libraries and the log, even\n"
+    "              when the tool is not running: what to send when something is wrong\n"
     "  --help      print this\n"
     "\n"
-    "Exit code: 0 answered, 1 the tool does not run, 2 wrong usage, 3 no answer.\n";
+    "Exit code: 0 answered, or FILE is written; 1 the tool is not running; 2 wrong usage, or FILE cannot\n"
+    "be written; 3 no answer.\n";
 
 // ---- the tool's window --------------------------------------------------------------------------------------
 
@@ -206,7 +205,7 @@ int AskAll(const Options& options) {
   probe.asXml = options.xml;
   probe.tool = FindWindowW(kToolWindow, nullptr);
   if (!probe.tool) {
-    std::fputs("toolprobe: the device tool does not run\n", stderr);
+    std::fputs("toolprobe: the device tool is not running\n", stderr);
     return kNoTool;
   }
   expectedSender = probe.tool;
@@ -224,7 +223,7 @@ int Run(const Options& options) {
     std::fprintf(stderr, "toolprobe: %s cannot be written\n", options.log.c_str());
     return kWrongUsage;
   }
-  if (AskAll(options) == kNoTool) std::puts("the device tool does not run");
+  if (AskAll(options) == kNoTool) std::puts("the device tool is not running");
   probe::PrintSurroundings();
   return kAnswered;
 }

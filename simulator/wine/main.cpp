@@ -13,12 +13,13 @@
 namespace {
 
 constexpr char kUsage[] =
-    "wine_tablet --exe-dir FOLDER [SCRIPT]\n"
+    "usage: wine_tablet --exe-dir FOLDER [SCRIPT]\n"
     "\n"
-    "Plays the story in SCRIPT (\"-\": on standard input) with the programs in FOLDER, in wall time and in a "
-    "Windows of\n"
-    "its own; exit code 1 when a line of it fails. Without a script it takes commands; \"help\" lists "
-    "them.\n";
+    "Plays the story in SCRIPT (\"-\": from standard input) with the programs in FOLDER, in wall time and "
+    "in\n"
+    "a Windows of its own; exit code 1 when a line of it fails. Without a script it takes commands; "
+    "\"help\"\n"
+    "lists them.\n";
 
 int Run(const std::string& script) {
   simulator::WineWorld world;

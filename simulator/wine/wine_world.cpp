@@ -158,8 +158,11 @@ Problem RunBoard(World& world, Words words) {
 
 constexpr WorldCommand kCommands[] = {
     {"board", "absent|damaged|lacks EXPORT|...",
-     "from the next start on; also start-error, stop-error, codec-errors, serves-messages NUMBER", RunBoard},
-    {"playback", "refuses FUNCTION", "the playback device, from the next start on", RunDeviceFault},
+     "the board's library, from the next start on; also start-error, stop-error, codec-errors, "
+     "serves-messages NUMBER",
+     RunBoard},
+    {"playback", "refuses FUNCTION", "the playback device refuses that function, from the next start on",
+     RunDeviceFault},
     {"command", "NUMBER", "the command of a menu item, sent to the tool", RunCommand},
     {"program", "NAME [ARGUMENT...]", "starts a program of Windows", RunProgram},
     {"window", "CAPTION [TEXT]", "waits for a window of any program, and for one of its texts", RunWindow},
