@@ -7,6 +7,7 @@
 #include "base/handles.h"
 #include "system/folders.h"
 #include "system/registry.h"
+#include "system/start_program.h"
 
 namespace veltra {
 namespace {
@@ -46,6 +47,7 @@ UniqueKernelObject Start(const WCHAR* name, const WCHAR* verb, const WideText& p
   execute.lpParameters = parameters.c_str();
   if (inItsFolder) execute.lpDirectory = folder.c_str();
   execute.nShow = SW_SHOWNORMAL;
+  const PlainErrorMode forTheProgram;
   return UniqueKernelObject(ShellExecuteExW(&execute) ? execute.hProcess : nullptr);
 }
 

@@ -1,7 +1,5 @@
 #include "system/start_program.h"
 
-#include <windows.h>
-
 #include <shellapi.h>
 
 #include "base/handles.h"
@@ -22,6 +20,7 @@ bool SetRedirection(bool on) {
 }
 
 void Open(const WideText& path) {
+  const PlainErrorMode forTheProgram;
   const size_t end = path.rfind('\\');
   const WideText folder = end == path.npos ? WideText() : path.substr(0, end);
   ShellExecuteW(nullptr, nullptr, path.c_str(), nullptr, folder.c_str(), SW_SHOWNORMAL);

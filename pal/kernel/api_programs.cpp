@@ -48,7 +48,7 @@ bool Execute(SHELLEXECUTEINFOW& info) {
   if (IsMissing(call, info.lpFile)) return Refuse(ERROR_FILE_NOT_FOUND, false);
   call->Emit(ProgramExecuted{TextOrNothing(info.lpVerb), TextOrNothing(info.lpFile),
                              TextOrNothing(info.lpParameters), TextOrNothing(info.lpDirectory), info.nShow,
-                             info.fMask});
+                             info.fMask, call->modules.search.errorMode});
   info.hProcess = info.fMask & SEE_MASK_NOCLOSEPROCESS ? StartProcess(call.Get()) : nullptr;
   return true;
 }

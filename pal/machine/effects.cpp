@@ -413,7 +413,8 @@ Description Of(const ProgramExecuted& e) {
            {"parameters", e.parameters},
            {"directory", e.directory},
            {"show", e.show},
-           {"flags", e.flags}}};
+           {"flags", e.flags},
+           {"error mode", e.errorMode}}};
 }
 Description Of(const RedirectionSet& e) {
   return {

@@ -132,6 +132,7 @@ struct ProgramExecuted {
   std::u16string directory;
   int show = 0;
   uint32_t flags = 0;  // SEE_MASK_...
+  uint32_t errorMode = 0;  // that it inherits
 };
 // Whether a 32-bit program on a 64-bit Windows sees its own system directory in place of the real one.
 struct RedirectionSet { bool isOn = true; };

@@ -146,12 +146,14 @@ TEST_F(DeviceOperations, PowerSettingsThatAreOnAreTurnedOffBeforeTheWindowExists
   EXPECT_EQ(tablet.MainWindow(), nullptr);
   tablet.Advance(2ms);
   EXPECT_NE(tablet.MainWindow(), nullptr);
+  EXPECT_NE(machine.modules.search.errorMode, 0U);
   const auto started = New<pal::ProgramExecuted>();
   ASSERT_EQ(started.size(), 2U);
   for (size_t n = 0; n < 2; ++n) {
     EXPECT_EQ(started[n].file, u"C:\\Program Files\\Veltra\\FlagToggler.exe");
     EXPECT_EQ(started[n].verb, u"runas");
     EXPECT_EQ(started[n].show, SW_SHOWNORMAL);
+    EXPECT_EQ(started[n].errorMode, 0U);
     EXPECT_EQ(started[n].parameters,
               u"OurQuietSmallMarker -KeyName \"" + (n == 0 ? kKey : kDeviceKey) + u"\" -ValueName \"" +
                   (n == 0 ? u"HiberbootEnabled" : u"IdleInWorkingState") + u"\" -SetValue 0");

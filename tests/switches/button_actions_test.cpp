@@ -80,6 +80,7 @@ TEST_F(ButtonActions, DoWhatTheProfileSays) {
   const auto run = pal::Select<pal::ProgramExecuted>(effects);
   ASSERT_EQ(run.size(), 2U);
   EXPECT_EQ(run[0].directory, u"");
+  EXPECT_EQ(run[0].errorMode, 0U);
   EXPECT_EQ(run[1].directory, u"C:\\Tools\\Speech");
   EXPECT_EQ(run[1].file, u"C:\\Tools\\Speech\\talk.exe");
   EXPECT_EQ(run[1].verb + run[1].parameters, u"");
