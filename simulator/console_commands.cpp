@@ -162,13 +162,17 @@ Problem RunRegistry(Console& console, Words words) {
 // The tool reads its profile at the start.
 Problem RunAction(Console& console, Words words) {
   constexpr std::string_view kButtonOrder[] = {"fn1-short", "fn2-short", "fn1-long", "fn2-long"};
+  constexpr int64_t kTextTypes[] = {0, 2, 3, 9};  // macro, sound, program, cell
   const auto* button = std::ranges::find(kButtonOrder, Argument(words, 1));
   const std::optional<int64_t> type = words.size() >= 4 ? ParseNumber(words[2]) : std::nullopt;
   if (button == std::end(kButtonOrder) || !type)
     return ExpectedArguments("fn1-short|fn2-short|fn1-long|fn2-long TYPE NUMBER|TEXT");
   const std::string parameter = JoinWords(words.subspan(3));
-  const std::string number = std::to_string(ParseNumber(parameter).value_or(-1));
-  const std::string text = ParseNumber(parameter) ? std::string() : parameter;
+  const bool isText = std::ranges::find(kTextTypes, *type) != std::end(kTextTypes);
+  const std::optional<int64_t> value = isText ? -1 : ParseNumber(parameter);
+  if (!value) return "an action of type " + words[2] + " has a number, those of 0, 2, 3 and 9 a text";
+  const std::string number = std::to_string(*value);
+  const std::string text = isText ? parameter : std::string();
   const std::string path = std::string(kDataFolder) + "curprofile.bpf";
   std::string profile = console.TheWorld().ReadFile(path).value_or("");
   profile.append("[Button").append(std::to_string(button - kButtonOrder + 1)).append("]\r\nBtCmd=");
@@ -348,7 +352,9 @@ constexpr ConsoleCommand kCommands[] = {
      "again",
      true, RunApp},
     {"action", "BUTTON TYPE NUMBER|TEXT",
-     "what fn1-short, fn2-short, fn1-long or fn2-long does after the next start", true, RunAction},
+     "what fn1-short, fn2-short, fn1-long or fn2-long does after the next start; type 0 (macro), 2 (sound), "
+     "3 (program) and 9 (cell) have a text",
+     true, RunAction},
     {"other-copy", "", "another copy of the tool runs already", true, RunOtherCopy},
     {"port", "remove|arrive [NAME]|...",
      "the controller's port goes or comes back; vanish, return: without a word from Windows", true, RunPort},

@@ -1,16 +1,18 @@
 // The tool on the simulated tablet: a demonstration, a script, or a prompt.
 #include <unistd.h>
 
-#include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "simulator/console.h"
 #include "simulator/demonstration.h"
 #include "simulator/prompt.h"
 #include "simulator/tablet_world.h"
+#include "tools/command_line_program.h"
 
 namespace {
 
@@ -21,21 +23,28 @@ constexpr char kUsage[] =
     "plays a demonstration; then, on a terminal, it takes commands.\n"
     "\n"
     "  --script FILE   plays the commands in FILE instead and ends, with exit code 1 when one of them fails\n"
-    "  --trace FILE    writes everything that the tool does as one JSON object a line\n";
+    "  --trace FILE    writes everything that the tool does as one JSON object a line\n"
+    "  --help          prints this\n";
 
 struct Options {
+  bool help = false;
   std::string script;
   std::string trace;
 };
 
-bool ParseOptions(int count, char** arguments, Options& options) {
-  for (int i = 1; i < count; i += 2) {
-    const std::string name = arguments[i];
+std::optional<Options> ParseOptions(const std::vector<std::string>& arguments) {
+  Options options;
+  for (size_t n = 0; n < arguments.size(); ++n) {
+    const std::string& name = arguments[n];
+    if (name == "--help") {
+      options.help = true;
+      return options;
+    }
     std::string* value = name == "--script" ? &options.script : name == "--trace" ? &options.trace : nullptr;
-    if (!value || i + 1 == count) return false;
-    *value = arguments[i + 1];
+    if (!value || n + 1 == arguments.size()) return std::nullopt;
+    *value = arguments[++n];
   }
-  return true;
+  return options;
 }
 
 int Fail(const std::string& what) {
@@ -51,7 +60,7 @@ void Prompt(simulator::Console& console) {
   simulator::RunPrompt(console);
 }
 
-int Run(const Options& options, std::istream& script, const std::string& scriptName, std::ostream& trace) {
+int Play(const Options& options, std::istream& script, const std::string& scriptName, std::ostream& trace) {
   simulator::TabletWorld world;
   simulator::Console console(world, std::cout);
   console.TheTimeline().UseColours(simulator::TerminalHasColours());
@@ -67,14 +76,7 @@ int Run(const Options& options, std::istream& script, const std::string& scriptN
   return 0;
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
-  Options options;
-  if (!ParseOptions(count, arguments, options)) {
-    std::cerr << kUsage;
-    return 2;
-  }
+int Run(const Options& options) {
   std::ofstream trace;
   if (!options.trace.empty()) {
     trace.open(options.trace);
@@ -82,9 +84,17 @@ int main(int count, char** arguments) {
   }
   if (options.script.empty()) {
     std::istringstream demonstration(simulator::kDemonstration);
-    return Run(options, demonstration, "demonstration", trace);
+    return Play(options, demonstration, "demonstration", trace);
   }
   std::ifstream script(options.script);
   if (!script) return Fail("cannot read " + options.script);
-  return Run(options, script, options.script, trace);
+  return Play(options, script, options.script, trace);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  return veltra::RunProgram<Options>(
+      {.name = "tablet", .usage = kUsage, .wrongUsage = 2, .failed = 1, .parse = ParseOptions, .run = Run},
+      count, arguments);
 }

@@ -22,6 +22,7 @@
 #include "simulator/file_descriptor.h"
 #include "simulator/pseudo_terminal.h"
 #include "simulator/words.h"
+#include "tools/command_line_program.h"
 
 namespace {
 
@@ -39,10 +40,12 @@ constexpr char kUsage[] =
     "  --device PATH    plays on this serial device instead, at 57600 baud\n"
     "  --trace FILE     writes every frame as one JSON object a line\n"
     "  --silent-start   says nothing until it is asked; otherwise it reports its start and its version\n"
+    "  --help           prints this\n"
     "\n"
     "Commands on standard input, one a line; \"help\" lists them.\n";
 
 struct Options {
+  bool help = false;
   std::string link;
   std::string device;
   std::string trace;
@@ -214,10 +217,14 @@ class Session {
   bool quit_ = false;
 };
 
-std::optional<Options> ParseOptions(int count, char** arguments) {
+std::optional<Options> ParseOptions(const std::vector<std::string>& arguments) {
   Options options;
-  for (int i = 1; i < count; ++i) {
-    const std::string name = arguments[i];
+  for (size_t n = 0; n < arguments.size(); ++n) {
+    const std::string& name = arguments[n];
+    if (name == "--help") {
+      options.help = true;
+      return options;
+    }
     if (name == "--silent-start") {
       options.silentStart = true;
       continue;
@@ -226,8 +233,8 @@ std::optional<Options> ParseOptions(int count, char** arguments) {
                          : name == "--device" ? &options.device
                          : name == "--trace"  ? &options.trace
                                               : nullptr;
-    if (!value || i + 1 == count) return std::nullopt;
-    *value = arguments[++i];
+    if (!value || n + 1 == arguments.size()) return std::nullopt;
+    *value = arguments[++n];
   }
   return options;
 }
@@ -237,32 +244,37 @@ int Fail(const std::string& what) {
   return 1;
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
-  const std::optional<Options> options = ParseOptions(count, arguments);
-  if (!options) {
-    std::fputs(kUsage, stderr);
-    return 2;
-  }
+int Run(const Options& options) {
   std::optional<simulator::PseudoTerminal> terminal;
   FileDescriptor other;  // of the terminal: kept open, so that the line stays up while no tool has it open
   FileDescriptor device;
-  if (options->device.empty()) {
-    terminal.emplace(options->link);
+  if (options.device.empty()) {
+    terminal.emplace(options.link);
     other = FileDescriptor(open(terminal->Path().c_str(), O_RDWR | O_NOCTTY));
   } else {
-    device = OpenDevice(options->device);
-    if (device.Get() < 0) return Fail(options->device);
+    device = OpenDevice(options.device);
+    if (device.Get() < 0) return Fail(options.device);
   }
   std::ofstream trace;
-  if (!options->trace.empty()) {
-    trace.open(options->trace);
-    if (!trace) return Fail(options->trace);
+  if (!options.trace.empty()) {
+    trace.open(options.trace);
+    if (!trace) return Fail(options.trace);
   }
-  std::printf("%s\n", terminal ? terminal->Path().c_str() : options->device.c_str());
+  std::printf("%s\n", terminal ? terminal->Path().c_str() : options.device.c_str());
   std::fflush(stdout);
   Session session(terminal ? terminal->Get() : device.Get(), trace);
-  if (!options->silentStart) session.Pic().PowerUp();
+  if (!options.silentStart) session.Pic().PowerUp();
   return session.Run();
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  return veltra::RunProgram<Options>({.name = "pic_simulator",
+                                      .usage = kUsage,
+                                      .wrongUsage = 2,
+                                      .failed = 1,
+                                      .parse = ParseOptions,
+                                      .run = Run},
+                                     count, arguments);
 }

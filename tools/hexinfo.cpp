@@ -93,18 +93,24 @@ bool WriteBinary(const std::string& path, const HexBytes& bytes) {
 
 // ---- the report
 
+std::string Counted(uint64_t count, const char* what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 void PrintRanges(const std::vector<Range>& ranges) {
   constexpr size_t kMostLines = 32;
   uint64_t unprinted = 0;
   for (size_t n = 0; n < ranges.size(); ++n) {
     const auto [begin, end] = ranges[n];
     if (n < kMostLines)
-      std::printf("    0x%05" PRIX64 " to 0x%05" PRIX64 "  %" PRIu64 " bytes\n", begin, end - 1, end - begin);
+      std::printf("    0x%05" PRIX64 " to 0x%05" PRIX64 "  %s\n", begin, end - 1,
+                  Counted(end - begin, "byte").c_str());
     else
       unprinted += end - begin;
   }
   if (unprinted > 0)
-    std::printf("    and %zu more ranges  %" PRIu64 " bytes\n", ranges.size() - kMostLines, unprinted);
+    std::printf("    and %s  %s\n", Counted(ranges.size() - kMostLines, "more range").c_str(),
+                Counted(unprinted, "byte").c_str());
 }
 
 // What a terminal can show of a line.
@@ -137,14 +143,15 @@ void PrintRemarks(const HexRemarks& remarks) {
     std::printf("  warning: the last line has no line end, its %" PRIu64 " characters are not read\n",
                 remarks.unreadLength);
   if (remarks.replacedBytes != 0)
-    std::printf("  warning: %" PRIu64 " bytes are replaced by later ones for the same addresses\n",
+    std::printf("  warning: bytes that later ones for the same addresses replace: %" PRIu64 "\n",
                 remarks.replacedBytes);
   if (remarks.endMissing)
     std::printf("  warning: no end-of-file record (type 01) is read; is the file whole?\n");
 }
 
 void PrintForecast(const UpdateForecast& forecast) {
-  std::printf("  %zu pages to erase, %zu rows to write and read back\n", forecast.pages, forecast.rows);
+  std::printf("  %s to erase, %s to write and read back\n", Counted(forecast.pages, "page").c_str(),
+              Counted(forecast.rows, "row").c_str());
   std::printf(
       "  %.1f s at %.0f baud (%.0f bytes on the line), and what the controller needs to erase and write\n",
       forecast.seconds, kBitsPerSecond, forecast.bytesOnLine);
@@ -180,7 +187,8 @@ bool Report(const std::string& name, const HexReading& reading) {
   } else if (reading.bytes.empty()) {
     std::printf("  no data\n");
   } else {
-    std::printf("  %zu bytes in %zu ranges\n", reading.bytes.size(), reading.bytes.RunCount());
+    std::printf("  %s in %s\n", Counted(reading.bytes.size(), "byte").c_str(),
+                Counted(reading.bytes.RunCount(), "range").c_str());
     if (!forecast.starts) std::printf("  no byte lies where an update writes\n");
   }
   if (forecast.starts) PrintForecast(forecast);

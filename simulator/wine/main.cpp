@@ -15,11 +15,9 @@ namespace {
 constexpr char kUsage[] =
     "usage: wine_tablet --exe-dir FOLDER [SCRIPT]\n"
     "\n"
-    "Plays the story in SCRIPT (\"-\": from standard input) with the programs in FOLDER, in wall time and "
-    "in\n"
-    "a Windows of its own; exit code 1 when a line of it fails. Without a script it takes commands; "
-    "\"help\"\n"
-    "lists them.\n";
+    "Plays the story in SCRIPT (\"-\": from standard input) with the programs in FOLDER, in wall time and\n"
+    "in a Windows of its own; exit code 1 when a line of it fails. Without a script it takes commands;\n"
+    "\"help\" lists them.\n";
 
 int Run(const std::string& script) {
   simulator::WineWorld world;
@@ -41,6 +39,10 @@ int Run(const std::string& script) {
 }  // namespace
 
 int main(int count, char** arguments) {
+  if (count == 2 && std::string(arguments[1]) == "--help") {
+    std::cout << kUsage;
+    return 0;
+  }
   if (count < 3 || count > 4 || std::string(arguments[1]) != "--exe-dir") {
     std::cerr << kUsage;
     return 2;

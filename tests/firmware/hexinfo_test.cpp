@@ -45,7 +45,7 @@ TEST_F(Hexinfo, TellsWhatAnUpdateDoesWithAFile) {
   char line[64];
   for (unsigned n = 0; n < 64; n += 2)
     lines.append(
-        line, static_cast<size_t>(std::snprintf(line, sizeof line, "    0x%05X to 0x%05X  1 bytes\n", n, n)));
+        line, static_cast<size_t>(std::snprintf(line, sizeof line, "    0x%05X to 0x%05X  1 byte\n", n, n)));
   const struct {
     int code;
     std::string text;
@@ -76,13 +76,13 @@ TEST_F(Hexinfo, TellsWhatAnUpdateDoesWithAFile) {
            "    0x14000 to 0x146FF  1792 bytes\n"
            "  warning: among them is row 0x12800, which no update writes\n" +
            outside +
-           "    0x017FE to 0x017FF  2 bytes\n    0x12800 to 0x12800  1 bytes\n"
-           "    0x128FF to 0x128FF  1 bytes\n    0x14800 to 0x14800  1 bytes\n" +
+           "    0x017FE to 0x017FF  2 bytes\n    0x12800 to 0x12800  1 byte\n"
+           "    0x128FF to 0x128FF  1 byte\n    0x14800 to 0x14800  1 byte\n" +
            noEnd},
       // Bytes of the frames: enter 19, its reply 6; erase 9, twice, answer 5; write 265, answer 5; read 9,
       // answer 265; finish 5, answer 5.
       {0, ":020000021000EC\n:00000004FC\n:0118000001E6\n:0118000002E5\n:00000001FF",
-       "accepted: a.hex\n  1 bytes in 1 ranges\n  1 pages to erase, 1 rows to write and read back\n"
+       "accepted: a.hex\n  1 byte in 1 range\n  1 page to erase, 1 row to write and read back\n"
        "  0.1 s at 57600 baud (602" +
            time + "  in the flash, CRC-32 DC3E41E4:\n    0x01800 to 0x018FF  256 bytes\n" + erased +
            "    0x01900 to 0x01FFF  1792 bytes\n"
@@ -90,12 +90,12 @@ TEST_F(Hexinfo, TellsWhatAnUpdateDoesWithAFile) {
            "addresses; use type 04\n"
            "  warning: line 2: a type 04 record without exactly two data bytes\n"
            "  warning: the last line has no line end, its 11 characters are not read\n"
-           "  warning: 1 bytes are replaced by later ones for the same addresses\n"},
+           "  warning: bytes that later ones for the same addresses replace: 1\n"},
       // Each 55 is escaped.
       {1, Records(0x1800, 0x18FF, 1, 0x55) + Records(0, 79, 2, 7) + Records(0x1000, 0x10FF, 1, 7),
        "would fail: a.hex\n" + bound +
            "    0x01803 is 55, and 63 more are not 00\n"
-           "  552 bytes in 42 ranges\n  1 pages to erase, 1 rows to write and read back\n"
+           "  552 bytes in 42 ranges\n  1 page to erase, 1 row to write and read back\n"
            "  0.2 s at 57600 baud (1114" +
            time + "  in the flash, CRC-32 E50D6C32:\n    0x01800 to 0x018FF  256 bytes\n" + erased +
            "    0x01900 to 0x01FFF  1792 bytes\n" + outside + lines +

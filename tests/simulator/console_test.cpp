@@ -33,7 +33,9 @@ TEST_F(ConsoleTest, KnowsItsWords) {
   EXPECT_EQ(Completions(console, "se"), (Names{"settle", "set", "send-data"}));
   EXPECT_EQ(Completions(console, "set Sw1"), (Names{"Sw1CmdVal", "Sw1Start"}));
   EXPECT_EQ(Completions(console, "sw1 p"), Names{"press"});
-  ASSERT_EQ(Run("help set\ncontroller-power off\nsw1 press\napp open Lexorra\n"), "");
+  ASSERT_EQ(Run("action fn1-short 9 120\nhelp set\ncontroller-power off\nsw1 press\napp open Lexorra\n"), "");
+  const std::string profile = world.ReadFile(std::string(kDataFolder) + "curprofile.bpf").value_or("");
+  EXPECT_NE(profile.find("BtCmdText=120"), std::string::npos);
   EXPECT_NE(out.str().find("it looks for: \"Talk Builder\""), std::string::npos);
   EXPECT_NE(out.str().find("AllowEscape"), std::string::npos);
   EXPECT_NE(out.str().find("the controller has no power"), std::string::npos);
@@ -51,7 +53,7 @@ TEST_F(ConsoleTest, WrongLinesChangeNothing) {
       "tray power double-click Options|tray tool menu|only|only moon wait 1s|worlds|"
       "check control|check control OK shown|set Sw1Cmd 1|machine Sw1CmdVal 1|registry Sw1|"
       "check no registry Sw1 1|check line x|fail ExitWindows 1|board lacks KEApi|worlds moon|resume now|"
-      "help weather|update nowhere.hex|");
+      "help weather|update nowhere.hex|action fn1-short 7 Hello|");
   for (std::string line; std::getline(lines, line, '|');) EXPECT_TRUE(console.RunLine(line)) << line;
   EXPECT_EQ(world.Tablet().Mark(), 0U);
   EXPECT_EQ(world.Tablet().Machine().clock.Now(), Duration(0));
