@@ -149,14 +149,16 @@ else()
   target_link_libraries(veltra_base PUBLIC pal)
 endif()
 
-# For the technician in front of a tablet: the program asks the running tool, its texts are tested natively.
+# For the technician in front of a tablet: it asks the running tool.
 add_library(probe_text STATIC tools/probe_text.cpp)
 target_link_libraries(probe_text PUBLIC veltra_base)
+add_executable(toolprobe tools/probe_surroundings.cpp tools/toolprobe.cpp)
+target_link_libraries(toolprobe PRIVATE probe_text)
 if(WIN32)
-  add_executable(toolprobe tools/probe_surroundings.cpp tools/toolprobe.cpp)
-  target_link_libraries(toolprobe PRIVATE probe_text user32)
   veltra_resources(toolprobe tools/toolprobe.rc)
   veltra_ships(toolprobe)
+else()
+  target_sources(toolprobe PRIVATE tools/probe_host.cpp)
 endif()
 
 # For the people who make firmware.

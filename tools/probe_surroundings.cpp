@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -25,8 +26,9 @@ void PrintHeading(const char* what) {
 
 std::string ValueText(DWORD type, const std::vector<BYTE>& data, DWORD size) {
   if (type == REG_DWORD && size == sizeof(DWORD)) {
-    const DWORD number = data[0] | data[1] << 8 | data[2] << 16 | static_cast<DWORD>(data[3]) << 24;
-    return std::to_string(static_cast<int32_t>(number));
+    int32_t number = 0;
+    std::memcpy(&number, data.data(), sizeof(number));
+    return std::to_string(number);
   }
   if (type != REG_SZ) return "type " + std::to_string(type) + ", " + std::to_string(size) + " bytes";
   WideText text(reinterpret_cast<const WCHAR*>(data.data()), size / sizeof(WCHAR));
@@ -95,10 +97,13 @@ void PrintFiles() {
   PrintHeading("files beside this program");
   const WideText folder = OwnFolder();
   for (const WCHAR* name : kFiles) {
-    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    WIN32_FIND_DATAW found = {};
     const WideText path = folder + name;
-    const bool isThere = GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) != FALSE;
-    std::string what = isThere ? std::to_string(data.nFileSizeLow) + " bytes  " + VersionOf(path) : "missing";
+    const HANDLE search = FindFirstFileW(path.c_str(), &found);
+    const bool isThere = search != INVALID_HANDLE_VALUE;
+    if (isThere) FindClose(search);
+    std::string what =
+        isThere ? std::to_string(found.nFileSizeLow) + " bytes  " + VersionOf(path) : "missing";
     std::printf("%-28s%s\n", Utf8(name).c_str(), what.c_str());
   }
 }
@@ -108,16 +113,20 @@ void PrintLog(const WCHAR* name) {
   WCHAR documents[MAX_PATH] = {};
   SHGetFolderPathW(nullptr, CSIDL_COMMON_DOCUMENTS, nullptr, SHGFP_TYPE_CURRENT, documents);
   const WideText path = WideText(documents) + TEXT("\\Sarvik5\\") + name;
-  FILE* file = _wfopen(path.c_str(), L"r");
+  // Meanwhile the tool may write its next line.
+  const veltra::UniqueFile file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                            nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) {
     std::puts("not there");
     return;
   }
-  for (int byte = std::fgetc(file); byte != EOF; byte = std::fgetc(file)) {
-    const WCHAR letter = static_cast<WCHAR>(byte);  // one byte for each character
-    std::fputs(Utf8({&letter, 1}).c_str(), stdout);
+  BYTE piece[4096];
+  DWORD count = 0;
+  while (ReadFile(file.Get(), piece, sizeof(piece), &count, nullptr) && count > 0) {
+    WideText text(piece, piece + count);  // one byte for each character
+    std::erase(text, WCHAR{'\r'});        // the standard output makes its own line ends
+    std::fputs(Utf8(text).c_str(), stdout);
   }
-  std::fclose(file);
 }
 
 }  // namespace

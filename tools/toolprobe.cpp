@@ -63,7 +63,8 @@ std::optional<LRESULT> Ask(const Probe& probe, UINT message, WPARAM wParam = 0, 
   if (SendMessageTimeoutW(probe.tool, message, wParam, lParam, SMTO_NORMAL, kPatienceMs, &answer))
     return static_cast<LRESULT>(answer);
   const DWORD error = GetLastError();
-  std::fprintf(stderr, "toolprobe: no answer from the tool, Windows error %lu%s\n", error,
+  std::fprintf(stderr, "toolprobe: no answer from the tool, Windows error %s%s\n",
+               std::to_string(error).c_str(),
                error == ERROR_ACCESS_DENIED ? ": start this program with the rights that the tool has" : "");
   return std::nullopt;
 }

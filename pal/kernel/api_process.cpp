@@ -33,6 +33,14 @@ SYSTEMTIME FromHost(std::chrono::sys_time<std::chrono::milliseconds> time) {
 
 }  // namespace
 
+UINT WINAPI GetConsoleOutputCP() {
+  return Refuse<UINT>(ERROR_INVALID_HANDLE, 0);
+}
+
+BOOL WINAPI SetConsoleOutputCP(UINT /*codePage*/) {
+  return Refuse(ERROR_INVALID_HANDLE, FALSE);
+}
+
 LPWSTR WINAPI GetCommandLineW() {
   const Call call;
   return call->commandLine.data();

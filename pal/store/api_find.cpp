@@ -13,7 +13,7 @@ class Search : public Object {
 
 }  // namespace
 
-// The record says no more than that the file is there.
+// The record tells the file's size and no more.
 HANDLE WINAPI FindFirstFileW(LPCWSTR name, LPWIN32_FIND_DATAW found) {
   const Call call("FindFirstFileW");
   if (call.Fails()) return INVALID_HANDLE_VALUE;
@@ -22,6 +22,7 @@ HANDLE WINAPI FindFirstFileW(LPCWSTR name, LPWIN32_FIND_DATAW found) {
   const DiskPath path = call->disk.Locate(whole);
   if (const DWORD error = path.ErrorIfMissing()) return Refuse(error, INVALID_HANDLE_VALUE);
   *found = {};
+  if (path.IsFile()) found->nFileSizeLow = static_cast<DWORD>(std::filesystem::file_size(path.host));
   return call->handles.Add(std::make_shared<Search>());
 }
 

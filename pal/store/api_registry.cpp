@@ -1,7 +1,7 @@
 // Registry calls.
 #include <windows.h>
 
-#include <cstring>
+#include <algorithm>
 
 #include "pal/machine/state.h"
 #include "pal/store/registry.h"
@@ -57,6 +57,18 @@ void CheckAccess(REGSAM access) {
   if ((access & ~kKnownAccess) != 0) Die("unknown access to a registry key");
 }
 
+// What a value is: its type, its size, and its data when there is room.
+LSTATUS Tell(const RegistryValue& value, LPDWORD type, LPBYTE data, LPDWORD size) {
+  if (type) *type = value.type;
+  const auto needed = static_cast<DWORD>(value.data.size());
+  const DWORD room = size ? *size : 0;
+  if (size) *size = needed;
+  if (!data) return ERROR_SUCCESS;
+  if (room < needed) return ERROR_MORE_DATA;
+  std::ranges::copy(value.data, data);
+  return ERROR_SUCCESS;
+}
+
 }  // namespace
 
 LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM access, PHKEY opened) {
@@ -106,15 +118,22 @@ LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWOR
   const Reached reached = Reach(call.Get(), key, KEY_QUERY_VALUE);
   if (!reached.key) return reached.error;
   const RegistryValue* value = reached.key->FindValue(OrEmpty(name));
-  if (!value) return ERROR_FILE_NOT_FOUND;
-  if (type) *type = value->type;
-  const auto needed = static_cast<DWORD>(value->data.size());
-  const DWORD room = size ? *size : 0;
-  if (size) *size = needed;
-  if (!data) return ERROR_SUCCESS;
-  if (room < needed) return ERROR_MORE_DATA;
-  if (needed > 0) std::memcpy(data, value->data.data(), needed);
-  return ERROR_SUCCESS;
+  return value ? Tell(*value, type, data, size) : ERROR_FILE_NOT_FOUND;
+}
+
+LSTATUS WINAPI RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameLength, LPDWORD reserved,
+                             LPDWORD type, LPBYTE data, LPDWORD size) {
+  const Call call("RegEnumValueW");
+  if (call.Fails()) return static_cast<LSTATUS>(call.Error());
+  if (!name || !nameLength || reserved || (data && !size)) return ERROR_INVALID_PARAMETER;
+  const Reached reached = Reach(call.Get(), key, KEY_QUERY_VALUE);
+  if (!reached.key) return reached.error;
+  if (index >= reached.key->values.size()) return ERROR_NO_MORE_ITEMS;
+  const RegistryValue& value = reached.key->values[index];
+  if (*nameLength <= value.name.size()) return ERROR_MORE_DATA;
+  *std::ranges::copy(value.name, name).out = 0;
+  *nameLength = static_cast<DWORD>(value.name.size());
+  return Tell(value, type, data, size);
 }
 
 LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,

@@ -14,7 +14,7 @@ FUNCTION = re.compile(r"\b(?:WINAPI|STDMETHODCALLTYPE)\s+(\w+)\s*\(")
 CONSTANT = re.compile(r"^#define (\w+)|^using (\w+) =", re.MULTILINE)
 COMMENT = re.compile(r"//.*")
 CALL = re.compile(r"(?<!WINAPI )\b(\w+)\(")
-FOR_WINDOWS_ALONE = ("tests/windows/", "simulator/wine/", "tools/toolprobe.cpp", "plugins/macro/macro_ansi.cpp",
+FOR_WINDOWS_ALONE = ("tests/windows/", "simulator/wine/", "plugins/macro/macro_ansi.cpp",
                      "plugins/macro/macro_editor.cpp", "plugins/macro/macro_player.cpp", "plugins/macro/macro_plugin.cpp")
 
 

@@ -67,6 +67,11 @@ TEST_F(Registry, ValuesComeBackWithTypeAndSize) {
     EXPECT_EQ(type, row.type);
     EXPECT_EQ(size, row.size);
   }
+  WCHAR name[8] = {};
+  DWORD length = 8;
+  EXPECT_EQ(RegEnumValueW(key, 0, name, &length, nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
+  EXPECT_EQ(Text(name, length), TEXT("Value"));
+  EXPECT_EQ(RegEnumValueW(key, 1, name, &length, nullptr, nullptr, nullptr, nullptr), ERROR_NO_MORE_ITEMS);
 }
 
 TEST_F(Registry, AHandleAllowsWhatItWasOpenedFor) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "pal/machine/machine.h"
+#include "tests/firmware/work_folder.h"
 
 namespace probe {
 namespace {
@@ -49,6 +50,27 @@ TEST(ProbeText, NumbersBecomeWords) {
     const char* text;
   } kVolumes[] = {{0x1000A, "10"}, {0x10064, "100"}, {0x1FFFF, "not set"}, {0, "unknown"}, {-1, "unknown"}};
   for (const auto& c : kVolumes) EXPECT_EQ(FormatVolume(c.answer), c.text);
+}
+
+TEST(Toolprobe, SaysWhatItCanWithoutATool) {
+  const veltra::WorkFolder folder;
+  const struct {
+    const char* arguments;
+    int code;
+    const char* file;
+    const char* text;
+  } kCases[] = {
+      {"--help", 0, "output.txt", "usage: toolprobe"},
+      {"nonsense", 2, "errors.txt", "usage: toolprobe"},
+      {"--log", 2, "errors.txt", "usage: toolprobe"},
+      {"--log none/sent.txt", 2, "errors.txt", "toolprobe: none/sent.txt cannot be written\n"},
+      {"battery --xml", 1, "errors.txt", "toolprobe: the device tool is not running\n"},
+      {"--log sent.txt", 0, "sent.txt", "the device tool is not running\n\n== Windows\nnot there\n"}};
+  for (const auto& c : kCases) {
+    EXPECT_EQ(folder.Run(std::string(VELTRA_TOOLPROBE " ") + c.arguments + " >output.txt 2>errors.txt"),
+              c.code);
+    EXPECT_TRUE(folder.Read(c.file).starts_with(c.text)) << c.arguments;
+  }
 }
 
 }  // namespace
