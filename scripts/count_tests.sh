@@ -80,7 +80,7 @@ count_gtest() {
   count failed "$bad"
   count skipped "$left_out"
   if [ "$bad" != 0 ]; then
-    grep -vE "^\[( RUN|       OK|-)" "$log" | tail -n 80
+    grep -vE "^\[( RUN|       OK|-)|^ERROR: ld.so" "$log" | tail -n 80
   elif [ "$status" != 0 ] || [ "$good" = 0 ]; then
     tail -n 40 "$log"
     fail "$name ended with $status after $good tests"
@@ -100,6 +100,17 @@ run_windows_tests() {
   "$native/windows_test" --exe-dir build/windows-x64/bin >"$log" 2>&1
   count_gtest windows_test "$log" $?
 }
+
+# run_windows_tests_32 NATIVE: where the tool and libraries call each other, and each other's records.
+run_windows_tests_32() {
+  local native=build/$1/bin log shim=$PWD/build/serial_shim_32.so
+  log=$(log_of "windows_test 32")
+  g++ -m32 -shared -fPIC simulator/wine/serial_shim.cpp -o "$shim" >"$log" 2>&1 &&
+    VELTRA_SERIAL_SHIM=$PWD/$native/libserial_shim.so:$shim "$native/windows_test" --exe-dir build/windows-x86/bin \
+      "$PWD/tests/scenarios" --gtest_filter="$windows_tests_32" >>"$log" 2>&1
+  count_gtest "windows_test of 32 bits" "$log" $?
+}
+windows_tests_32=BoardTest.*:*AMacro*:*TheProbe*:*.what_a_switch*:*.side_buttons:*.volume:*.ports_by_name:*.suspend_and*
 
 finish() {
   local broken

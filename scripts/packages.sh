@@ -77,12 +77,12 @@ need_windows_tools() {
   need Xvfb xvfb xauth || { echo "Xvfb is missing"; return 1; }
 }
 
-# Succeeds when Wine starts and runs a program of ours. Its prefix stays in VELTRA_WINE_PREFIX.
+# can_run_windows x86_64|i686: succeeds when Wine starts and runs a program of ours. Its prefix stays in VELTRA_WINE_PREFIX.
 can_run_windows() {
   local folder status
   folder=$(mktemp -d)
   echo 'int main() { return 42; }' >"$folder/try.cpp"
-  x86_64-w64-mingw32-g++-posix -static "$folder/try.cpp" -o "$folder/try.exe" && tests/windows/run_exe.sh "$folder/try.exe"
+  "$1-w64-mingw32-g++-posix" -static "$folder/try.cpp" -o "$folder/try.exe" && tests/windows/run_exe.sh "$folder/try.exe"
   status=$?
   rm -r "$folder"
   [ $status = 42 ]

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "board/board_library.h"
 #include "simulator/report.h"
 
 namespace {
@@ -101,6 +102,15 @@ void ServeMessages() {
 }
 
 }  // namespace
+
+// Just what the tool calls: in 32 bits a call by another convention may seem to work.
+static_assert(sizeof(veltra::BoardLibrary{{},
+                                          KEApiLibInitialize,
+                                          KEApiLibUnInitialize,
+                                          KEApiI2cXfer,
+                                          KEApiGetBoardInfo,
+                                          KEApiGetCpuInfo,
+                                          KEApiGetMemoryInfo}) > 0);
 
 int32_t simulator::FromEnvironment(const char* name) {
   const char* value = std::getenv(name);

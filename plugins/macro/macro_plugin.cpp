@@ -5,8 +5,12 @@
 #include "plugins/macro/macro_ansi.h"
 #include "plugins/macro/macro_editor.h"
 #include "plugins/macro/macro_player.h"
+#include "switches/macro_plugin.h"
 
 namespace {
+
+// Just what the tool calls: in 32 bits a call by another convention may seem to work.
+static_assert(sizeof(veltra::MacroLibrary{{}, RunMacro, ComposeMacro}) > 0);
 
 HINSTANCE library = nullptr;
 char composed[macro::kLongestMacro + 2] = {};

@@ -40,3 +40,6 @@ extern "C" int ioctl(int fd, unsigned long request, ...) noexcept {
       return -1;
   }
 }
+
+// So Wine of 32 bits calls it, where times have 64.
+extern "C" int __ioctl_time64(int fd, unsigned long request, ...) noexcept __attribute__((alias("ioctl")));

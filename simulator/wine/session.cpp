@@ -15,7 +15,7 @@ namespace {
 constexpr char kInside[] = "VELTRA_WINE_SESSION";
 
 void StartAgainInside(char** arguments, const std::filesystem::path& programs) {
-  setenv("VELTRA_SERIAL_SHIM", VELTRA_SERIAL_SHIM_PATH, 1);
+  setenv("VELTRA_SERIAL_SHIM", VELTRA_SERIAL_SHIM_PATH, 0);
   setenv("VELTRA_DEVICES", (programs / "devices").c_str(), 1);
   std::vector<char*> command = {const_cast<char*>(VELTRA_SESSION_SCRIPT),
                                 const_cast<char*>("/proc/self/exe")};

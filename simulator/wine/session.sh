@@ -5,7 +5,8 @@
 # has a desktop of its own; both are gone when it ends,
 # and the exit code is the command's. Environment:
 #   VELTRA_WINE_PREFIX   a directory that keeps the prefix, for faster starts
-#   VELTRA_SERIAL_SHIM   the library to preload into Wine, so that COM2 can be a pseudo terminal
+#   VELTRA_WINE_ARCH     win32 for a Windows of 32 bits
+#   VELTRA_SERIAL_SHIM   the library to preload into Wine, so that COM2 can be a pseudo terminal; several after colons
 #   VELTRA_SCREEN        the size of the desktop, 1024x768 by default
 #   VELTRA_DEVICES       a directory with audio.dll, the playback device of this Windows
 # COM2 is what the symbolic link $WINEPREFIX/com2 points to; the command makes that link.
@@ -14,7 +15,7 @@ set -u
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/veltra-wine.XXXXXX")
 export WINEPREFIX=${VELTRA_WINE_PREFIX:-$scratch/prefix}
 export HOME=$WINEPREFIX-home                          # Wine makes links into it and writes below it
-export WINEARCH=win64
+export WINEARCH=${VELTRA_WINE_ARCH:-win64}
 export LC_ALL=C.UTF-8                                 # Windows in English
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="  # no questions about add-ons, no menu entries

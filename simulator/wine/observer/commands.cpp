@@ -44,13 +44,13 @@ std::string RunHandle(const Words& words) {
 }
 
 std::string RunSend(const Words& words) {
-  return std::to_string(Send(Find(words[1]), static_cast<UINT>(Number(words[2])), Number(words[3]),
-                             static_cast<LPARAM>(Number(words[4]))));
+  return std::to_string(Send(Find(words[1]), static_cast<UINT>(Number(words[2])),
+                             static_cast<WPARAM>(Number(words[3])), static_cast<LPARAM>(Number(words[4]))));
 }
 
 std::string RunPost(const Words& words) {
-  if (!PostMessageW(Find(words[1]), static_cast<UINT>(Number(words[2])), Number(words[3]),
-                    static_cast<LPARAM>(Number(words[4]))))
+  if (!PostMessageW(Find(words[1]), static_cast<UINT>(Number(words[2])),
+                    static_cast<WPARAM>(Number(words[3])), static_cast<LPARAM>(Number(words[4]))))
     throw std::runtime_error("not posted");
   return {};
 }

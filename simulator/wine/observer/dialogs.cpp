@@ -32,14 +32,15 @@ std::vector<HWND> ControlsOf(HWND dialog) {
   return controls;
 }
 
+BOOL CALLBACK AddDialog(HWND window, LPARAM list) {
+  if (IsWindowVisible(window) && IsWindowEnabled(window) && ClassOf(window) == L"#32770")
+    reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+  return TRUE;
+}
+
 std::vector<HWND> Dialogs() {
   std::vector<HWND> dialogs;
-  const auto add = [](HWND window, LPARAM list) -> BOOL {
-    if (IsWindowVisible(window) && IsWindowEnabled(window) && ClassOf(window) == L"#32770")
-      reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-    return TRUE;
-  };
-  EnumWindows(add, reinterpret_cast<LPARAM>(&dialogs));
+  EnumWindows(AddDialog, reinterpret_cast<LPARAM>(&dialogs));
   return dialogs;
 }
 
@@ -141,7 +142,7 @@ void PressKey(HWND window, WPARAM key) {
 }
 
 std::string RunKey(const Words& words) {
-  PressKey(FrontDialog(), Number(words[1]));
+  PressKey(FrontDialog(), static_cast<WPARAM>(Number(words[1])));
   return {};
 }
 
