@@ -88,15 +88,15 @@ void PortHandle::DeviceGone() {
 
 // The driver ends a wait at the moment of the event, even when the waiting thread comes to run later.
 void PortHandle::EndWait(Outcome outcome) {
-  if (!wait_ || wait_->outcome || port_.hung_ != SerialPort::Hung::kNot) return;
-  wait_->outcome = outcome;
+  if (!waits_ || outcome_ || port_.hung_ != SerialPort::Hung::kNot) return;
+  outcome_ = outcome;
   port_.state_.scheduler.Notify();
 }
 
 void PortHandle::Raise(DWORD events) {
   events &= mask_;
   if (events == 0) return;
-  if (wait_ && !wait_->outcome) {
+  if (waits_ && !outcome_) {
     EndWait({ERROR_SUCCESS, events});
   } else {
     raised_ |= events;
@@ -174,18 +174,17 @@ DWORD PortHandle::SetMask(DWORD events) {
 }
 
 DWORD PortHandle::WaitEvent(DWORD* events) {
-  if (mask_ == 0 || wait_) return ERROR_INVALID_PARAMETER;
-  wait_.emplace();
+  if (mask_ == 0 || waits_) return ERROR_INVALID_PARAMETER;
+  waits_ = true;
+  outcome_.reset();
   if (raised_ != 0) EndWait({ERROR_SUCCESS, std::exchange(raised_, 0)});
-  const std::function<bool()> isOver = [this] { return wait_->outcome.has_value(); };
-  for (;;) {
+  const std::function<bool()> isOver = [this] { return outcome_.has_value(); };
+  do {
     FetchFromTty();
-    const Waited waited = port_.state_.scheduler.Wait(isOver, std::nullopt, tty_ ? tty_->Descriptor() : -1);
-    if (waited == Waited::kReadable) continue;
-    break;
-  }
-  const Outcome outcome = wait_->outcome.value_or(Outcome{ERROR_OPERATION_ABORTED, 0});
-  wait_.reset();
+  } while (port_.state_.scheduler.Wait(isOver, std::nullopt, tty_ ? tty_->Descriptor() : -1) ==
+           Waited::kReadable);
+  waits_ = false;
+  const Outcome outcome = outcome_.value_or(Outcome{ERROR_OPERATION_ABORTED, 0});
   if (events) *events = outcome.events;
   return outcome.error;
 }
@@ -223,11 +222,11 @@ DWORD PortHandle::SetSettings(const DCB& dcb) {
 
 // ---- the port -----------------------------------------------------------------------------------------------
 
-Port::Port(State& state, int number) : state_(state), number_(number) {
+SerialPort::SerialPort(State& state, int number) : state_(state), number_(number) {
   dcb_.DCBlength = sizeof(dcb_);
 }
 
-DWORD Port::Open(HANDLE& handle, DWORD access, DWORD share) {
+DWORD SerialPort::Open(HANDLE& handle, DWORD access, DWORD share) {
   if (!handle_.expired())
     return ERROR_ACCESS_DENIED;  // also while a handle of the device that vanished is open
   if (!present_) return ERROR_FILE_NOT_FOUND;
@@ -245,78 +244,74 @@ DWORD Port::Open(HANDLE& handle, DWORD access, DWORD share) {
   return ERROR_SUCCESS;
 }
 
-void Port::OnWrite(std::function<void(std::span<const uint8_t>)> device) {
+void SerialPort::OnWrite(std::function<void(std::span<const uint8_t>)> device) {
   const MachineLock lock(state_.mutex);
   device_ = std::move(device);
 }
 
-void Port::Transmit(std::span<const uint8_t> bytes) {
+void SerialPort::Transmit(std::span<const uint8_t> bytes) {
   std::vector<uint8_t> copy(bytes.begin(), bytes.end());
   if (device_) state_.scheduler.At(state_.scheduler.Now(), [device = device_, copy] { device(copy); });
   state_.Emit(SerialWrite{number_, std::move(copy)});
 }
 
-void Port::Deliver(std::span<const uint8_t> bytes) {
+void SerialPort::Deliver(std::span<const uint8_t> bytes) {
   const MachineLock lock(state_.mutex);
   Receive(bytes);
 }
 
 // What arrives while nobody has the port open is lost.
-void Port::Receive(std::span<const uint8_t> bytes) {
+void SerialPort::Receive(std::span<const uint8_t> bytes) {
   const std::shared_ptr<PortHandle> handle = handle_.lock();
   if (bytes.empty() || !handle || !handle->IsAlive()) return;
   input_.insert(input_.end(), bytes.begin(), bytes.end());
   handle->Raise(EV_RXCHAR);
 }
 
-void Port::Vanish() {
+void SerialPort::Vanish() {
   const MachineLock lock(state_.mutex);
   present_ = false;
   input_.clear();
   if (const std::shared_ptr<PortHandle> handle = handle_.lock()) handle->DeviceGone();
 }
 
-void Port::Return() {
+void SerialPort::Return() {
   const MachineLock lock(state_.mutex);
   present_ = true;
 }
 
-bool Port::IsOpen() const {
+bool SerialPort::IsOpen() const {
   const MachineLock lock(state_.mutex);
   const std::shared_ptr<PortHandle> handle = handle_.lock();
   return handle && handle->IsAlive();
 }
 
-void Port::FailNextRead(DWORD error, DWORD commErrors, bool atOnce) {
+void SerialPort::FailNextRead(DWORD error, DWORD commErrors, bool atOnce) {
   const MachineLock lock(state_.mutex);
   readFailure_ = {error, commErrors, atOnce};
 }
 
-void Port::Hang(Hung hung) {
+void SerialPort::Hang(Hung hung) {
   const MachineLock lock(state_.mutex);
   hung_ = hung;
   const std::shared_ptr<PortHandle> handle = handle_.lock();
   if (hung == Hung::kNot && handle) handle->WakeWithoutEvent();
 }
 
-DCB Port::Settings() const {
+DCB SerialPort::Settings() const {
   const MachineLock lock(state_.mutex);
   return dcb_;
 }
 
-COMMTIMEOUTS Port::Timeouts() const {
+COMMTIMEOUTS SerialPort::Timeouts() const {
   const MachineLock lock(state_.mutex);
   return timeouts_;
 }
 
-void Port::SetDriverDefaults(const DCB& dcb) {
+void SerialPort::SetDriverDefaults(const DCB& dcb) {
   const MachineLock lock(state_.mutex);
   dcb_ = dcb;
 }
-
-SerialPorts::SerialPorts(State& state) : state_(state) {}
-
-SerialPorts::~SerialPorts() = default;
 
 SerialPort& SerialPorts::Add(int number) {
   const MachineLock lock(state_.mutex);
@@ -329,15 +324,13 @@ void SerialPorts::AttachTty(int number, const std::filesystem::path& tty) {
   PortOf(number).UseTty(tty);
 }
 
-Port& SerialPorts::PortOf(int number) {
-  std::unique_ptr<Port>& port = ports_[number];
-  if (!port) port = std::make_unique<Port>(state_, number);
-  return *port;
+SerialPort& SerialPorts::PortOf(int number) {
+  return ports_.try_emplace(number, state_, number).first->second;
 }
 
-Port* SerialPorts::Find(int number) const {
+SerialPort* SerialPorts::Find(int number) {
   const auto found = ports_.find(number);
-  return found == ports_.end() ? nullptr : found->second.get();
+  return found == ports_.end() ? nullptr : &found->second;
 }
 
 }  // namespace pal

@@ -1,16 +1,11 @@
-// Serial ports: what the line and the program's handle of a port have in common.
+// The program's handle of a serial port.
 #pragma once
 
 #include <windows.h>
 
-#include <deque>
-#include <filesystem>
-#include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <span>
-#include <vector>
 
 #include "pal/devices/serial_ports.h"
 #include "pal/devices/tty_line.h"
@@ -21,7 +16,7 @@ namespace pal {
 // An open handle of a port. Device, queue and settings are the port's; masks and waits end with the handle.
 class PortHandle final : public Object, public std::enable_shared_from_this<PortHandle> {
  public:
-  PortHandle(Port& port, std::unique_ptr<TtyLine> tty) : port_(port), tty_(std::move(tty)) {}
+  PortHandle(SerialPort& port, std::unique_ptr<TtyLine> tty) : port_(port), tty_(std::move(tty)) {}
 
   [[nodiscard]] std::string_view Kind() const override { return "serial"; }
   void OnClose() override;
@@ -51,66 +46,19 @@ class PortHandle final : public Object, public std::enable_shared_from_this<Port
     DWORD error = 0;
     DWORD events = 0;
   };
-  struct CommWait {
-    std::optional<Outcome> outcome;
-  };
 
   void EndWait(Outcome outcome);
   DWORD CompleteSoon(OVERLAPPED& overlapped, DWORD error, DWORD transferred);
   void FetchFromTty();
 
-  Port& port_;
+  SerialPort& port_;
   std::unique_ptr<TtyLine> tty_;
   DWORD mask_ = 0;
-  DWORD raised_ = 0;  // events of the mask that no wait has reported yet
-  std::optional<CommWait> wait_;
+  DWORD raised_ = 0;                // events of the mask that no wait has reported yet
+  bool waits_ = false;              // for events
+  std::optional<Outcome> outcome_;  // of the wait, when it is over
   bool deviceGone_ = false;
   bool closed_ = false;
-};
-
-class Port final : public SerialPort {
- public:
-  Port(State& state, int number);
-
-  // SerialPort, called by the outside.
-  void OnWrite(std::function<void(std::span<const uint8_t>)> device) override;
-  void Deliver(std::span<const uint8_t> bytes) override;
-  void Vanish() override;
-  void Return() override;
-  [[nodiscard]] bool IsOpen() const override;
-  void FailNextRead(DWORD error, DWORD commErrors, bool atOnce) override;
-  void Hang(Hung hung) override;
-  [[nodiscard]] DCB Settings() const override;
-  [[nodiscard]] COMMTIMEOUTS Timeouts() const override;
-  void SetDriverDefaults(const DCB& dcb) override;
-
-  // CreateFileW: 0 and a handle in the machine's table, or the error.
-  DWORD Open(HANDLE& handle, DWORD access, DWORD share);
-  void UseTty(std::filesystem::path tty) { ttyPath_ = std::move(tty); }
-
- private:
-  friend class PortHandle;
-  struct ReadFailure {
-    DWORD error;
-    DWORD commErrors;
-    bool atOnce;
-  };
-
-  void Receive(std::span<const uint8_t> bytes);
-  void Transmit(std::span<const uint8_t> bytes);
-
-  State& state_;
-  const int number_;
-  std::filesystem::path ttyPath_;  // empty: in memory
-  bool present_ = true;
-  Hung hung_ = Hung::kNot;
-  std::function<void(std::span<const uint8_t>)> device_;
-  std::weak_ptr<PortHandle> handle_;
-  std::deque<uint8_t> input_;
-  DWORD commErrors_ = 0;
-  std::optional<ReadFailure> readFailure_;
-  DCB dcb_{};
-  COMMTIMEOUTS timeouts_{};
 };
 
 // The number in "\\.\COM5" and "COM5", 0 for another device, empty for any other name.

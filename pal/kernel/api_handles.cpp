@@ -10,7 +10,7 @@ namespace {
 HANDLE OpenPort(State& state, int number, DWORD access, DWORD share, DWORD disposition,
                 DWORD flagsAndAttributes) {
   if (!(flagsAndAttributes & FILE_FLAG_OVERLAPPED)) Die("a port opened without FILE_FLAG_OVERLAPPED");
-  Port* port = state.serial.Find(number);
+  SerialPort* port = state.serial.Find(number);
   if (!port) return Refuse(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
   if (disposition != OPEN_EXISTING) return Refuse(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
   HANDLE handle = INVALID_HANDLE_VALUE;

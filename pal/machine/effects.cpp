@@ -171,45 +171,37 @@ std::string Port(int port) {
 
 // ---- one description for each kind of effect ----------------------------------------------------------------
 
+// clang-format off
 Description Of(const DebugOutput& e) {
   return {"debug", "debug " + OneLine(e.text), {{"output", e.text}}};
 }
 Description Of(const RegistryWrite& e) {
-  return {"registry",
-          "registry " + (e.name.empty() ? "(unnamed)" : OneLine(e.name)) + " = " + DescribeValue(e),
+  return {"registry", "registry " + (e.name.empty() ? "(unnamed)" : OneLine(e.name)) + " = " + DescribeValue(e),
           {{"key", e.key}, {"name", e.name}, {"type", e.type}, {"data", e.data}}};
 }
 Description Of(const RegistryOpened& e) {
-  return {"registry key",
-          std::string(e.isNew ? "new" : "opened") + " registry key " + OneLine(e.key) + " access " +
-              Hex(e.access, 5),
+  return {"registry key", std::string(e.isNew ? "new" : "opened") + " registry key " + OneLine(e.key) +
+          " access " + Hex(e.access, 5),
           {{"key", e.key}, {"access", e.access}, {"new", e.isNew}}};
 }
 Description Of(const FileOpened& e) {
-  return {"file opened",
-          "opened file " + FileName(e.path) + " access " + Hex(e.access, 8) + " share " + Hex(e.share, 1) +
-              " disposition " + Number(e.disposition),
-          {{"path", e.path},
-           {"access", e.access},
-           {"share", e.share},
-           {"disposition", e.disposition},
+  return {"file opened", "opened file " + FileName(e.path) + " access " + Hex(e.access, 8) + " share " +
+          Hex(e.share, 1) + " disposition " + Number(e.disposition),
+          {{"path", e.path}, {"access", e.access}, {"share", e.share}, {"disposition", e.disposition},
            {"flags", e.flags}}};
 }
 Description Of(const FileWrite& e) {
-  return {
-      "file", "file " + FileName(e.path) + ": " + OneLine(e.bytes), {{"path", e.path}, {"bytes", e.bytes}}};
+  return {"file", "file " + FileName(e.path) + ": " + OneLine(e.bytes), {{"path", e.path}, {"bytes", e.bytes}}};
 }
 Description Of(const SerialOpened& e) {
-  return {"serial opened",
-          Port(e.port) + " opened",
+  return {"serial opened", Port(e.port) + " opened",
           {{"port", e.port}, {"access", e.access}, {"share", e.share}}};
 }
 Description Of(const SerialClosed& e) {
   return {"serial closed", Port(e.port) + " closed", {{"port", e.port}}};
 }
 Description Of(const SerialPurged& e) {
-  return {"serial purged",
-          "purged COM" + Number(e.port) + " " + Hex(e.flags, 1),
+  return {"serial purged", "purged COM" + Number(e.port) + " " + Hex(e.flags, 1),
           {{"port", e.port}, {"flags", e.flags}}};
 }
 Description Of(const SerialWrite& e) {
@@ -219,9 +211,8 @@ Description Of(const MouseInput& e) {
   return {"mouse", DescribeMouse(e), {{"flags", e.flags}, {"dx", e.dx}, {"dy", e.dy}, {"data", e.data}}};
 }
 Description Of(const KeyInput& e) {
-  return {"key",
-          "key " + Hex(e.virtualKey, 2) + ((e.flags & KEYEVENTF_KEYUP) != 0 ? " up" : " down") +
-              ((e.flags & KEYEVENTF_EXTENDEDKEY) != 0 ? " extended" : ""),
+  return {"key", "key " + Hex(e.virtualKey, 2) + ((e.flags & KEYEVENTF_KEYUP) != 0 ? " up" : " down") +
+          ((e.flags & KEYEVENTF_EXTENDEDKEY) != 0 ? " extended" : ""),
           {{"key", e.virtualKey}, {"scan", e.scanCode}, {"flags", e.flags}}};
 }
 Description Of(const ExecutionState& e) {
@@ -234,40 +225,30 @@ Description Of(const ExecutionState& e) {
           {{"flags", e.flags}}};
 }
 Description Of(const WindowsExit& e) {
-  return {"windows exit",
-          (e.flags == (EWX_POWEROFF | EWX_FORCE) ? "power off" : "exit windows " + Hex(e.flags, 2)) +
-              ", reason " + Hex(e.reason, 5),
+  return {"windows exit", (e.flags == (EWX_POWEROFF | EWX_FORCE) ? "power off" : "exit windows " +
+          Hex(e.flags, 2)) + ", reason " + Hex(e.reason, 5),
           {{"flags", e.flags}, {"reason", e.reason}}};
 }
 Description Of(const SessionHeld& e) {
-  return {"session held",
-          e.reason.empty() ? "session may end" : "session held: " + OneLine(e.reason),
+  return {"session held", e.reason.empty() ? "session may end" : "session held: " + OneLine(e.reason),
           {{"reason", e.reason}}};
 }
 Description Of(const Beep& e) {
   return {"beep", e.type == MB_OK ? "beep" : "beep " + Hex(e.type, 2), {{"type", e.type}}};
 }
 Description Of(const BoxShown& e) {
-  return {"box",
-          "box " + Quoted(e.caption) + ": " + OneLine(e.text),
+  return {"box", "box " + Quoted(e.caption) + ": " + OneLine(e.text),
           {{"caption", e.caption}, {"message", e.text}, {"type", e.type}, {"owner", e.owner}}};
 }
 Description Of(const BoxAnswered& e) {
   const auto* row = std::ranges::find(kButtonRows, e.button, &ButtonRow::button);
-  return {"answer",
-          "answer " + (row == std::end(kButtonRows) ? Number(e.button) : std::string(row->word)),
+  return {"answer", "answer " + (row == std::end(kButtonRows) ? Number(e.button) : std::string(row->word)),
           {{"button", e.button}}};
 }
 Description Of(const DialogShown& e) {
-  return {"dialog shown",
-          "dialog " + Quoted(e.title) + " shown",
-          {{"title", e.title},
-           {"x", e.x},
-           {"y", e.y},
-           {"width", e.width},
-           {"height", e.height},
-           {"topmost", e.isTopmost},
-           {"owner", e.owner}}};
+  return {"dialog shown", "dialog " + Quoted(e.title) + " shown",
+          {{"title", e.title}, {"x", e.x}, {"y", e.y}, {"width", e.width}, {"height", e.height},
+           {"topmost", e.isTopmost}, {"owner", e.owner}}};
 }
 Description Of(const DialogHidden& e) {
   return {"dialog hidden", "dialog " + Quoted(e.title) + " hidden", {{"title", e.title}}};
@@ -278,53 +259,35 @@ Description Of(const LabelChanged& e) {
     const bool isBlank = c == u' ' || c == u'\r' || c == u'\n';
     if (!isBlank || !words.ends_with(u' ')) words += isBlank ? u' ' : c;
   }
-  return {"label changed",
-          "dialog " + Quoted(e.title) + ": " + OneLine(words),
+  return {"label changed", "dialog " + Quoted(e.title) + ": " + OneLine(words),
           {{"title", e.title}, {"label", e.text}}};
 }
 Description Of(const WindowPlaced& e) {
-  return {"window placed",
-          "placed window " + Quoted(e.title) + (e.isTopmost ? " topmost" : ""),
-          {{"title", e.title},
-           {"x", e.x},
-           {"y", e.y},
-           {"width", e.width},
-           {"height", e.height},
-           {"topmost", e.isTopmost},
-           {"flags", e.flags}}};
+  return {"window placed", "placed window " + Quoted(e.title) + (e.isTopmost ? " topmost" : ""),
+          {{"title", e.title}, {"x", e.x}, {"y", e.y}, {"width", e.width}, {"height", e.height},
+           {"topmost", e.isTopmost}, {"flags", e.flags}}};
 }
 Description Of(const EllipseDrawn& e) {
-  return {"ellipse",
-          "ellipse " + Number(e.left) + " " + Number(e.top) + " " + Number(e.right) + " " + Number(e.bottom) +
-              " colour " + Hex(e.colour, 6),
+  return {"ellipse", "ellipse " + Number(e.left) + " " + Number(e.top) + " " + Number(e.right) + " " +
+          Number(e.bottom) + " colour " + Hex(e.colour, 6),
           {{"left", e.left}, {"top", e.top}, {"right", e.right}, {"bottom", e.bottom}, {"colour", e.colour}}};
 }
 Description Of(const FileBoxShown& e) {
-  return {"file box",
-          "file box " + Quoted(e.filter),
+  return {"file box", "file box " + Quoted(e.filter),
           {{"filter", e.filter}, {"extension", e.extension}, {"name", e.name}, {"flags", e.flags}}};
 }
 Description Of(const FileBoxAnswered& e) {
-  return {"file chosen",
-          e.path.empty() ? "file box cancelled" : "file chosen " + OneLine(e.path),
+  return {"file chosen", e.path.empty() ? "file box cancelled" : "file chosen " + OneLine(e.path),
           {{"path", e.path}}};
 }
 Description Of(const ForeignMessageSent& e) {
-  return {"message",
-          DescribeMessage(e),
-          {{"window_class", e.className},
-           {"message", e.message},
-           {"w", e.wParam},
-           {"l", e.lParam},
-           {"tag", e.copyDataTag},
-           {"payload", e.payload},
-           {"posted", e.isPosted},
-           {"patience", e.patience},
+  return {"message", DescribeMessage(e),
+          {{"window_class", e.className}, {"message", e.message}, {"w", e.wParam}, {"l", e.lParam},
+           {"tag", e.copyDataTag}, {"payload", e.payload}, {"posted", e.isPosted}, {"patience", e.patience},
            {"limit_ms", e.limitMs}}};
 }
 Description Of(const TimerSet& e) {
-  return {"timer set",
-          "timer " + Number(e.id) + " set " + Number(e.periodMs) + " ms",
+  return {"timer set", "timer " + Number(e.id) + " set " + Number(e.periodMs) + " ms",
           {{"id", e.id}, {"period_ms", e.periodMs}, {"window_class", e.window}}};
 }
 Description Of(const TimerKilled& e) {
@@ -334,19 +297,15 @@ Description Of(const LanguageSet& e) {
   return {"language", "language " + Hex(e.language, 4), {{"language", e.language}, {"locale", e.isLocale}}};
 }
 Description Of(const ModuleLoaded& e) {
-  return {"module loaded",
-          "library " + FileName(e.path) + " loaded",
-          {{"path", e.path},
-           {"flags", e.flags},
-           {"error mode", e.search.errorMode},
+  return {"module loaded", "library " + FileName(e.path) + " loaded",
+          {{"path", e.path}, {"flags", e.flags}, {"error mode", e.search.errorMode},
            {"places", e.search.places}}};
 }
 Description Of(const ModuleFreed& e) {
   return {"module freed", "library " + FileName(e.path) + " freed", {{"path", e.path}}};
 }
 Description Of(const DeviceCall& e) {
-  return {"device",
-          e.device + " " + e.call,
+  return {"device", e.device + " " + e.call,
           {{"device", std::string_view(e.device)}, {"call", std::string_view(e.call)}}};
 }
 Description Of(const TrayChange& e) {
@@ -375,19 +334,17 @@ Description Of(const TrayChange& e) {
   return tray;
 }
 Description Of(const MenuShown& e) {
-  return {"menu",
-          "menu " + DescribeItems(e.items),
+  return {"menu", "menu " + DescribeItems(e.items),
           {{"items", e.items}, {"x", e.x}, {"y", e.y}, {"flags", e.flags}}};
 }
 Description Of(const MenuChosen& e) {
-  return {"chosen",
-          e.command == 0 ? "menu closed" : "chosen " + Number(e.command) + " " + OneLine(MenuLabel(e.text)),
+  return {"chosen", e.command == 0 ? "menu closed" : "chosen " + Number(e.command) + " " +
+          OneLine(MenuLabel(e.text)),
           {{"command", e.command}, {"item", e.text}}};
 }
 Description Of(const SoundPlayed& e) {
-  return {"sound",
-          "sound " + (e.file.empty() ? Number(e.resource) : OneLine(e.file)) +
-              (e.isMissing ? " (missing)" : "") + ((e.flags & SND_LOOP) != 0 ? " again and again" : ""),
+  return {"sound", "sound " + (e.file.empty() ? Number(e.resource) : OneLine(e.file)) +
+          (e.isMissing ? " (missing)" : "") + ((e.flags & SND_LOOP) != 0 ? " again and again" : ""),
           {{"resource", e.resource}, {"file", e.file}, {"flags", e.flags}, {"missing", e.isMissing}}};
 }
 Description Of(const SoundStopped& /*e*/) {
@@ -400,25 +357,17 @@ Description Of(const PlaybackMute& e) {
   return {"playback mute", e.isMuted ? "playback muted" : "playback not muted", {{"muted", e.isMuted}}};
 }
 Description Of(const ForegroundSet& e) {
-  return {"foreground",
-          "foreground " + (e.className.empty() ? "to anybody" : OneLine(e.className)),
+  return {"foreground", "foreground " + (e.className.empty() ? "to anybody" : OneLine(e.className)),
           {{"window_class", e.className}}};
 }
 Description Of(const ProgramExecuted& e) {
-  return {"program executed",
-          (e.verb.empty() ? "run " : OneLine(e.verb) + " ") + FileName(e.file) +
-              (e.parameters.empty() ? "" : " " + OneLine(e.parameters)),
-          {{"verb", e.verb},
-           {"file", e.file},
-           {"parameters", e.parameters},
-           {"directory", e.directory},
-           {"show", e.show},
-           {"flags", e.flags},
-           {"error mode", e.errorMode}}};
+  return {"program executed", (e.verb.empty() ? "run " : OneLine(e.verb) + " ") + FileName(e.file) +
+          (e.parameters.empty() ? "" : " " + OneLine(e.parameters)),
+          {{"verb", e.verb}, {"file", e.file}, {"parameters", e.parameters}, {"directory", e.directory},
+           {"show", e.show}, {"flags", e.flags}, {"error mode", e.errorMode}}};
 }
 Description Of(const RedirectionSet& e) {
-  return {
-      "redirection", std::string("system directory ") + (e.isOn ? "redirected" : "real"), {{"on", e.isOn}}};
+  return {"redirection", std::string("system directory ") + (e.isOn ? "redirected" : "real"), {{"on", e.isOn}}};
 }
 Description Of(const ProgramStarted& e) {
   return {"program started", "program starts: " + OneLine(e.commandLine), {{"command_line", e.commandLine}}};
@@ -426,6 +375,7 @@ Description Of(const ProgramStarted& e) {
 Description Of(const ProgramEnded& e) {
   return {"program ended", "program ends with " + Number(e.exitCode), {{"exit_code", e.exitCode}}};
 }
+// clang-format on
 
 Description DescriptionOf(const EffectDetail& detail) {
   return std::visit([](const auto& one) { return Of(one); }, static_cast<const AnyEffect&>(detail));

@@ -140,52 +140,14 @@ struct ProgramStarted { std::u16string commandLine; };
 struct ProgramEnded { int exitCode = 0; };
 // clang-format on
 
-// clang-format off
-using AnyEffect = std::variant<
-    DebugOutput,
-    RegistryWrite,
-    RegistryOpened,
-    FileOpened,
-    FileWrite,
-    SerialOpened,
-    SerialPurged,
-    SerialClosed,
-    SerialWrite,
-    MouseInput,
-    KeyInput,
-    ExecutionState,
-    WindowsExit,
-    SessionHeld,
-    Beep,
-    BoxShown,
-    BoxAnswered,
-    DialogShown,
-    DialogHidden,
-    LabelChanged,
-    WindowPlaced,
-    EllipseDrawn,
-    FileBoxShown,
-    FileBoxAnswered,
-    ForeignMessageSent,
-    TimerSet,
-    TimerKilled,
-    LanguageSet,
-    ModuleLoaded,
-    ModuleFreed,
-    DeviceCall,
-    TrayChange,
-    MenuShown,
-    MenuChosen,
-    SoundPlayed,
-    SoundStopped,
-    PlaybackLevel,
-    PlaybackMute,
-    ForegroundSet,
-    ProgramExecuted,
-    RedirectionSet,
-    ProgramStarted,
-    ProgramEnded>;
-// clang-format on
+using AnyEffect =
+    std::variant<DebugOutput, RegistryWrite, RegistryOpened, FileOpened, FileWrite, SerialOpened,
+                 SerialPurged, SerialClosed, SerialWrite, MouseInput, KeyInput, ExecutionState, WindowsExit,
+                 SessionHeld, Beep, BoxShown, BoxAnswered, DialogShown, DialogHidden, LabelChanged,
+                 WindowPlaced, EllipseDrawn, FileBoxShown, FileBoxAnswered, ForeignMessageSent, TimerSet,
+                 TimerKilled, LanguageSet, ModuleLoaded, ModuleFreed, DeviceCall, TrayChange, MenuShown,
+                 MenuChosen, SoundPlayed, SoundStopped, PlaybackLevel, PlaybackMute, ForegroundSet,
+                 ProgramExecuted, RedirectionSet, ProgramStarted, ProgramEnded>;
 
 // Copied and destroyed in effects.cpp alone, so that no other file compiles that for every kind.
 struct EffectDetail : AnyEffect {

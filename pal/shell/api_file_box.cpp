@@ -37,19 +37,6 @@ void Answer(State& state, WaitingFileBox& box, std::optional<std::u16string> pat
   state.scheduler.Notify();
 }
 
-HWND AddBoxWindow(State& state, Thread& self, HWND owner) {
-  static const auto boxClass =
-      std::make_shared<const WindowClass>(WindowClass{u"#32770", DefWindowProcW, 0, {}});
-  Window window;
-  window.windowClass = boxClass;
-  window.thread = &self;
-  window.procedure = DefWindowProcW;
-  window.title = u"Open";
-  window.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_VISIBLE;
-  window.owner = owner;
-  return state.desktop.Add(std::move(window)).handle;
-}
-
 // Empty: cancelled.
 std::optional<std::u16string> Ask(const OpenFileBox& shown) {
   const Call call;
@@ -57,7 +44,7 @@ std::optional<std::u16string> Ask(const OpenFileBox& shown) {
   Thread& self = CallingThread("GetOpenFileNameW");
   const auto box = std::make_shared<WaitingFileBox>();
   box->shown = shown;
-  box->window = AddBoxWindow(state, self, shown.owner);
+  box->window = AddBoxWindow(state, self, u"Open", WS_SYSMENU | WS_VISIBLE, shown.owner);
   state.dialogs.fileBoxes.push_back(box);
   state.Emit(FileBoxShown{shown.filters.empty() ? std::u16string() : shown.filters.front().first,
                           shown.defaultExtension, shown.initialName, shown.flags});

@@ -29,8 +29,7 @@ BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int /*reserved*
   state.menus.open = popup;
   state.Emit(MenuShown{state.menus.Show(menu), x, y, flags});
   const std::optional<int> quit = RunNestedLoop(
-      state, self, [&] { return popup->choice || !state.menus.Find(menu) || !state.desktop.Find(window); },
-      {});
+      state, self, [&] { return popup->choice || !state.menus.Find(menu) || !state.desktop.Find(window); });
   state.menus.open = nullptr;
   if (quit) self.queue.PostQuit(*quit);  // the loop outside gets to see it
   if (!popup->choice) return FALSE;

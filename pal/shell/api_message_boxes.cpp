@@ -10,42 +10,11 @@ namespace {
 
 constexpr std::u16string_view kDefaultCaption = u"Error";
 
-// The boxes that the program shows.
-struct Buttons {
-  UINT type;
-  std::vector<int> ids;
-};
-const std::vector<Buttons> kButtons = {
-    {MB_OK, {IDOK}},
-    {MB_YESNO, {IDYES, IDNO}},
-};
-
-const Buttons& ButtonsOf(UINT type) {
-  const auto wanted = std::ranges::find(kButtons, type & MB_TYPEMASK, &Buttons::type);
-  if (wanted == kButtons.end()) Die("MessageBoxW of an unknown type");
-  return *wanted;
-}
-
-bool HasButton(const OpenMessageBox& box, int button) {
-  const std::vector<int>& ids = ButtonsOf(box.type).ids;
-  return std::find(ids.begin(), ids.end(), button) != ids.end();
-}
-
-const std::shared_ptr<const WindowClass>& BoxClass() {
-  static const auto boxClass =
-      std::make_shared<const WindowClass>(WindowClass{u"#32770", DefWindowProcW, 0, {}});
-  return boxClass;
-}
-
-HWND AddBoxWindow(State& state, Thread& self, const OpenMessageBox& shown) {
-  Window window;
-  window.windowClass = BoxClass();
-  window.thread = &self;
-  window.procedure = DefWindowProcW;
-  window.title = shown.caption;
-  window.style = WS_POPUP | WS_CAPTION;
-  window.owner = shown.owner;
-  return state.desktop.Add(std::move(window)).handle;
+// Of the boxes that the program shows.
+std::vector<int> ButtonsOf(UINT type) {
+  if ((type & MB_TYPEMASK) == MB_OK) return {IDOK};
+  if ((type & MB_TYPEMASK) == MB_YESNO) return {IDYES, IDNO};
+  Die("MessageBoxW of an unknown type");
 }
 
 }  // namespace
@@ -66,7 +35,8 @@ void MessageBoxes::Answer(int button) {
 }
 
 void MessageBoxes::Answer(WaitingBox& box, int button) {
-  if (!HasButton(box.shown, button)) Die("an answer for which the message box has no button");
+  if (std::ranges::count(ButtonsOf(box.shown.type), button) == 0)
+    Die("an answer for which the message box has no button");
   box.answer = button;
   state_.scheduler.Notify();
 }
@@ -88,7 +58,7 @@ int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
   auto box = std::make_shared<WaitingBox>(WaitingBox{nullptr, shown, state.boxes.automaticAnswer});
   std::optional<int> quit;
   if (!box->answer) {
-    box->window = AddBoxWindow(state, self, shown);
+    box->window = AddBoxWindow(state, self, shown.caption, 0, shown.owner);
     state.boxes.open.push_back(box);
     quit = RunNestedLoop(state, self, [&] { return box->answer || !state.desktop.Find(box->window); });
     std::erase(state.boxes.open, box);

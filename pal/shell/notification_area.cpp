@@ -31,13 +31,9 @@ void NotificationArea::Announce() {
   const UINT created = state_.desktop.RegisterMessage(u"TaskbarCreated");
   for (const HWND handle : state_.desktop.TopLevel()) {
     const Window* window = state_.desktop.Find(handle);
-    if (!state_.desktop.Reaches(*window, created)) continue;
-    auto sent = std::make_shared<SentMessage>();
-    sent->window = handle;
-    sent->message = created;
-    window->thread->queue.Send(std::move(sent));
+    if (state_.desktop.Reaches(*window, created))
+      SendToThread(state_, *window->thread, handle, created, 0, 0);
   }
-  state_.scheduler.Notify();
 }
 
 void NotificationArea::RestartShell() {

@@ -23,18 +23,6 @@ bool CanOnlyBeSent(UINT message) {
   return std::find(std::begin(kWithPointers), std::end(kWithPointers), message) != std::end(kWithPointers);
 }
 
-std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND window, UINT message,
-                                          WPARAM wParam, LPARAM lParam) {
-  auto sent = std::make_shared<SentMessage>();
-  sent->window = window;
-  sent->message = message;
-  sent->wParam = wParam;
-  sent->lParam = lParam;
-  thread.queue.Send(sent);
-  state.scheduler.Notify();
-  return sent;
-}
-
 // How long who sends something waits for its answer.
 struct Patience {
   std::optional<Time> deadline = std::nullopt;

@@ -43,6 +43,19 @@ void Free(State& state, HWND window) {
   state.desktop.Remove(window);
 }
 
+// While it lives the thread is at work on what was sent, or on what was not.
+class AtWork {
+ public:
+  AtWork(Thread& thread, bool isSent) : thread_(thread), before_(std::exchange(thread.handlesSent, isSent)) {}
+  ~AtWork() { thread_.handlesSent = before_; }
+  AtWork(const AtWork&) = delete;
+  AtWork& operator=(const AtWork&) = delete;
+
+ private:
+  Thread& thread_;
+  bool before_;
+};
+
 }  // namespace
 
 Thread& CallingThread(const char* function) {
@@ -61,23 +74,6 @@ LRESULT CallWindow(State& state, HWND window, UINT message, WPARAM wParam, LPARA
   const Window* found = state.desktop.Find(window);
   return found ? CallProcedure(state, found->procedure, window, message, wParam, lParam) : 0;
 }
-
-namespace {
-
-// While it lives the thread is at work on what was sent, or on what was not.
-class AtWork {
- public:
-  AtWork(Thread& thread, bool isSent) : thread_(thread), before_(std::exchange(thread.handlesSent, isSent)) {}
-  ~AtWork() { thread_.handlesSent = before_; }
-  AtWork(const AtWork&) = delete;
-  AtWork& operator=(const AtWork&) = delete;
-
- private:
-  Thread& thread_;
-  bool before_;
-};
-
-}  // namespace
 
 void HandleSentMessages(State& state, Thread& self) {
   const AtWork working(self, true);
@@ -132,10 +128,29 @@ std::optional<int> RunNestedLoop(State& state, Thread& self, const std::function
   return std::nullopt;
 }
 
+HWND AddBoxWindow(State& state, Thread& self, std::u16string_view title, DWORD style, HWND owner) {
+  Window window;
+  window.windowClass = std::make_shared<const WindowClass>(WindowClass{u"#32770", DefWindowProcW, 0, {}});
+  window.thread = &self;
+  window.procedure = DefWindowProcW;
+  window.title = title;
+  window.style = WS_POPUP | WS_CAPTION | style;
+  window.owner = owner;
+  return state.desktop.Add(std::move(window)).handle;
+}
+
 Window* FindOrRefuse(State& state, HWND handle) {
   Window* window = state.desktop.Find(handle);
   if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
   return window;
+}
+
+std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND window, UINT message,
+                                          WPARAM wParam, LPARAM lParam) {
+  auto sent = std::make_shared<SentMessage>(SentMessage{window, message, wParam, lParam, {}});
+  thread.queue.Send(sent);
+  state.scheduler.Notify();
+  return sent;
 }
 
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -26,9 +26,16 @@ LRESULT Dispatch(State& state, const MSG& message);
 std::optional<int> RunNestedLoop(State& state, Thread& self, const std::function<bool()>& isOver,
                                  const std::function<void(const MSG&)>& dispatch = {});
 
+// The window of a box that the layer shows by itself, until RunNestedLoop is over; `style` beside WS_POPUP |
+// WS_CAPTION.
+HWND AddBoxWindow(State& state, Thread& self, std::u16string_view title, DWORD style, HWND owner);
+
 // Null, and the last error set, when there is no such window.
 Window* FindOrRefuse(State& state, HWND handle);
 
+// Puts a message into the queue of messages that a thread handles before all others.
+std::shared_ptr<SentMessage> SendToThread(State& state, Thread& thread, HWND window, UINT message,
+                                          WPARAM wParam, LPARAM lParam);
 // Puts a message into the queue of the window's thread; 0 or the error.
 DWORD PostTo(State& state, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 // A message to a window of another program becomes an effect, and its handler runs: at once and for its
