@@ -81,7 +81,7 @@ std::u16string SpokenNames(const DialogView& dialog) {
 }
 
 // Everything that is written, in the order of the template.
-std::u16string Texts(const DialogView& dialog) {
+std::u16string TextsOf(const DialogView& dialog) {
   std::u16string texts;
   for (const ControlView& control : dialog.controls)
     if (control.windowClass != u"ComboBox" && !control.text.empty()) texts += control.text + u"|";
@@ -149,7 +149,7 @@ TEST_F(DialogLayout, IsTheSameInBothLanguages) {
     const auto dialog = person::FrontDialog();
     ASSERT_TRUE(dialog);
     EXPECT_EQ(dialog->title, c.title);
-    EXPECT_EQ(Texts(*dialog), c.texts);
+    EXPECT_EQ(TextsOf(*dialog), c.texts);
     ExpectRoomForEverything(*dialog);
     ExpectAccessKeysToDiffer(*dialog);
     ExpectOrder(*dialog);

@@ -9,8 +9,6 @@
 namespace veltra {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 constexpr UINT kCodecStatusQuery = WM_APP + 0x770;
 
 class BoardTest : public ToolTest {

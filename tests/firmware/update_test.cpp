@@ -38,7 +38,6 @@ using simulator::FirmwareBytes;
 using simulator::Flash;
 using simulator::FlashAfterUpdate;
 using simulator::HexText;
-using Texts = std::vector<std::string>;
 
 constexpr int kText = 1121;
 constexpr int kBar = 1122;
@@ -153,7 +152,7 @@ struct FaultCase {
   std::vector<std::u16string_view> reasons;  // for each step; empty: it succeeds, "-": there is no such fault
 };
 
-constexpr std::u16string_view kNone = u"-";
+constexpr std::u16string_view kNothing = u"-";
 const std::vector<std::u16string_view> kSilent = {u"time-out 1", u"time-out 2", u"time-out 3", u"time-out 3",
                                                   u"time-out 4", u"time-out 4", u"time-out 5"};
 const std::vector<std::u16string_view> kHealed(7);
@@ -173,8 +172,8 @@ const FaultCase kFaults[] = {
     {Fault::kEmpty, 1, {u"time-out 1", u"", u"", u"", u"time-out 4", u"time-out 4", u""}},
     // The second answer is taken for that of the next command.
     {Fault::kTwice, 1, {u"time-out 2", u"error -101", u"error -101", u"error -101", u"error -101", u"", u""}},
-    {Fault::kAddress, 1, {kNone, kNone, kNone, kNone, u"error -101", u"error -101", kNone}},
-    {Fault::kStuckBit, 1, {kNone, kNone, u"error -103", u"error -103", kNone, kNone, kNone}},
+    {Fault::kAddress, 1, {kNothing, kNothing, kNothing, kNothing, u"error -101", u"error -101", kNothing}},
+    {Fault::kStuckBit, 1, {kNothing, kNothing, u"error -103", u"error -103", kNothing, kNothing, kNothing}},
 };
 
 TEST_F(FirmwareUpdate, EveryFaultAtEveryStepEndsInItsTextAndASecondUpdateSucceeds) {
@@ -182,7 +181,7 @@ TEST_F(FirmwareUpdate, EveryFaultAtEveryStepEndsInItsTextAndASecondUpdateSucceed
   for (const FaultCase& row : kFaults)
     for (int step = 1; step <= 7; ++step) {
       const std::u16string_view reason = row.reasons[static_cast<size_t>(step - 1)];
-      if (reason == kNone) continue;
+      if (reason == kNothing) continue;
       SCOPED_TRACE(testing::Message()
                    << "fault " << static_cast<int>(row.fault) << " x " << row.times << " at step " << step);
       machine.disk.Remove(simulator::SimulatedTablet::kLogFile);

@@ -5,8 +5,6 @@
 namespace veltra {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 TEST_F(ToolTest, ATooLongRequestIsNeverSentAndBlocksUntilTheQueueIsDropped) {
   SetUserValue(u"StartupDelay", 0);
   const HWND asker = machine.desktop.AddForeignWindow(u"Remote");

@@ -115,6 +115,9 @@ inline int MsSince(int start) {
   return (ClockMs() - start + kDay) % kDay;
 }
 
+// How much earlier than its time something may seem to come, in ms: clocks tick.
+constexpr int kClockTick = 16;
+
 // All messages that wait now, without sleeping.
 inline std::vector<MSG> TakeAll(HWND window = nullptr, UINT first = 0, UINT last = 0) {
   std::vector<MSG> taken;

@@ -9,10 +9,10 @@
 namespace {
 
 using contract::ClockMs;
+using contract::kClockTick;
 using contract::MsSince;
 using contract::TestThread;
 
-constexpr int kTick = 16;  // ms: clocks tick
 constexpr DWORD kSignaled = WAIT_OBJECT_0;
 constexpr DWORD kNot = WAIT_TIMEOUT;
 
@@ -46,7 +46,7 @@ TEST(Waiting, TakesItsTimeAndFailsForWhatIsClosed) {
   const int start = ClockMs();
   EXPECT_EQ(WaitForSingleObject(never.Get(), 60), kNot);
   Sleep(40);
-  EXPECT_GE(MsSince(start) + kTick, 100);
+  EXPECT_GE(MsSince(start) + kClockTick, 100);
 
   const HANDLE closed = NewEvent();
   EXPECT_TRUE(CloseHandle(closed));

@@ -7,12 +7,10 @@
 namespace {
 
 using contract::ClockMs;
+using contract::kClockTick;
 using contract::MsSince;
 using contract::TakeAll;
 using contract::TestWindow;
-
-// How much earlier than its time a timer may seem to come, in ms: clocks tick.
-constexpr int kTick = 16;
 
 size_t CountTimers(const std::vector<MSG>& messages, UINT_PTR id) {
   size_t count = 0;
@@ -36,7 +34,7 @@ TEST_F(Timers, ComeAgainAndAgain) {
       ASSERT_GT(GetMessageW(&message, window.Get(), WM_TIMER, WM_TIMER), 0);
       EXPECT_EQ(message.wParam, 5u);
     }
-    EXPECT_GE(MsSince(start) + kTick, period > 0 ? 540 : 80);
+    EXPECT_GE(MsSince(start) + kClockTick, period > 0 ? 540 : 80);
     EXPECT_TRUE(KillTimer(window.Get(), 5));
   }
   EXPECT_FALSE(KillTimer(window.Get(), 5));

@@ -14,9 +14,9 @@ struct Row {
   std::string did;  // after the end of the sound that plays
 };
 
-class ButtonActions : public ToolTest {
+class SideButtonActions : public ToolTest {
  protected:
-  ButtonActions() { SetUserValue(u"StartupDelay", 0); }
+  SideButtonActions() { SetUserValue(u"StartupDelay", 0); }
 
   // Presses the buttons that are set so: top and bottom, then both for long.
   void Try(std::span<const Row> rows) {
@@ -44,7 +44,7 @@ class ButtonActions : public ToolTest {
   }
 };
 
-TEST_F(ButtonActions, DoWhatTheProfileSays) {
+TEST_F(SideButtonActions, DoWhatTheProfileSays) {
   for (const char* application : {"Talk Builder 4 Class", "PageVoice", "Wendle"})
     tablet.TheDesk().Open(application);
   const std::string beside = "; sound C:\\Program Files\\Veltra\\";
@@ -87,13 +87,13 @@ TEST_F(ButtonActions, DoWhatTheProfileSays) {
   EXPECT_EQ(run[1].show, SW_SHOWNORMAL);
 }
 
-TEST_F(ButtonActions, WithoutApplicationsAndPlugInNothingIsSent) {
+TEST_F(SideButtonActions, WithoutApplicationsAndPlugInNothingIsSent) {
   tablet.TheDesk().Remove(simulator::Library::kEnglishMacros);
   const Row rows[] = {{5, -2, "", ""}, {6, 12, "", ""}, {9, -1, "c7", ""}, {0, -1, "Hello", "; beep"}};
   Try(rows);
 }
 
-TEST_F(ButtonActions, A32BitToolOn64BitsStartsProgramsWithTheRealSystemDirectory) {
+TEST_F(SideButtonActions, A32BitToolOn64BitsStartsProgramsWithTheRealSystemDirectory) {
   machine.system.isWow64 = true;
   const Row started[] = {
       {3, -1, "C:\\a.exe", "; system directory real; run a.exe; system directory redirected"}};
