@@ -121,7 +121,7 @@ veltra_room(tool BELOW report switches firmware power SOURCES
   app/dialogs/power_meter.cpp
 )
 
-veltra_by_itself(firmware/hex_file.cpp app/dialogs/firmware_dialog.cpp app/dialogs/options_dialog.cpp
+veltra_by_itself(app/dialogs/firmware_dialog.cpp app/dialogs/options_dialog.cpp
   app/dialogs/power_meter.cpp)
 
 # veltra_ships(TARGET): what users get carries no symbols; they stand in symbols/, and debuggers know by the file's sum

@@ -27,7 +27,7 @@ unsigned ByteAt(const char* digits) {
   return high << 4 | kDigits[static_cast<uint8_t>(digits[1])];
 }
 
-bool IsDigit(char c) {
+bool IsHexDigit(char c) {
   return kDigits[static_cast<uint8_t>(c)] != kNoDigit;
 }
 
@@ -162,7 +162,7 @@ std::optional<HexRule> HexReader::BrokenRule(std::string_view line) {
   if (line.size() < kShortestLine) return HexRule::kLongEnough;
   if (line.front() == ';') return std::nullopt;
   if (line.front() != ':') return HexRule::kBeginning;
-  if (!std::all_of(line.begin() + 1, line.end(), IsDigit)) return HexRule::kDigits;
+  if (!std::all_of(line.begin() + 1, line.end(), IsHexDigit)) return HexRule::kDigits;
   if (line.size() != 2 * (ByteAt(&line[1]) + Record::kFrameSize) + 1) return HexRule::kLength;
   if (ByteAt(&line[7]) > kLastType) return HexRule::kType;
   return HexRule::kChecksum;

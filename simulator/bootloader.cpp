@@ -17,7 +17,7 @@ struct CommandRow {
   uint32_t unit;  // what the address is a multiple of; 0: no address
   size_t size;    // of the message
 };
-constexpr CommandRow kCommands[] = {
+constexpr CommandRow kBootCommands[] = {
     {MessageType::kErasePage, "erase", 1, Flash::kPageSize, kHeadSize},
     {MessageType::kWriteRow, "write", 1, Flash::kRowSize, kHeadSize + Flash::kRowSize},
     {MessageType::kReadMemory, "read", kInstructionsOfRow, Flash::kRowSize, kHeadSize},
@@ -29,7 +29,7 @@ MessageType TypeOf(std::span<const uint8_t> message) {
 }
 
 const CommandRow* FindCommand(std::span<const uint8_t> message) {
-  for (const CommandRow& row : kCommands)
+  for (const CommandRow& row : kBootCommands)
     if (row.type == TypeOf(message)) return &row;
   return nullptr;
 }

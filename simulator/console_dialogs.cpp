@@ -204,7 +204,7 @@ Problem RunDialog(Console& console, Words) {
   return {};
 }
 
-constexpr ConsoleCommand kCommands[] = {
+constexpr ConsoleCommand kDialogCommands[] = {
     {"press", "[LABEL] BUTTON",
      "press a button or check box, named by its text or number, or the one after that label", true, RunPress},
     {"double-click", "CONTROL", "double-click a control", true, RunDoubleClick},
@@ -230,7 +230,7 @@ bool Holds(const DialogLook& dialog, std::string_view text) {
 }  // namespace
 
 std::span<const ConsoleCommand> DialogCommands() {
-  return kCommands;
+  return kDialogCommands;
 }
 
 Problem CheckShown(Console& console, Words arguments, bool wanted, bool boxes) {

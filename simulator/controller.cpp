@@ -70,7 +70,7 @@ constexpr RadioRow kRadioRows[] = {{"EnableGsm=", &Controller::mobilePhoneOn},
                                    {"EnableBT=", &Controller::bluetoothOn}};
 
 // Commands that the controller carries out without telling more than that it did.
-constexpr std::string_view kCommands[] = {
+constexpr std::string_view kSilentCommands[] = {
     "SetStatusLed=", "SetBatteryCritical=", "StartWithSwitch=", "CalibrateTouch", "Suspend=", "LcdOff="};
 
 std::string_view ContentOf(std::span<const uint8_t> message) {
@@ -270,7 +270,7 @@ std::string Controller::Act(std::string_view text) {
     this->*row.on = text.substr(row.command.size()) == "1";
     return std::string(kAcknowledge);
   }
-  for (const std::string_view command : kCommands)
+  for (const std::string_view command : kSilentCommands)
     if (text.starts_with(command)) return std::string(kAcknowledge);
   return infraredReply;
 }

@@ -10,7 +10,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE previous, PWSTR commandLine, i
 namespace simulator {
 namespace {
 
-constexpr pal::Time kPatience = std::chrono::seconds(30);
+constexpr pal::Time kLongestWait = std::chrono::seconds(30);
 
 }  // namespace
 
@@ -41,7 +41,7 @@ bool SimulatedTablet::StartAndSettle(std::u16string_view arguments) {
   Start(arguments);
   constexpr pal::Time kQuiet = std::chrono::milliseconds(200);
   if (!AwaitBatteryWatch()) return false;
-  const pal::Time end = machine_.clock.Now() + kPatience;
+  const pal::Time end = machine_.clock.Now() + kLongestWait;
   while (machine_.clock.Now() < end) {
     const size_t before = controller_.Requests().size();
     machine_.clock.Advance(kQuiet);
@@ -62,30 +62,30 @@ bool SimulatedTablet::AwaitBatteryWatch() {
     }
     return false;
   };
-  return machine_.clock.AdvanceUntil(watches, kPatience);
+  return machine_.clock.AdvanceUntil(watches, kLongestWait);
 }
 
 bool SimulatedTablet::Quit(bool answer) {
   constexpr WPARAM kExitCommand = 128;
   if (!machine_.desktop.Post(MainWindow(), WM_COMMAND, kExitCommand, 0)) return false;
   const auto asks = [this] { return !machine_.boxes.Shown().empty(); };
-  if (!machine_.clock.AdvanceUntil(asks, kPatience)) return false;
+  if (!machine_.clock.AdvanceUntil(asks, kLongestWait)) return false;
   machine_.boxes.Answer(answer ? IDYES : IDNO);
   if (!answer) return true;
-  return machine_.clock.AdvanceUntil([this] { return machine_.ExitCode().has_value(); }, kPatience);
+  return machine_.clock.AdvanceUntil([this] { return machine_.ExitCode().has_value(); }, kLongestWait);
 }
 
 std::optional<LRESULT> SimulatedTablet::Ask(UINT message, WPARAM wParam, LPARAM lParam) {
   const HWND window = MainWindow();
   if (!window) return std::nullopt;
-  return machine_.desktop.Send(window, message, wParam, lParam, kPatience);
+  return machine_.desktop.Send(window, message, wParam, lParam, kLongestWait);
 }
 
 std::optional<LRESULT> SimulatedTablet::SendData(HWND sender, uint64_t tag,
                                                  std::span<const uint8_t> payload) {
   const HWND window = MainWindow();
   if (!window) return std::nullopt;
-  return machine_.desktop.SendCopyData(window, sender, tag, payload, kPatience);
+  return machine_.desktop.SendCopyData(window, sender, tag, payload, kLongestWait);
 }
 
 std::optional<LRESULT> SimulatedTablet::SendUpdate(std::u16string_view path) {

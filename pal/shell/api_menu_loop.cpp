@@ -6,7 +6,7 @@ using namespace pal;
 
 namespace {
 
-constexpr UINT kKnownFlags = TPM_RIGHTBUTTON | TPM_RIGHTALIGN | TPM_BOTTOMALIGN;
+constexpr UINT kKnownMenuFlags = TPM_RIGHTBUTTON | TPM_RIGHTALIGN | TPM_BOTTOMALIGN;
 
 }  // namespace
 
@@ -14,7 +14,7 @@ BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int /*reserved*
                            const RECT* /*rect*/) {
   const Call call("TrackPopupMenu");
   if (call.Fails()) return FALSE;
-  if (flags & ~kKnownFlags) Die("TrackPopupMenu with an unknown flag");
+  if (flags & ~kKnownMenuFlags) Die("TrackPopupMenu with an unknown flag");
   State& state = call.Get();
   Thread& self = CallingThread("TrackPopupMenu");
   const Menu* shown = state.menus.Find(menu);

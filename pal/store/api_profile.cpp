@@ -10,7 +10,7 @@ using namespace pal;
 
 namespace {
 
-DiskPath Locate(const Call& call, LPCWSTR fileName) {
+DiskPath LocateProfile(const Call& call, LPCWSTR fileName) {
   const std::u16string_view name(fileName ? fileName : u"");
   if (name.size() < 3 || name[1] != u':')
     Die("a profile without its full path lies in Windows' own directory");
@@ -30,7 +30,7 @@ std::optional<ProfileText> Read(const Call& call, const DiskPath& path) {
 
 std::optional<std::u16string> FindValue(const Call& call, LPCWSTR section, LPCWSTR key, LPCWSTR fileName) {
   if (!section || !key) Die("lists of sections and of keys are not known");
-  const std::optional<ProfileText> profile = Read(call, Locate(call, fileName));
+  const std::optional<ProfileText> profile = Read(call, LocateProfile(call, fileName));
   return profile ? FindProfileValue(profile->text, section, key) : std::nullopt;
 }
 
@@ -75,7 +75,8 @@ DWORD WINAPI GetPrivateProfileSectionW(LPCWSTR section, LPWSTR lines, DWORD size
   const Call call("GetPrivateProfileSectionW");
   if (!section || size < 2) Die("GetPrivateProfileSectionW without a section or room");
   std::u16string result;
-  const std::optional<ProfileText> profile = call.Fails() ? std::nullopt : Read(call, Locate(call, fileName));
+  const std::optional<ProfileText> profile =
+      call.Fails() ? std::nullopt : Read(call, LocateProfile(call, fileName));
   if (profile)
     for (const std::u16string& line : ProfileSectionLines(profile->text, section))
       (result += line).push_back(0);
@@ -91,7 +92,7 @@ BOOL WINAPI WritePrivateProfileSectionW(LPCWSTR section, LPCWSTR lines, LPCWSTR 
   const Call call("WritePrivateProfileSectionW");
   if (!section || !lines) Die("WritePrivateProfileSectionW: removing a section is not known");
   if (call.Fails()) return FALSE;
-  const DiskPath path = Locate(call, fileName);
+  const DiskPath path = LocateProfile(call, fileName);
   if (const DWORD error = ErrorOfWriting(call, path)) return Refuse(error, FALSE);
   ProfileText profile;
   if (path.exists) profile = Read(call, path).value_or(ProfileText());
