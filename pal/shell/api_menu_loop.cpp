@@ -24,6 +24,7 @@ BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int /*reserved*
   if (owner->thread != &self) Die("TrackPopupMenu for a window of another thread");
   if (state.menus.open) return Refuse(ERROR_POPUP_ALREADY_ACTIVE, FALSE);
   if (state.scheduler.IsEnding()) return FALSE;
+  if (std::exchange(state.menus.stale, window) == window) return FALSE;
 
   const auto popup = std::make_shared<OpenPopup>(OpenPopup{menu, std::nullopt});
   state.menus.open = popup;

@@ -103,6 +103,7 @@ Menu* Menus::Find(HMENU menu) {
 void Menus::Clear() {
   menus_.clear();
   open = nullptr;
+  stale = nullptr;
 }
 
 Menus::Place Menus::FindItem(HMENU handle, UINT item, UINT flags) {

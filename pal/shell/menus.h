@@ -67,6 +67,9 @@ class Menus {
   [[nodiscard]] std::vector<MenuItem> Show(HMENU menu);
 
   std::shared_ptr<OpenPopup> open;  // null when none is open
+  // The window whose last menu has closed: its next one closes at once, unless WM_NULL is posted to it
+  // before.
+  HWND stale = nullptr;
 
  private:
   HMENU Add();

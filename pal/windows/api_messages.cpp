@@ -173,6 +173,7 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam
   if (call.Fails()) return FALSE;
   if (CanOnlyBeSent(message)) return Refuse(ERROR_MESSAGE_SYNC_ONLY, FALSE);
   if (window == HWND_BROADCAST) Die("PostMessageW to all windows");
+  if (message == WM_NULL && call->menus.stale == window) call->menus.stale = nullptr;
   const DWORD error = PostTo(call.Get(), window, message, wParam, lParam);
   return error == ERROR_SUCCESS ? TRUE : Refuse(error, FALSE);
 }
