@@ -5,6 +5,7 @@
 
 #include "app/app_state.h"
 #include "app/startup.h"
+#include "base/at_end.h"
 #include "board/codec.h"
 #include "board/expander.h"
 #include "board/i2c.h"
@@ -17,10 +18,10 @@ namespace {
 
 void PowerDownBoard() {
   HurryWrites();
+  const AtEnd hurried(TakeTimeToWrite);
   if (Power().DisableUSBBack) SetPortA(kExpanderUsbBackOff);
   if (Power().DisableUSBBottom) SetPortB(kExpanderUsbBottomOff);
   CodecPowerDown();
-  TakeTimeToWrite();
 }
 
 void OnSuspend() {

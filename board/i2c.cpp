@@ -65,7 +65,7 @@ void HurryWrites() {
 }
 
 void TakeTimeToWrite() {
-  Board().retriesUntil.reset();
+  if (BoardState* board = recordInUse<BoardState>) board->retriesUntil.reset();
 }
 
 }  // namespace veltra

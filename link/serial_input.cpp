@@ -113,8 +113,9 @@ struct CSerialInput::Line {
   }
 
   void ShowReadError(const WCHAR* format, DWORD number) {
+    const WideText text = FormatText(format, number);
     showsBox = true;
-    MessageBoxW(nullptr, FormatText(format, number).c_str(), nullptr, MB_OK);
+    MessageBoxW(nullptr, text.c_str(), nullptr, MB_OK);
     showsBox = false;
   }
 

@@ -2,6 +2,7 @@
 
 #include <shellapi.h>
 
+#include "base/at_end.h"
 #include "base/handles.h"
 
 namespace veltra {
@@ -38,8 +39,8 @@ bool IsWow64() {
 void StartProgram(const WideText& path) {
   if (!IsWow64()) return Open(path);
   if (!SetRedirection(false)) return;
+  const AtEnd redirected([] { SetRedirection(true); });
   Open(path);
-  SetRedirection(true);
 }
 
 }  // namespace veltra

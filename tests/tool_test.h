@@ -10,6 +10,8 @@
 
 #include "simulator/tablet.h"
 
+extern size_t refusedSize;  // the next piece of memory of exactly this size is refused
+
 namespace veltra {
 
 using namespace std::chrono_literals;

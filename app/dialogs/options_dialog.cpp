@@ -226,8 +226,8 @@ INT_PTR CALLBACK OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPAR
 void OpenOptionsDialog() {
   AppState& app = App();
   if (app.OptionsOpen) return;
-  app.OptionsOpen = true;
   ReleaseHeldOutputs();
+  app.OptionsOpen = true;
   RunDialog(TEXT("KAVOOPTIONS"), OptionsProcedure, reinterpret_cast<LPARAM>(&Switches().switchIndicator));
   Switches().switchIndicator.dialogWindow = nullptr;
   app.OptionsOpen = false;

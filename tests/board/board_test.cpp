@@ -200,6 +200,10 @@ TEST_F(BoardTest, RetriesWaitLongerEachTimeAndThenSayItOnce) {
     EXPECT_EQ(balloons, Texts{"Error during I2C write: -7-" + row.logged.substr(10, 2)});
     EXPECT_NE(Log().find("Err I2C write. . .  >_<    " + row.logged + "\r\n"), std::string::npos) << Log();
   }
+  refusedSize = 6;  // of the speakers' command
+  Suspend();
+  Resume();
+  NewBus();
   machine.disk.Remove(simulator::SimulatedTablet::kLogFile);
   Board().failures = {{uint8_t{0x30}, 2, 0, 5}};  // the third attempt succeeds
   Operate(5, 0);

@@ -9,9 +9,7 @@
 #include "simulator/firmware_file.h"
 #include "tests/tool_test.h"
 
-namespace {
-size_t refusedSize = 0;  // the next piece of memory of exactly this size is refused
-}
+size_t refusedSize = 0;
 
 void* operator new(size_t size) {
   const bool isRefused = size == refusedSize;
