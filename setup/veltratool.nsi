@@ -32,6 +32,7 @@ BrandingText "${PRODUCT} ${VERSION}"
 
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
+!define MUI_UNCONFIRMPAGE_TEXT_LOCATION "$(REMOVE_FROM)"  ; the usual text is cut in English
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE English
@@ -49,8 +50,10 @@ LangString TOOL_STAYS ${LANG_ENGLISH} "The device tool does not end: a firmware 
 LangString TOOL_STAYS ${LANG_DUTCH} "Het programma van het toestel sluit niet af: er loopt een firmware-update, of iemand anders die aangemeld is heeft het open. Er is niets gewijzigd."
 LangString NOT_STARTED ${LANG_ENGLISH} "The device tool could not be started. Until it runs, the switches do not work: start it from the Start menu."
 LangString NOT_STARTED ${LANG_DUTCH} "Het programma van het toestel kon niet gestart worden. Zolang het niet loopt, werken de schakelaars niet: start het vanuit het menu Start."
+LangString REMOVE_FROM ${LANG_ENGLISH} "Remove from:"
+LangString REMOVE_FROM ${LANG_DUTCH} "Verwijderen uit:"
 LangString REMOVE_SETTINGS ${LANG_ENGLISH} "Remove the settings, the profile of the side buttons and the log, too?"
-LangString REMOVE_SETTINGS ${LANG_DUTCH} "Ook de instellingen, het profiel van de knoppen en het logboek verwijderen?"
+LangString REMOVE_SETTINGS ${LANG_DUTCH} "Ook de instellingen, het profiel van de zijknoppen en het logboek verwijderen?"
 
 Var Token    ; the rights of whom the tool is started for; 0: it is not
 Var Process  ; of the window that was asked last
@@ -197,9 +200,9 @@ FunctionEnd
 
 ; Nobody is without switches for longer than the files take: the rest comes before or after.
 Section
+  Call EndTool
   SetOutPath "$INSTDIR"
   CreateDirectory "$INSTDIR\docs"
-  Call EndTool
   !insertmacro ForEachSetting TurnOff
   !insertmacro ForEachFile Put
   ${If} $Token P= 0

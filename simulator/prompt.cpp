@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <iostream>
@@ -14,6 +15,7 @@
 
 #include <clocale>
 #include <cwchar>
+#include <filesystem>
 #endif
 
 namespace simulator {
@@ -41,6 +43,7 @@ void RunPromptLine(Console& console, const std::string& line) {
 }
 
 void RunPlainPrompt(Console& console) {
+  std::setvbuf(stdin, nullptr, _IONBF, 0);  // lines that were read ahead would not wake AwaitInput
   std::string line;
   while (!console.HasEnded()) {
     std::cout << "> " << std::flush;
@@ -109,14 +112,33 @@ unsigned char Complete(EditLine* editor, int) {
   return CC_REDISPLAY;
 }
 
+// Where the lines are kept from one prompt to the next, its folder made; empty when there is no such place.
+std::string HistoryFile() {
+  const char* state = std::getenv("XDG_STATE_HOME");
+  const char* home = std::getenv("HOME");
+  std::filesystem::path folder;
+  if (state && *state == '/')
+    folder = state;
+  else if (home && *home == '/')
+    folder = std::filesystem::path(home) / ".local/state";
+  else
+    return {};
+  folder /= "veltratool";
+  std::error_code failed;
+  std::filesystem::create_directories(folder, failed);
+  return failed ? std::string() : (folder / "history").string();
+}
+
 void RunEditedPrompt(Console& console) {
   constexpr int kRemembered = 500;
+  const std::string file = HistoryFile();
   std::setlocale(LC_CTYPE, "C.UTF-8");
   EditLine* editor = el_init("tablet", stdin, stdout, stderr);
   History* past = history_init();
   HistEvent event{};
   history(past, &event, H_SETSIZE, kRemembered);
   history(past, &event, H_SETUNIQUE, 1);
+  if (!file.empty()) history(past, &event, H_LOAD, file.c_str());
   el_set(editor, EL_CLIENTDATA, &console);
   el_set(
       editor, EL_PROMPT, +[](EditLine*) { return const_cast<char*>("> "); });
@@ -136,6 +158,7 @@ void RunEditedPrompt(Console& console) {
     std::string line(text, static_cast<size_t>(count));
     while (line.ends_with('\n') || line.ends_with(' ')) line.pop_back();
     if (!line.empty()) history(past, &event, H_ENTER, line.c_str());
+    if (!file.empty()) history(past, &event, H_SAVE, file.c_str());
     RunPromptLine(console, line);
   }
   history_end(past);

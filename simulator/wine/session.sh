@@ -14,6 +14,7 @@ set -u
 
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/veltra-wine.XXXXXX")
 export WINEPREFIX=${VELTRA_WINE_PREFIX:-$scratch/prefix}
+export XDG_STATE_HOME=${XDG_STATE_HOME:-${HOME:+$HOME/.local/state}}  # the prompt keeps its history where it always does
 export HOME=$WINEPREFIX-home                          # Wine makes links into it and writes below it
 export WINEARCH=${VELTRA_WINE_ARCH:-win64}
 export LC_ALL=C.UTF-8                                 # Windows in English
