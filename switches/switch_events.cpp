@@ -202,11 +202,6 @@ void ForgetHeldSwitches() {
   RepaintSwitchIndicator();
 }
 
-void ReleaseAfterLock() {
-  RepeatLostReleases();
-  ForgetHeldSwitches();
-}
-
 void OnLongPressTimer(UINT_PTR timer) {
   for (const SideButton& button : kSideButtons)
     if (timer == button.timer && Disarm(button)) button.longPress();

@@ -35,9 +35,6 @@ constexpr bool IsSideButton(SwitchButton button) {
 // held any more, and neither the time nor the release of a side button does anything.
 void ForgetHeldSwitches();
 
-// The screen is unlocked: releases what Windows may have kept held, and all that is held now.
-void ReleaseAfterLock();
-
 // The long-press timer of a side button fired; `timer` is its id.
 void OnLongPressTimer(UINT_PTR timer);
 // The timer of a switch whose press counts only after a while.

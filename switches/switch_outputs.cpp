@@ -38,6 +38,11 @@ bool GoesThroughInput(int32_t value) {
   return value != kSwitchNormal && !IsJoystickButton(value);
 }
 
+bool IsHeldInput(SwitchIndex index) {
+  const std::optional<int32_t> value = Switches().heldOutputs[index].value;
+  return value && GoesThroughInput(*value);
+}
+
 UCHAR JoystickButton(int32_t value) {
   return static_cast<UCHAR>(value - kSwitchFirstJoystickButton + 1);
 }
@@ -77,10 +82,8 @@ void ReleaseSwitch(SwitchIndex index) {
 }
 
 void NoteLockedScreen() {
-  for (const SwitchIndex index : {kSwitch1, kSwitch2}) {
-    const std::optional<int32_t> value = Switches().heldOutputs[index].value;
-    if (value && GoesThroughInput(*value)) Switches().lostReleases[index] = value;
-  }
+  for (const SwitchIndex index : {kSwitch1, kSwitch2})
+    if (IsHeldInput(index)) Switches().lostReleases[index] = Switches().heldOutputs[index].value;
 }
 
 void RepeatLostReleases() {
@@ -96,6 +99,12 @@ void ReleaseHeldSwitch(SwitchIndex index) {
   held.releasedEarly = true;
   if (before.application) return TellOfRelease(before);
   Output(index, *before.value, false);
+}
+
+void ReleaseAfterLock() {
+  RepeatLostReleases();
+  for (const SwitchIndex index : {kSwitch1, kSwitch2})
+    if (IsHeldInput(index)) ReleaseHeldSwitch(index);
 }
 
 void ReleaseHeldOutputs() {

@@ -14,6 +14,9 @@ void ReleaseSwitch(SwitchIndex index);
 void NoteLockedScreen();
 // Releases once more what was released meanwhile; so does the next press.
 void RepeatLostReleases();
+// The screen is unlocked: the same, and what goes through Windows' input and is held now. Nothing else was
+// locked.
+void ReleaseAfterLock();
 
 // Takes back what a press did because its release can no longer come or is no longer the tool's to act on:
 // who was told of the press is told of the release. The break that may still follow does nothing.
