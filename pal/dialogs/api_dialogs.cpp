@@ -154,12 +154,8 @@ LRESULT CALLBACK pal::DialogProcedure(HWND dialog, UINT message, WPARAM wParam, 
   const INT_PTR result = procedure ? procedure(dialog, message, wParam, lParam) : FALSE;
   if (message == WM_INITDIALOG || (result && ReturnsItself(message))) return result;
   if (result) return GetWindowLongPtrW(dialog, DWLP_MSGRESULT);
-  switch (message) {
-    case WM_CLOSE:
-      PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED),
-                   reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDCANCEL)));
-      return 0;
-    default:
-      return DefWindowProcW(dialog, message, wParam, lParam);
-  }
+  if (message != WM_CLOSE) return DefWindowProcW(dialog, message, wParam, lParam);
+  PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED),
+               reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDCANCEL)));
+  return 0;
 }

@@ -8,17 +8,11 @@ namespace {
 enum class Kind { kPush, kCheck, kGroup };
 
 Kind KindOf(const Window& button) {
-  switch (button.style & BS_TYPEMASK) {
-    case BS_PUSHBUTTON:
-    case BS_DEFPUSHBUTTON:
-      return Kind::kPush;
-    case BS_AUTOCHECKBOX:
-      return Kind::kCheck;
-    case BS_GROUPBOX:
-      return Kind::kGroup;
-    default:
-      Die("a button of an unknown kind");
-  }
+  const DWORD type = button.style & BS_TYPEMASK;
+  if (type == BS_PUSHBUTTON || type == BS_DEFPUSHBUTTON) return Kind::kPush;
+  if (type == BS_AUTOCHECKBOX) return Kind::kCheck;
+  if (type == BS_GROUPBOX) return Kind::kGroup;
+  Die("a button of an unknown kind");
 }
 
 Reactions Push(Window& button) {

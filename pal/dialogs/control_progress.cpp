@@ -34,16 +34,10 @@ LRESULT SetRange(ProgressState& state, int lowest, int highest) {
 Reactions ReactProgress(Window& progress, UINT message, WPARAM wParam, LPARAM lParam) {
   auto& state = std::get<ProgressState>(progress.control);
   const int number = static_cast<int>(wParam);
-  switch (message) {
-    case PBM_SETRANGE:
-      return Reaction{SetRange(state, LOWORD(lParam), HIWORD(lParam))};
-    case PBM_SETSTEP:
-      return Reaction{std::exchange(state.step, number)};
-    case PBM_STEPIT:
-      return Reaction{Step(state)};
-    default:
-      return std::nullopt;
-  }
+  if (message == PBM_SETRANGE) return Reaction{SetRange(state, LOWORD(lParam), HIWORD(lParam))};
+  if (message == PBM_SETSTEP) return Reaction{std::exchange(state.step, number)};
+  if (message == PBM_STEPIT) return Reaction{Step(state)};
+  return std::nullopt;
 }
 
 }  // namespace pal

@@ -20,16 +20,10 @@ Reactions Notify(const Window& label, WORD code) {
 }  // namespace
 
 Reactions ReactStatic(Window& label, UINT message, WPARAM wParam, LPARAM /*lParam*/) {
-  switch (message) {
-    case STM_SETICON:
-      return Reaction{SetPicture(label, reinterpret_cast<HICON>(wParam))};
-    case WM_LBUTTONDOWN:
-      return Notify(label, STN_CLICKED);
-    case WM_LBUTTONDBLCLK:
-      return Notify(label, STN_DBLCLK);
-    default:
-      return std::nullopt;
-  }
+  if (message == STM_SETICON) return Reaction{SetPicture(label, reinterpret_cast<HICON>(wParam))};
+  if (message == WM_LBUTTONDOWN) return Notify(label, STN_CLICKED);
+  if (message == WM_LBUTTONDBLCLK) return Notify(label, STN_DBLCLK);
+  return std::nullopt;
 }
 
 }  // namespace pal

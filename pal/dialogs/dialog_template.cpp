@@ -13,18 +13,11 @@ constexpr int kBaseWidth = 6;
 constexpr int kBaseHeight = 13;
 
 std::u16string ClassOfNumber(WORD number) {
-  switch (number) {
-    case 0x80:
-      return u"Button";
-    case 0x81:
-      return u"Edit";
-    case 0x82:
-      return u"Static";
-    case 0x85:
-      return u"ComboBox";
-    default:
-      Die("a dialog control of an unknown class");
-  }
+  constexpr std::pair<WORD, const char16_t*> kClasses[] = {
+      {0x80, u"Button"}, {0x81, u"Edit"}, {0x82, u"Static"}, {0x85, u"ComboBox"}};
+  for (const auto& [classNumber, name] : kClasses)
+    if (number == classNumber) return name;
+  Die("a dialog control of an unknown class");
 }
 
 int Pixels(ByteReader& reader, int base, int units) {

@@ -24,10 +24,6 @@ class ProcessObject final : public Object {
   Time end_;
 };
 
-std::u16string TextOrNothing(LPCWSTR text) {
-  return text ? text : u"";
-}
-
 HANDLE StartProcess(State& state) {
   const Time end = state.scheduler.Now() + state.system.executedProgramTime;
   state.scheduler.At(end, [] {});  // whoever waits looks again then
@@ -46,9 +42,10 @@ bool Execute(SHELLEXECUTEINFOW& info) {
   if (info.fMask & ~(SEE_MASK_NOCLOSEPROCESS | SEE_MASK_FLAG_NO_UI))
     Die("ShellExecuteExW with an unknown flag");
   if (IsMissing(call, info.lpFile)) return Refuse(ERROR_FILE_NOT_FOUND, false);
-  call->Emit(ProgramExecuted{TextOrNothing(info.lpVerb), TextOrNothing(info.lpFile),
-                             TextOrNothing(info.lpParameters), TextOrNothing(info.lpDirectory), info.nShow,
-                             info.fMask, call->modules.search.errorMode});
+  call->Emit(ProgramExecuted{std::u16string(OrEmpty(info.lpVerb)), std::u16string(OrEmpty(info.lpFile)),
+                             std::u16string(OrEmpty(info.lpParameters)),
+                             std::u16string(OrEmpty(info.lpDirectory)), info.nShow, info.fMask,
+                             call->modules.search.errorMode});
   info.hProcess = info.fMask & SEE_MASK_NOCLOSEPROCESS ? StartProcess(call.Get()) : nullptr;
   return true;
 }

@@ -23,14 +23,9 @@ DWORD WaitFor(State& state, HANDLE handle, DWORD milliseconds) {
   const std::function<bool()> isSignaled = [&object] { return object->IsSignaled(); };
   if (isSignaled()) return WAIT_OBJECT_0;
   if (milliseconds == 0) return WAIT_TIMEOUT;
-  switch (state.scheduler.Wait(isSignaled, Deadline(state.scheduler.Now(), milliseconds))) {
-    case Waited::kHolds:
-      return WAIT_OBJECT_0;
-    case Waited::kTimedOut:
-      return WAIT_TIMEOUT;
-    default:
-      return Refuse(ERROR_OPERATION_ABORTED, WAIT_FAILED);
-  }
+  const Waited waited = state.scheduler.Wait(isSignaled, Deadline(state.scheduler.Now(), milliseconds));
+  if (waited == Waited::kProgramEnds) return Refuse(ERROR_OPERATION_ABORTED, WAIT_FAILED);
+  return waited == Waited::kHolds ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }
 
 }  // namespace

@@ -113,6 +113,11 @@ Result Refuse(DWORD error, Result result) {
   return result;
 }
 
+// The text of a parameter that may be null.
+inline std::u16string_view OrEmpty(LPCWSTR text) {
+  return text ? std::u16string_view(text) : std::u16string_view();
+}
+
 // The disk side of CreateFileW: every name that is not a port. INVALID_HANDLE_VALUE and a last error when it
 // fails.
 HANDLE OpenDiskFile(State& state, const WCHAR* name, DWORD access, DWORD shareMode, DWORD disposition,

@@ -16,7 +16,7 @@ void CheckModule(HMODULE module) {
 
 // The version information of the file, null and the last error set when there is none.
 const ResourceTable::Entry* FindVersion(const Call& call, LPCWSTR fileName) {
-  const DiskPath file = call->disk.Locate(fileName ? std::u16string_view(fileName) : std::u16string_view());
+  const DiskPath file = call->disk.Locate(OrEmpty(fileName));
   if (!EqualFolded(file.windows, Disk::kProgramFile))
     return Refuse<const ResourceTable::Entry*>(
         file.exists ? ERROR_RESOURCE_DATA_NOT_FOUND : ERROR_FILE_NOT_FOUND, nullptr);

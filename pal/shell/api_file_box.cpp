@@ -14,10 +14,6 @@ constexpr DWORD kKnownFlags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXI
 
 thread_local DWORD boxError = 0;
 
-std::u16string TextOrNone(const WCHAR* text) {
-  return text ? std::u16string(text) : std::u16string();
-}
-
 // Pairs of texts up to an empty one.
 std::vector<std::pair<std::u16string, std::u16string>> FiltersOf(const WCHAR* list) {
   std::vector<std::pair<std::u16string, std::u16string>> filters;
@@ -71,15 +67,15 @@ BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW box) {
   }
   if (box->lStructSize != sizeof(OPENFILENAMEW) || !box->lpstrFile) return FALSE;
   if (box->Flags & ~kKnownFlags) Die("GetOpenFileNameW with an unknown flag");
-  if (TextOrNone(box->lpstrFile).find_first_of(u"\"<>|") != std::u16string::npos) {
+  if (OrEmpty(box->lpstrFile).find_first_of(u"\"<>|") != std::u16string_view::npos) {
     boxError = FNERR_INVALIDFILENAME;
     return FALSE;
   }
   const bool disables = box->hwndOwner && IsWindowEnabled(box->hwndOwner);
   if (disables) EnableWindow(box->hwndOwner, FALSE);
   const std::optional<std::u16string> path =
-      Ask({box->hwndOwner, FiltersOf(box->lpstrFilter), TextOrNone(box->lpstrDefExt),
-           TextOrNone(box->lpstrFile), box->Flags});
+      Ask({box->hwndOwner, FiltersOf(box->lpstrFilter), std::u16string(OrEmpty(box->lpstrDefExt)),
+           std::u16string(OrEmpty(box->lpstrFile)), box->Flags});
   if (disables) EnableWindow(box->hwndOwner, TRUE);
   if (!path || path->size() >= box->nMaxFile) return FALSE;
   *std::ranges::copy(*path, box->lpstrFile).out = 0;

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 constexpr std::u16string_view kTemporaryDirectory = u"C:\\Windows\\Temp\\";
 
 DiskPath Locate(const Call& call, LPCWSTR name) {
-  return call->disk.Locate(name ? std::u16string_view(name) : std::u16string_view());
+  return call->disk.Locate(OrEmpty(name));
 }
 
 // The file behind the handle; null, and the last error set, when there is none.

@@ -17,7 +17,7 @@ class Search : public Object {
 HANDLE WINAPI FindFirstFileW(LPCWSTR name, LPWIN32_FIND_DATAW found) {
   const Call call("FindFirstFileW");
   if (call.Fails()) return INVALID_HANDLE_VALUE;
-  const std::u16string_view whole = name ? name : u"";
+  const std::u16string_view whole = OrEmpty(name);
   if (whole.find_first_of(u"*?") != whole.npos) Die("FindFirstFileW with a pattern");
   const DiskPath path = call->disk.Locate(whole);
   if (const DWORD error = path.ErrorIfMissing()) return Refuse(error, INVALID_HANDLE_VALUE);

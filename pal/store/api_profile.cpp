@@ -11,7 +11,7 @@ using namespace pal;
 namespace {
 
 DiskPath LocateProfile(const Call& call, LPCWSTR fileName) {
-  const std::u16string_view name(fileName ? fileName : u"");
+  const std::u16string_view name = OrEmpty(fileName);
   if (name.size() < 3 || name[1] != u':')
     Die("a profile without its full path lies in Windows' own directory");
   return call->disk.Locate(name);

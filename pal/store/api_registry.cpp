@@ -44,10 +44,6 @@ HKEY AddHandle(State& state, std::shared_ptr<RegistryKey> key, REGSAM access, bo
   return static_cast<HKEY>(state.handles.Add(std::make_shared<OpenKey>(std::move(key), access)));
 }
 
-std::u16string_view OrEmpty(LPCWSTR text) {
-  return text ? std::u16string_view(text) : std::u16string_view();
-}
-
 std::u16string_view CheckPath(std::u16string_view path) {
   if (path.starts_with(u'\\')) Die("a registry path that begins with a backslash");
   return path;

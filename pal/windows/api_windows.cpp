@@ -32,14 +32,8 @@ DWORD PlaceInside(State& state, HWND parent, DWORD style, HMENU menu, Window& wi
 
 // Where the value of GetWindowLongPtrW's index lives; null when there is no such index.
 LONG_PTR* NamedLong(Window& window, int index) {
-  switch (index) {
-    case GWLP_ID:
-      return &window.id;
-    case GWLP_USERDATA:
-      return &window.userData;
-    default:
-      return nullptr;
-  }
+  if (index == GWLP_ID) return &window.id;
+  return index == GWLP_USERDATA ? &window.userData : nullptr;
 }
 
 bool IsInExtra(const Window& window, int index) {
@@ -224,12 +218,8 @@ LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index) {
     std::memcpy(&value, found->extra.data() + index, sizeof(value));
     return value;
   }
-  switch (index) {
-    case GWLP_WNDPROC:
-      return reinterpret_cast<LONG_PTR>(found->procedure);
-    default:
-      return Refuse<LONG_PTR>(ERROR_INVALID_INDEX, 0);
-  }
+  if (index != GWLP_WNDPROC) return Refuse<LONG_PTR>(ERROR_INVALID_INDEX, 0);
+  return reinterpret_cast<LONG_PTR>(found->procedure);
 }
 
 LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
