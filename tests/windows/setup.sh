@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # Installs, upgrades and removes the tool under Wine, silently, and looks at what is on the disk, in the registry and running:
-# setup.sh SETUP.exe. Prints what is not as it must be; the exit code is 1 then.
+# setup.sh SETUP.exe. One for 32 bits needs a Wine of that width. Prints what is not as it must be; the exit code is 1 then.
 set -u
 cd "$(dirname "$0")/../.."
 if [ -z "${VELTRA_WINE_SESSION:-}" ]; then
-  export VELTRA_WINE_PREFIX=$PWD/build/wine-setup VELTRA_DEVICES=$PWD/build/windows-x64/bin/devices
+  bits=$(basename "$1" | cut -d- -f3)
+  export VELTRA_WINE_PREFIX=$PWD/build/wine-setup-$bits VELTRA_DEVICES=$PWD/build/windows-$bits/bin/devices
+  [ "$bits" = x64 ] || export VELTRA_WINE_ARCH=win32
   rm -rf "$VELTRA_WINE_PREFIX"
   exec simulator/wine/session.sh "$0" "$@"
 fi
@@ -83,11 +85,11 @@ start
 echo "of another maker" >"$folder/nircmd.exe"
 wine "$folder/uninstall.exe" /S
 expect "the uninstaller has ended" not test -e "$folder/uninstall.exe"
-expect "only the foreign file is left" test "$(ls "$folder")" = nircmd.exe
+expect "only the foreign file is left" eval '[ "$(ls "$folder")" = nircmd.exe ]'
 expect "the tool has ended" not tool
 expect "no start at log-on is left" not value "$windows\\Run" VeltraDeviceTool veltratool
 expect "Windows lists it no more" not wine reg query "$windows\\Uninstall\\VeltraDeviceTool"
-expect "the Start menu is empty of it" test -z "$(find "$WINEPREFIX/drive_c/ProgramData" -name 'Veltra*')"
+expect "the Start menu is empty of it" eval '[ -z "$(find "$WINEPREFIX/drive_c/ProgramData" -name "Veltra*")" ]'
 expect "fast start-up is as it was" value "$power" HiberbootEnabled 0x1
 expect "the setting has stayed" value "$user" Sw1CmdVal 0x4d
 expect "the profile has stayed" grep -q "a profile" "$data/curprofile.bpf"
