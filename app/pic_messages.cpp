@@ -101,9 +101,9 @@ constexpr PrefixRow kPrefixRows[] = {
     {"TouchSerial=", 13, OnTouchSerial},
 };
 
-// An update leaves no release to come: side buttons rest from its start on.
+// An update leaves no release to come: no side button is pressed from its start on.
 void OnSwitchEvent(const SwitchEvent& event) {
-  if (IsSideButton(event.button) && Firmware().bootloader.IsRunning()) return;
+  if (event.pressed && IsSideButton(event.button) && Firmware().bootloader.IsRunning()) return;
   if (event.pressed) OnPressWhileSuspended();
   HandleSwitchEvent(event);
 }
@@ -147,7 +147,7 @@ void OnOwnReply(std::string_view request, Bytes reply) {
 }
 
 void OnReply(Bytes reply) {
-  const std::optional<PicRequest> request = TakeAnsweredRequest();
+  const std::optional<PicRequest> request = TakeAnsweredRequest(static_cast<DWORD>(GetMessageTime()));
   if (!request) {
     if (!reply.empty() && Firmware().bootloader.IsEntryLate()) OnBootloaderEntered(reply);
     return;

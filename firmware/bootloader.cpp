@@ -105,7 +105,7 @@ void Bootloader::OnTimeout(UINT_PTR id) {
 // its place. The request of a step that timed out has left the queue already.
 bool Bootloader::IsAnswerAwaited() {
   if (sequence.state == BootState::kWaitBootloader) return IsRunning();
-  return std::exchange(lateAnswerDue, false) || TakeAnsweredRequest();
+  return std::exchange(lateAnswerDue, false) || TakeAnsweredRequest(static_cast<DWORD>(GetMessageTime()));
 }
 
 // "GotoBootloader" waits behind a request that was on its way when the update started.

@@ -23,6 +23,7 @@ struct PicRequest {
   std::vector<uint8_t> bytes;  // type first, then the content
   bool transmitted = false;    // at least once
   DWORD transmittedAt = 0;     // the last time, as GetTickCount tells it
+  DWORD unknownUntil = 0;      // no answer is older: the first time
   bool wentAstray = false;     // the port was closed then, or has been since
 
   [[nodiscard]] std::string_view Text() const { return TextOf(bytes).substr(1); }

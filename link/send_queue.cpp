@@ -27,6 +27,14 @@ void Append(PicRequest request) {
   if (Link().picQueue.size() == 1) TransmitHead();
 }
 
+std::optional<PicRequest> TakeTransmittedHead() {
+  PicQueue& queue = Link().picQueue;
+  if (queue.empty() || !queue.front().transmitted) return std::nullopt;
+  PicRequest request = std::move(queue.front());
+  queue.pop_front();
+  return request;
+}
+
 // Moves the requests from the n-th on to the end of the other queue.
 void MoveFrom(PicQueue& queue, size_t n, PicQueue& other) {
   const auto first = queue.begin() + static_cast<ptrdiff_t>(n);
@@ -36,13 +44,15 @@ void MoveFrom(PicQueue& queue, size_t n, PicQueue& other) {
 
 }  // namespace
 
-void SendFrame(Bytes message) {
+DWORD SendFrame(Bytes message) {
   const auto& port = Link().picPort;
-  if (!port) return;
+  if (!port) return GetTickCount();
   const std::vector<uint8_t> frame = EncodeFrame(message);
   port->Write(frame.data(), 1);
   Sleep(kFirstBytePauseMs);
+  const DWORD now = GetTickCount();
   port->Write(frame.data() + 1, static_cast<uint32_t>(frame.size() - 1));
+  return now;
 }
 
 void EnqueueRequest(HWND replyTarget, Bytes content, MessageType type) {
@@ -66,10 +76,10 @@ void SendText(std::string_view text) {
 void TransmitHead() {
   PicQueue& queue = Link().picQueue;
   if (queue.empty() || queue.front().bytes.size() > kLongestRequest) return;
-  queue.front().transmitted = true;
-  queue.front().transmittedAt = GetTickCount();
+  const bool isFirst = !std::exchange(queue.front().transmitted, true);
   queue.front().wentAstray = !Link().picPort;
-  SendFrame(queue.front().bytes);
+  queue.front().transmittedAt = SendFrame(queue.front().bytes);
+  if (isFirst) queue.front().unknownUntil = queue.front().transmittedAt;
 }
 
 void TransmitNewHead() {
@@ -87,18 +97,16 @@ void RepeatAstrayHead() {
   if (head && head->wentAstray) TransmitHead();
 }
 
-std::optional<PicRequest> TakeAnsweredRequest() {
-  PicQueue& queue = Link().picQueue;
-  if (queue.empty() || !queue.front().transmitted) return std::nullopt;
-  PicRequest request = std::move(queue.front());
-  queue.pop_front();
-  return request;
+std::optional<PicRequest> TakeAnsweredRequest(DWORD saidAt) {
+  const PicRequest* head = HeadRequest();
+  if (!head || static_cast<int32_t>(saidAt - head->unknownUntil) < 0) return std::nullopt;
+  return TakeTransmittedHead();
 }
 
 std::optional<PicRequest> TakeUnansweredHead(DWORD milliseconds) {
   const PicRequest* head = HeadRequest();
   if (!head || GetTickCount() - head->transmittedAt < milliseconds) return std::nullopt;
-  return TakeAnsweredRequest();
+  return TakeTransmittedHead();
 }
 
 const PicRequest* HeadRequest() {

@@ -18,8 +18,8 @@ constexpr size_t kLongestRequest = 1024;
 constexpr size_t kMostRequests = 1000;
 
 // Frames and writes one message past the queue: the first byte alone, 5 ms later the rest. Nothing when the
-// port is closed.
-void SendFrame(Bytes message);
+// port is closed. Returns GetTickCount of before the rest: no answer is older.
+DWORD SendFrame(Bytes message);
 
 // Appends a request and transmits it when it is the only one; while the queue is reserved it waits aside.
 // Nothing at all when the port is closed. Refused with an error line when the queue is full.
@@ -41,8 +41,10 @@ void NoteLostAnswer();
 void RepeatAstrayHead();
 
 // The request that an answer belongs to, taken out of the queue. A head that was never transmitted is not the
-// one that was answered, and stays.
-std::optional<PicRequest> TakeAnsweredRequest();
+// one that was answered, and stays; so does one that was transmitted only after the controller had said the
+// answer, at `saidAt` as GetMessageTime tells it: an answer that comes twice is not that of the next request,
+// too. Both times are as fine as Windows' clock, 16 ms at worst.
+std::optional<PicRequest> TakeAnsweredRequest(DWORD saidAt);
 
 // Null when the queue is empty.
 const PicRequest* HeadRequest();
