@@ -81,6 +81,10 @@ Problem RunTap(Console& console, Words words) {
   return {};
 }
 
+bool HasButton(const DialogLook& box, int id) {
+  return std::ranges::find(box.controls, id, &ControlLook::id) != box.controls.end();
+}
+
 Problem AwaitEnd(World& world) {
   if (world.WaitUntil([&world] { return world.ExitCode().has_value(); }, kPatience)) return {};
   return "the tool did not end";
@@ -103,7 +107,7 @@ Problem RunQuit(Console& console, Words words) {
   if (!world.Post(kCommandMessage, kExitCommand, 0)) return "the tool has no window";
   const auto asks = [&world] {
     const std::optional<DialogLook> front = world.FrontDialog();
-    return front && front->isBox;
+    return front && front->isBox && HasButton(*front, kYes);
   };
   if (!world.WaitUntil(asks, kPatience)) return "the tool did not ask";
   world.Press(refuse ? kNo : kYes);
@@ -121,6 +125,7 @@ Problem RunAnswer(Console& console, Words words) {
   return Eventually(console, [&]() -> Problem {
     const std::optional<DialogLook> front = console.TheWorld().FrontDialog();
     if (!front || !front->isBox) return "no message box is open";
+    if (!HasButton(*front, row->button)) return "the box has no such button";
     console.TheWorld().Press(row->button);
     return {};
   });

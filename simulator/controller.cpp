@@ -345,6 +345,11 @@ void Controller::Transmit(const std::vector<uint8_t>& message, std::vector<uint8
   }
 }
 
+void Controller::Disarm() {
+  armed_.clear();
+  armedAtSteps_.clear();
+}
+
 bool Controller::UseUp(Fault fault) {
   const auto entry = armed_.find(fault);
   if (entry == armed_.end() || entry->second <= 0) return false;

@@ -124,6 +124,8 @@ class Controller {
   void LoseLine();
 
   void Arm(Fault fault, int times = 1) { armed_[fault] += times; }
+  // Nothing is spoilt any more.
+  void Disarm();
   // Armed when the firmware update gets there: step 1 is "GotoBootloader", step 2 the first erase command,
   // and so on.
   void ArmAtStep(int step, Fault fault) { armedAtSteps_.emplace(step, fault); }

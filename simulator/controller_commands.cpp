@@ -100,7 +100,11 @@ Problem RunInfrared(Controller& controller, Words words) {
 
 Problem RunFault(Controller& controller, Words words) {
   constexpr std::string_view kArguments =
-      "flip|drop|double|garbage|mute|empty|twice|again|address|stuck-bit|power [TIMES|at STEP]";
+      "flip|drop|double|garbage|mute|empty|twice|again|address|stuck-bit|power [TIMES|at STEP]|off";
+  if (words.size() == 2 && words[1] == "off") {
+    controller.Disarm();
+    return {};
+  }
   const bool atStep = words.size() == 4 && words[2] == "at";
   const auto* name = words.size() < 2 || (words.size() > 3 && !atStep)
                          ? std::end(kFaultNames)

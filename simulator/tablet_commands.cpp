@@ -20,8 +20,13 @@ std::string_view Argument(Words words, size_t index) {
 }
 
 Problem RunFail(World& world, Words words) {
+  if (words.size() == 2 && words[1] == "off") {
+    for (const std::string_view function : kFunctions)
+      TabletOf(world).Machine().Fail(std::string(function), 0, 0);
+    return {};
+  }
   const std::optional<int64_t> times = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
-  if (!times || *times < 1 || *times > 1'000'000) return ExpectedArguments("FUNCTION TIMES");
+  if (!times || *times < 1 || *times > 1'000'000) return ExpectedArguments("FUNCTION TIMES|off");
   if (std::ranges::find(kFunctions, words[1]) == std::end(kFunctions))
     return "no such function: " + words[1] + ", \"help fail\" lists them";
   TabletOf(world).Machine().Fail(words[1], static_cast<int>(*times), ERROR_ACCESS_DENIED);
@@ -146,7 +151,7 @@ Problem RunScaling(World& world, Words words) {
 }
 
 constexpr WorldCommand kCommands[] = {
-    {"fail", "FUNCTION TIMES", "Windows refuses the next calls of that function, such as ExitWindowsEx",
+    {"fail", "FUNCTION TIMES|off", "Windows refuses the next calls of that function, such as ExitWindowsEx",
      RunFail},
     {"joystick", "absent|free|disabled|...", "the virtual joystick; also mismatch, busy, taken", RunJoystick},
     {"mouse-filter", "absent|plain", "the mouse filter's library: none, or its 64-bit form", RunMouseFilter},

@@ -23,6 +23,9 @@ class Timeline {
   static void StopFollowing(World& world);
   void Add(TimelineEntry entry, bool noticed = true);
 
+  // Everything so far.
+  [[nodiscard]] const std::vector<TimelineEntry>& Entries() const { return entries_; }
+
   // Shows the bytes of frames below them.
   void ShowBytes(bool show) { showBytes_ = show; }
   // Shows every effect, not only what a person would notice.

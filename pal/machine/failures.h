@@ -13,7 +13,10 @@ namespace pal {
 class FailureTable {
  public:
   void Arm(std::string function, int times, DWORD error, int skip) {
-    armed_[std::move(function)] = {skip, times, error};
+    if (times > 0)
+      armed_[std::move(function)] = {skip, times, error};
+    else
+      armed_.erase(function);
   }
 
   // The error with which this call of the function shall fail, empty when it shall work. Counts the call.

@@ -80,7 +80,7 @@ class Machine {
 
   // ---- failures -----------------------------------------------------------------------------------------
   // The next `times` calls of the function of that name ("RegisterClassExW", "CreateThread", ...) fail with
-  // that last error. `skip` calls succeed first.
+  // that last error. `skip` calls succeed first. With no times at all it works again.
   void Fail(std::string function, int times, DWORD lastError, int skip = 0);
 
   // ---- effects ------------------------------------------------------------------------------------------

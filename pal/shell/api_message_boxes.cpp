@@ -38,6 +38,8 @@ void MessageBoxes::Answer(WaitingBox& box, int button) {
   if (std::ranges::count(ButtonsOf(box.shown.type), button) == 0)
     Die("an answer for which the message box has no button");
   box.answer = button;
+  // It leaves the screen now; its call may have to wait for what was opened from inside its loop.
+  std::erase_if(open, [&box](const auto& waiting) { return waiting.get() == &box; });
   state_.scheduler.Notify();
 }
 
