@@ -1,0 +1,223 @@
+// A storm over the whole tool, in virtual time: storm [--hours N] [--seed N] [--keep FOLDER]
+//
+// Each seed is a tablet of its own for an hour of storm and calm by turns. What is wrong first ends it: then
+// the seed is printed, and a script, shortened as far as it still goes wrong, that the console plays as well.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <span>
+#include <sstream>
+
+#include "simulator/console.h"
+#include "simulator/tablet_world.h"
+#include "tests/storm/weather.h"
+
+namespace storm {
+namespace {
+
+// Lines that the console passes over.
+constexpr std::string_view kLeave = "# leave the dialogs";
+constexpr std::string_view kRest = "# at rest";
+constexpr std::string_view kHeld[] = {"event",  "mutex", "file", "serial", "key",        "thread handle",
+                                      "window", "timer", "menu", "brush",  "com object", "thread"};
+
+// A tablet in the storm, and what is wrong on it.
+class Story {
+ public:
+  explicit Story(const Tablet& tablet) : model_(tablet.switches[0], tablet.switches[1]) {
+    console_.TheTimeline().Silence();
+    for (const std::string& line : tablet.lines) Play(line);
+  }
+
+  void Play(const std::string& line) {
+    if (Wrong()) return;
+    if (line == kLeave) return LeaveDialogs();
+    if (line == kRest) return Rest();
+    Do(line);
+  }
+
+  void Calm() {
+    for (const std::string& line : kCalm) Play(line);
+    LeaveDialogs();
+    if (world_.ExitCode()) {
+      Play("start -s");
+      Play("wait 20s");
+    }
+    Repair();
+    Rest();
+    for (const simulator::ButtonName& button : simulator::kButtonNames)
+      Play("tap " + std::string(button.command));
+    Play("wait 16s");
+    Rest();
+  }
+
+  [[nodiscard]] const Problem& Wrong() const { return model_.Complaint() ? model_.Complaint() : wrong_; }
+  [[nodiscard]] const std::vector<std::string>& Lines() const { return lines_; }
+  [[nodiscard]] Duration Now() { return world_.Now(); }
+  // The end of the timeline, as comments.
+  void PrintLast(std::ostream& out) {
+    constexpr size_t kMost = 300;
+    constexpr std::string_view kHousekeeping[] = {"i2c",  "timer",    "opened",
+                                                  "file", "registry", "serial COM2 "};
+    const auto& entries = console_.TheTimeline().Entries();
+    for (const TimelineEntry& entry : std::span(entries).last(std::min(kMost, entries.size())))
+      if (std::ranges::none_of(kHousekeeping, [&](auto word) { return entry.text.starts_with(word); }))
+        out << "# " << simulator::FormatSeconds(entry.at) << "  " << entry.who << "  " << entry.text << "\n";
+    out << "# " << Wrong().value_or("not again") << "\n";
+  }
+
+ private:
+  void Do(const std::string& line) {
+    const Problem problem = console_.RunLine(line);
+    Look(problem ? std::string_view(line) : std::string_view());
+    lines_.push_back(line);
+  }
+
+  void Look(std::string_view refused = {}) {
+    const auto& entries = console_.TheTimeline().Entries();
+    for (; looked_ < entries.size(); ++looked_)
+      if (entries[looked_].text != refused) model_.Take(entries[looked_]);
+  }
+
+  void LeaveDialogs() {
+    constexpr int kMost = 40;
+    lines_.emplace_back(kLeave);
+    for (int tried = 0; world_.FrontDialog() && tried < kMost; ++tried) {
+      for (const char* line : {"answer ok", "answer no", "press OK", "key escape", "wait 10s"})
+        if (!console_.RunLine(line)) Look();
+      if (world_.FrontDialog() && world_.FrontDialog()->title == "Power meter")
+        console_.RunLine("close-dialog");
+    }
+    if (world_.FrontDialog()) wrong_ = "a dialog that nobody can leave: " + world_.FrontDialog()->title;
+  }
+
+  // A controller whose firmware was lost in an update is given it again.
+  void Repair() {
+    if (world_.Pic().bootloader.HasFirmware()) return;
+    Play("firmware-file repair.hex 0x1800");
+    Play("update repair.hex");
+    Play("wait 60s");
+    LeaveDialogs();
+    Play("controller-power off");
+    Play("controller-power on");
+    Play("wait 16s");
+    if (!world_.Pic().bootloader.HasFirmware()) wrong_ = "a second update does not repair the controller";
+    if (!world_.ExitCode()) return;
+    Play("start -s");
+    Play("wait 20s");
+  }
+
+  void Rest() {
+    lines_.emplace_back(kRest);
+    const auto file = [this](std::string_view name) {
+      return world_.ReadFile(std::string(simulator::kDataFolder) + std::string(name)).value_or("");
+    };
+    model_.Rest(file("DevLog_pt2.txt") + file("DevLog.txt"));
+    if (!model_.IsCalm() || world_.FrontDialog()) return;
+    std::ostringstream held;
+    for (const std::string_view kind : kHeld)
+      held << kind << " " << world_.Tablet().Machine().CountOpen(kind) << ", ";
+    if (heldAtFirst_.empty()) heldAtFirst_ = held.str();
+    if (held.str() != heldAtFirst_ && !Wrong())
+      wrong_ = "left over: " + held.str() + "at first " + heldAtFirst_;
+  }
+
+  simulator::TabletWorld world_;
+  std::ostringstream out_;
+  simulator::Console console_{world_, out_};
+  Model model_;
+  Problem wrong_;
+  std::vector<std::string> lines_;
+  std::string heldAtFirst_;
+  size_t looked_ = 0;
+};
+
+Problem PlayLines(const Tablet& tablet, const std::vector<std::string>& lines) {
+  Story story(tablet);
+  for (const std::string& line : lines) story.Play(line);
+  return story.Wrong();
+}
+
+// What is wrong, without its time and its names.
+std::string KindOf(const Problem& problem) {
+  if (!problem) return {};
+  const size_t begin = problem->find("  ") + 1;
+  return problem->substr(begin, problem->find(':', begin) - begin);
+}
+
+// Leaves out pieces, ever smaller ones, as long as the same is wrong without them.
+std::vector<std::string> Shorten(const Tablet& tablet, std::vector<std::string> lines) {
+  const std::string kind = KindOf(PlayLines(tablet, lines));
+  for (size_t piece = lines.size() / 2; piece > 0; piece /= 2)
+    for (size_t at = 0; at < lines.size();) {
+      std::vector<std::string> fewer(lines);
+      const auto begin = fewer.begin() + static_cast<std::ptrdiff_t>(at);
+      fewer.erase(begin, begin + static_cast<std::ptrdiff_t>(std::min(piece, lines.size() - at)));
+      if (KindOf(PlayLines(tablet, fewer)) == kind)
+        lines = std::move(fewer);
+      else
+        at += piece;
+    }
+  return lines;
+}
+
+void Report(uint64_t seed, const Tablet& tablet, std::vector<std::string> lines, const std::string& folder) {
+  lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(tablet.lines.size()));
+  lines = Shorten(tablet, std::move(lines));
+  const std::string name = folder + "/storm_" + std::to_string(seed) + ".scenario";
+  std::ofstream script(name);
+  Story story(tablet);
+  for (const std::string& line : lines) story.Play(line);
+  for (const std::vector<std::string>& part : {tablet.lines, lines})
+    for (const std::string& line : part) script << line << "\n";
+  story.PrintLast(script);
+  std::cout << "  shortened to " << lines.size() << " lines: " << story.Wrong().value_or("not again")
+            << "\n  " << name << "\n";
+}
+
+// An hour, or until something is wrong.
+Problem PlayHour(Dice& dice, const Tablet& tablet, std::vector<std::string>& lines) {
+  constexpr auto kEnd = std::chrono::hours(1);
+  constexpr int kActsBetweenCalms = 60;
+  Story story(tablet);
+  while (!story.Wrong() && story.Now() < kEnd) {
+    for (int i = 0; i < kActsBetweenCalms; ++i)
+      for (const std::string& line : Gust(dice)) story.Play(line);
+    story.Calm();
+  }
+  lines = story.Lines();
+  return story.Wrong();
+}
+
+bool PlaySeed(uint64_t seed, const std::string& folder) {
+  Dice dice(seed);
+  const Tablet tablet = SetUp(dice);
+  std::vector<std::string> lines;
+  const Problem problem = PlayHour(dice, tablet, lines);
+  if (!problem) return true;
+  std::cout << "seed " << seed << " after " << lines.size() << " lines: " << *problem << std::endl;
+  Report(seed, tablet, std::move(lines), folder);
+  return false;
+}
+
+}  // namespace
+}  // namespace storm
+
+int main(int count, char** arguments) {
+  uint64_t hours = 20;
+  uint64_t seed = 1;
+  std::string folder = ".";
+  for (int i = 1; i + 1 < count; i += 2) {
+    const std::string name = arguments[i];
+    if (name == "--hours") hours = std::strtoull(arguments[i + 1], nullptr, 10);
+    if (name == "--seed") seed = std::strtoull(arguments[i + 1], nullptr, 10);
+    if (name == "--keep") folder = arguments[i + 1];
+  }
+  uint64_t broken = 0;
+  for (uint64_t i = 0; i < hours; ++i) broken += storm::PlaySeed(seed + i, folder) ? 0 : 1;
+  std::cout << hours << " hours of storm, " << broken << " of them with something wrong\n";
+  return broken == 0 ? 0 : 1;
+}

@@ -1,0 +1,155 @@
+// What must hold whatever comes, told from the outside alone: by what the controller got onto the line, and
+// by what the tool did to the tablet.
+//
+//   - A press or release in a good frame has its effect once, and in order; a side button its action.
+//   - Nothing is held that no finger holds.
+//   - The controller is asked one thing at a time, and the next after the answer.
+//   - What another program asks goes out once, in order, unless there is a reason that it does not.
+//   - A line of the controller's log stands in the tool's log once.
+//
+// What may come to nothing is excused: a press on a line that goes, a click on a locked screen.
+#pragma once
+
+#include <array>
+#include <deque>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/world.h"
+
+namespace storm {
+
+using simulator::Duration;
+using simulator::Problem;
+using simulator::TimelineEntry;
+
+constexpr size_t kButtons = std::size(simulator::kButtonNames);  // in their order; the first two are switches
+constexpr size_t kSwitches = 2;
+
+// The tool may be busy that long: with a program that hangs, with a codec.
+constexpr Duration kPatience = std::chrono::seconds(15);
+
+// What a setting of a switch lets it do, as the timeline says it.
+struct SwitchValue {
+  std::string_view number;  // in the registry
+  std::string_view output;  // "mouse left"; empty for a message
+};
+inline constexpr SwitchValue kSwitchValues[] = {
+    {"-1", "mouse left"},
+    {"-2", "mouse right"},
+    {"32", "key 0x20"},
+    {"50002", "joystick button 3"},
+    {"0", ""},
+};
+// What the side buttons do, short and long; a key of its own for each in the profile.
+inline constexpr std::string_view kShortActions[] = {"mouse filter 1", "key 0x70 down", "key 0x71 down"};
+inline constexpr std::string_view kLongActions[] = {"mouse filter 0", "key 0x72 down", "key 0x73 down"};
+
+class Model {
+ public:
+  Model(const SwitchValue& switch1, const SwitchValue& switch2);
+
+  void Take(const TimelineEntry& entry);
+  // What was wrong first; empty as long as all is well.
+  [[nodiscard]] const Problem& Complaint() const { return complaint_; }
+  // After a while without wind: what should have come has come. `log` is all of the tool's log.
+  void Rest(std::string_view log);
+  // The weather lets everything through: the line is open, nothing covers the screen, no update runs.
+  [[nodiscard]] bool IsCalm() const;
+
+ private:
+  enum class Kind { kDown, kUp, kShort, kLong };
+  struct Sign {
+    size_t button;
+    Kind kind;
+  };
+  struct Awaited {
+    Kind kind;
+    size_t button;
+    bool isExcused;
+    Duration since;
+  };
+  struct Armed {
+    Duration since;
+    bool isExcused;
+  };
+  struct Line {
+    std::string text;
+    bool isExcused;
+  };
+  struct Row {
+    std::string_view who;
+    std::string_view beginning;
+    void (Model::*act)();
+  };
+  static const Row kRows[];
+
+  void AddSign(std::string text, size_t button, Kind kind) { signs_[std::move(text)] = {button, kind}; }
+  void Hear(std::string_view text);
+  void HearButton(size_t button, bool isPress, bool isDoubtful);
+  void Say(std::string_view text);
+  void Did(const std::string& text);
+  void CountHeld(const std::string& text);
+  void Ask(std::string_view command);
+  void FireTimers();
+  static std::string Describe(const Awaited& awaited);
+  void Complain(std::string what);
+
+  void Start();
+  void Open();
+  void Close();
+  void LoseFrames();
+  void TakeBack();
+  void LoseReceiver();
+  void Suspend();
+  void Resume() { isAsleep_ = false; }
+  void Hang();
+  void Wake() { isHung_ = false; }
+  void Lock();
+  void Unlock();
+  void Show();
+  void Hide() { isShown_ = false; }
+  void BeginUpdate();
+  void EndUpdate();
+  void MayAskAgain();
+  void Cancel();
+  void SpoilDisk();
+  void Answer();
+
+  std::map<std::string, Sign, std::less<>> signs_;
+  Duration now_{0};
+  Problem complaint_;
+
+  bool isOpen_ = false;
+  bool isAsleep_ = false;
+  bool isLocked_ = false;
+  bool isHung_ = false;   // an application that may take the switches
+  bool isShown_ = false;  // the options
+  bool isUpdating_ = false;
+  bool isAwaiting_ = false;  // the tool, an answer of the controller
+  bool mayAskAgain_ = false;
+  Duration mayAskAgainUntil_{0};
+
+  std::deque<Awaited> awaited_;   // presses and releases
+  std::deque<Awaited> onTheWay_;  // while the line is closed
+  std::array<std::deque<Awaited>, kButtons> actions_;
+  std::array<std::optional<Armed>, kButtons> armed_;
+  std::array<bool, kButtons> isPressed_{};      // as the controller said last
+  std::array<bool, kButtons> isHeld_{};         // as the tool did last
+  std::array<int, kButtons> mayBeTakenBack_{};  // so often: there was a reason since it was pressed
+  Duration lastReason_{0};
+  std::array<bool, kButtons> isTakenBack_{};   // and it was
+  std::array<std::string, kButtons> outputs_;  // by which it was pressed last
+  std::set<std::string> heldOutputs_;          // "mouse left", "key 0x20"
+
+  std::deque<Line> questions_;
+  std::set<std::string> asked_;  // of them, what the tool has said
+  std::string said_;             // by the tool, last
+  std::vector<Line> logLines_;
+};
+
+}  // namespace storm

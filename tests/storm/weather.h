@@ -1,0 +1,36 @@
+// The storm as lines of a story: what a person, a line, a Windows and other programs may do to a tablet. The
+// same seed makes the same lines.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tests/storm/model.h"
+
+namespace storm {
+
+// The same numbers on every machine.
+class Dice {
+ public:
+  explicit Dice(uint64_t seed) : state_(seed * 2 + 1) {}
+  // 0 to count - 1.
+  size_t Below(size_t count);
+
+ private:
+  uint64_t state_;
+};
+
+struct Tablet {
+  SwitchValue switches[kSwitches];
+  std::vector<std::string> lines;  // before the first start, and the start
+};
+Tablet SetUp(Dice& dice);
+
+// The lines of one act.
+std::vector<std::string> Gust(Dice& dice);
+
+// What lets everything through again, with no finger anywhere.
+extern const std::vector<std::string> kCalm;
+
+}  // namespace storm
