@@ -12,17 +12,7 @@ const std::u16string kMarker = std::u16string(kFolder) + u"logon.txt";
 
 class Log : public ::testing::Test {
  protected:
-  Log() {
-    SYSTEMTIME start = {};
-    start.wYear = 2024;
-    start.wMonth = 11;
-    start.wDay = 19;
-    start.wHour = 14;
-    start.wMinute = 5;
-    start.wSecond = 9;
-    start.wMilliseconds = 347;
-    machine.clock.localTimeAtStart = start;
-  }
+  Log() { machine.clock.localTimeAtStart = {2024, 11, 2, 19, 14, 5, 9, 347}; }
   // The log works inside a program, as in the tool.
   void Do(const std::function<void(DiagnosticLog&)>& work) {
     machine.StartProgram([&] {
