@@ -336,8 +336,9 @@ TEST_F(Serial, ReadErrorsAreShown) {
     serial.StopMon();
   });
   std::vector<std::u16string> boxes;
-  for (const auto& box : pal::Select<pal::BoxShown>(machine.Effects())) boxes.push_back(box.text);
-  EXPECT_EQ(boxes, (std::vector<std::u16string>{u"<CE1-1117>", u"<CE2-2>", u"<CE3-2>"}));
+  for (const auto& box : pal::Select<pal::BoxShown>(machine.Effects()))
+    boxes.push_back(box.caption + box.text);
+  EXPECT_EQ(boxes, (std::vector<std::u16string>{u"Error<CE1-1117>", u"Error<CE2-2>", u"Error<CE3-2>"}));
 }
 
 // ---- with the host's time and a tty as the line ----

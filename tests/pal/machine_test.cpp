@@ -202,25 +202,6 @@ TEST(MachineDisk, GoesWithTheMachine) {
 
 // ---- other programs and the person --------------------------------------------------------------------------
 
-TEST_F(MachineTest, ThePersonAnswersTheInnermostBox) {
-  std::vector<int> answers;
-  Run([&] {
-    const TestWindow window([&](HWND self, UINT message, WPARAM, LPARAM) {
-      if (message == WM_APP) answers.push_back(MessageBoxW(self, TEXT("inner"), TEXT("c"), MB_YESNO));
-      return TestWindow::kDefault;
-    });
-    PostMessageW(window.Get(), WM_APP, 0, 0);
-    answers.push_back(MessageBoxW(nullptr, TEXT("outer"), nullptr, MB_YESNO | MB_ICONINFORMATION));
-  });
-  ASSERT_EQ(machine.boxes.Shown().size(), 2u);
-  EXPECT_EQ(machine.boxes.Shown()[0].caption, u"Error");
-  machine.boxes.Answer(IDYES);
-  machine.clock.Advance(0s);
-  machine.boxes.Answer(IDNO);
-  machine.clock.Advance(0s);
-  EXPECT_EQ(answers, (std::vector<int>{IDYES, IDNO}));
-}
-
 TEST_F(MachineTest, ThePersonChoosesWhatIsNotGray) {
   machine.resources.Load(VELTRA_RESOURCES);
   Run([] {
