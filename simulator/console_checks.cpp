@@ -95,11 +95,21 @@ Problem ExpectIn(Console& console, Words words, std::optional<Duration> at) {
   return Eventually(console, [&] { return console.TheTimeline().Expect(pattern, whole, at); });
 }
 
+Problem ExpectTap(Console& console, Words words) {
+  std::vector<std::string> line = {"exactly"};
+  line.insert(line.end(), words.begin(), words.end());
+  line.emplace_back("down");
+  if (Problem problem = ExpectIn(console, line, std::nullopt)) return problem;
+  line.back() = "up";
+  return ExpectIn(console, line, std::nullopt);
+}
+
 }  // namespace
 
 Problem RunExpect(Console& console, Words words) {
   const std::string_view first = words.size() > 1 ? std::string_view(words[1]) : std::string_view();
   if (first == "next" && words.size() > 2) return ExpectNext(console, words.subspan(2));
+  if (first == "tap" && words.size() > 2) return ExpectTap(console, words.subspan(2));
   if (first == "nothing" && words.size() == 2) return ExpectNext(console, {});
   return ExpectIn(console, words.subspan(1), std::nullopt);
 }

@@ -70,6 +70,19 @@ Problem RunSettle(Console& console, Words) {
   return {};
 }
 
+// As most stories begin: the tool, without a delay of its own, at rest after its start.
+Problem RunBegin(Console& console, Words) {
+  static constexpr std::string_view kDelay = "StartupDelay";
+  if (console.ToolRuns()) return "the tool runs already";
+  const std::vector<Setting> settings = console.TheWorld().Settings();
+  if (std::ranges::find(settings, kDelay, &Setting::name) == settings.end())
+    console.TheWorld().SetNumber(Root::kUser, kDelay, 0);
+  RunStart(console, {});
+  if (Problem problem = RunSettle(console, {})) return problem;
+  console.TheWorld().Wait(std::chrono::seconds(12));
+  return RunMark(console, {});
+}
+
 Problem RunTap(Console& console, Words words) {
   const auto* name = std::ranges::find(kButtonNames, Argument(words, 1), &ButtonName::command);
   const auto held = words.size() == 3 ? ParseTime(words[2]) : std::chrono::milliseconds(100);
@@ -343,6 +356,7 @@ Problem RunHelp(Console& console, Words);
 constexpr ConsoleCommand kCommands[] = {
     {"start", "[ARGUMENTS]", "start the tool (-s: without a dialog)", true, RunStart},
     {"settle", "", "let the tool do everything that it does at its start", false, RunSettle},
+    {"begin", "", "start the tool without a dialog and let it come to rest; then mark", true, RunBegin},
     {"wait", "TIME", "let time pass: 3s, 20ms", false, RunWait},
     {"tap", "BUTTON [TIME]", "press a button and release it after 100ms, or after TIME", true, RunTap},
     {"close", "", "close the tool's window", true, RunClose},
@@ -376,9 +390,10 @@ constexpr ConsoleCommand kCommands[] = {
     {"ask-firmware", "", "an application asks whether the firmware is new enough", true, RunAskFirmware},
     {"ask-report", "[SELECTION]", "an application asks for the device report: 0 all, 1 the battery", true,
      RunAskReport},
-    {"expect", "[no] [exactly] TEXT|next LINE|nothing",
-     "a line that holds TEXT, or is TEXT, must have come; or LINE as the next one; or nothing more", false,
-     RunExpect},
+    {"expect", "[no] [exactly] TEXT|next LINE|tap TEXT|nothing",
+     "a line that holds TEXT, or is TEXT, must have come; or LINE as the next one; or TEXT down and up; or "
+     "nothing more",
+     false, RunExpect},
     {"at", "TIME expect TEXT", "the same, and at that time; +TIME counts from the last command", false,
      RunAt},
     {"check", "[no] WHAT ...",
