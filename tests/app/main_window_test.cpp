@@ -67,15 +67,6 @@ TEST_F(MainWindow, FirmwareAnswerNeedsVersion95) {
   }
 }
 
-TEST_F(MainWindow, StatusLedTakesFourStates) {
-  Start();
-  for (const int state : {0, 3, 4, 7, -1})
-    tablet.Ask(SimulatedTablet::kStatusLedRequest, static_cast<WPARAM>(state));
-  tablet.Advance(1s);
-  EXPECT_EQ(Joined(NewRequests()),
-            "SetStatusLed=0; SetStatusLed=3; SetStatusLed=0; SetStatusLed=0; SetStatusLed=0");
-}
-
 TEST_F(MainWindow, IdentificationUpdatesAreSentOrRefusedWhole) {
   SwitchDetailsOn();
   Start();

@@ -89,14 +89,9 @@ TEST_F(ConsoleTest, ChecksFailWhenTheyShould) {
   ASSERT_EQ(Run("set Sw1CmdVal -1\n"), "");
   EXPECT_EQ(Run("check registry Sw1CmdVal -1\ncheck no registry Sw1CmdVal 1\ncheck line\ncheck no box x\n"),
             "");
-  EXPECT_NE(Run("check registry Sw1CmdVal 1\n"), "");
-  EXPECT_NE(Run("check no line\n"), "");
-  EXPECT_NE(Run("check box x\n"), "");
-  EXPECT_NE(Run("check exit 0\n"), "");
-  EXPECT_NE(Run("check log x\n"), "");
-  EXPECT_NE(Run("check file x\n"), "");
-  EXPECT_NE(Run("check dialog\n"), "");
-  EXPECT_NE(Run("only tablet check box\n"), "");
+  for (const char* line : {"check registry Sw1CmdVal 1", "check no line", "check box x", "check exit 0",
+                           "check log x", "check file x", "check dialog", "only tablet check box"})
+    EXPECT_NE(Run(line), "") << line;
   EXPECT_EQ(Run("only windows check box\ncheck no dialog\n"), "");
 }
 
