@@ -1,10 +1,8 @@
-// The programs among others of the desktop: two copies of the tool, the board under it, the macro plug-in,
-// toolprobe.
+// The programs among others of the desktop: two copies of the tool, the macro plug-in, toolprobe.
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
-#include "tests/board/bus_text.h"
 #include "tests/windows/story.h"
 
 namespace simulator {
@@ -64,39 +62,6 @@ TEST_F(ProgramsTest, NothingIsLoadedThatAStrangerLeftSomewhere) {
     fs::remove(place / "planted.dll");
   }
   fs::copy_file(devices / "vJoyInterface.dll", ProgramPath("vJoyInterface.dll"), kReplace);
-}
-
-class BoardTest : public StoryTest {
- protected:
-  // What the board was told since the last call.
-  veltra::BusLines NewTransfers() {
-    constexpr std::string_view kDevice = "i2c ";
-    std::ifstream file(ProgramPath("devices.log"));
-    veltra::BusLines lines;
-    for (std::string line; std::getline(file, line);)
-      if (line.starts_with(kDevice)) lines.push_back(line.substr(kDevice.size()));
-    lines.erase(lines.begin(), lines.begin() + static_cast<ptrdiff_t>(std::exchange(taken_, lines.size())));
-    return lines;
-  }
-
- private:
-  size_t taken_ = 0;
-};
-
-TEST_F(BoardTest, TheBusFromStartToExit) {
-  const veltra::BusText text;
-  Start("fault empty 100\nset WakeupDelay 0\nset DisableUSBBack 1\nset DisableUSBBottom 1\n");
-  EXPECT_EQ(NewTransfers(), text.Of({"radios", "supply", "codec", "download", "gains 7", "amplifier",
-                                     "speakers 00 off", "amplifiers", "reset", "profile 1", "speakers 00 on",
-                                     "headphones on", "speakers 30 on"}));
-  Play("suspend\n");
-  EXPECT_EQ(NewTransfers(), text.Of({"usb off", "suspend", "reset", "suspended"}));
-  Play("resume\n");
-  EXPECT_EQ(NewTransfers(), text.Of({"usb on", "supply", "codec", "download", "gains 7", "amplifier",
-                                     "speakers 30 off", "amplifiers", "reset", "profile 1", "speakers 30 on",
-                                     "headphones on", "speakers 30 on"}));
-  Play("close\ncheck exit 0\nexpect exactly board uninitialize\n");
-  EXPECT_EQ(NewTransfers(), text.Of({"exit", "reset", "exited"}));
 }
 
 // ---- the macro plug-in
