@@ -191,8 +191,13 @@ Result OnCommand(const WindowMessage& m) {
 
 // ---- timers -----------------------------------------------------------------------------------------------
 
+void OnBatteryTimer(UINT_PTR) {
+  RepeatLostReleases();
+  CheckBatteryAlarms();
+}
+
 constexpr RangeRow<void (*)(UINT_PTR timer)> kTimerRows[] = {
-    {kBatteryTimer, kBatteryTimer, [](UINT_PTR) { CheckBatteryAlarms(); }},
+    {kBatteryTimer, kBatteryTimer, OnBatteryTimer},
     {kResumeTimer, kResumeTimer, [](UINT_PTR) { OnResumeTimer(); }},
     {kMiddleButtonTimer, kMiddleButtonTimer, OnLongPressTimer},
     {kFlightModeTimer, kFlightModeTimer, [](UINT_PTR) { OnFlightModeTimer(); }},

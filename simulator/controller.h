@@ -151,6 +151,7 @@ class Controller {
   void OnTraffic(std::function<void(const Traffic&)> listener) { onTraffic_ = std::move(listener); }
   // Everything that asked for a reply, in order; repeats that the controller asked for included.
   [[nodiscard]] const std::vector<ReceivedRequest>& Requests() const { return requests_; }
+  void ForgetRequests() { requests_.clear(); }
   // What the tool did wrong: bad frames, and requests sent before the one before was answered.
   [[nodiscard]] const std::vector<std::string>& Violations() const { return violations_; }
 

@@ -187,6 +187,7 @@ void FilterSwitch(const SwitchEvent& event) {
 
 void HandleSwitchEvent(const SwitchEvent& event) {
   SetThreadExecutionState(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED);  // switches the display on
+  RepeatLostReleases();
   for (const SideButton& button : kSideButtons)
     if (button.button == event.button) return OnSideButton(button, event.pressed);
   FilterSwitch(event);

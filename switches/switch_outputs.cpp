@@ -69,7 +69,6 @@ void TellOfRelease(const HeldOutput& held) {
 void PressSwitch(SwitchIndex index) {
   HeldOutput& held = Switches().heldOutputs[index];
   const int32_t value = SettingOf(index);
-  RepeatLostReleases();
   if (held.value && *held.value != value) ReleaseHeldSwitch(index);
   held = {};
   held.value = value;

@@ -12,7 +12,8 @@ void ReleaseSwitch(SwitchIndex index);
 // While Windows' own desktop has the screen it takes no input, and so no release. What is held when the
 // screen is locked may be released before it is unlocked.
 void NoteLockedScreen();
-// Releases once more what was released meanwhile; so does the next press.
+// Releases once more what was released meanwhile. Windows does not tell when a desktop for a question of its
+// own goes, so every event of a button does this, and the timer of the battery.
 void RepeatLostReleases();
 // The screen is unlocked: the same, and what goes through Windows' input and is held now. Nothing else was
 // locked.

@@ -38,7 +38,7 @@ WideText Bind(UniqueModule& module, const WCHAR* fileName, const Export<Function
     wanted.function = FindExport<Function>(module.Get(), wanted.name);
     if (wanted.function) return;
     error = GetLastError();
-    missing += TEXT(" ") + Widen(wanted.name);
+    missing.append(TEXT(" ")).append(Widen(wanted.name));
   };
   module.Reset(LoadOwnLibrary(fileName));
   if (!module) return FormatText(TEXT("%s: Windows error %d"), fileName, GetLastError());

@@ -108,6 +108,11 @@ const std::vector<Effect>& Machine::Effects() const {
   return state_->effects;
 }
 
+void Machine::ForgetEffects() {
+  const MachineLock lock(state_->mutex);
+  state_->effects.clear();
+}
+
 void Machine::OnEffect(std::function<void(const Effect&)> listener) {
   const MachineLock lock(state_->mutex);
   state_->effectListener = std::move(listener);

@@ -87,6 +87,8 @@ class Machine {
   // Everything that the program did to the machine, in order. With wall time look at it only where the
   // program does not run: in the condition of AdvanceUntil, in a listener, or when the program has ended.
   [[nodiscard]] const std::vector<Effect>& Effects() const;
+  // Those so far are gone, for whoever watches a long time.
+  void ForgetEffects();
   // The listener is called at each effect, on the thread that has it, and must not wait.
   void OnEffect(std::function<void(const Effect&)> listener);
   // For devices behind loadable modules (the joystick, the board): adds their own effect to the stream.

@@ -22,9 +22,11 @@ const Model::Row Model::kRows[] = {
     {"effect", "serial COM2 opened", &Model::Open},
     {"effect", "serial COM2 closed", &Model::Close},
     {"effect", "program ends", &Model::Close},
+    {"effect", "program ends", &Model::End},
     {"effect", "power off", &Model::TakeBack},
     {"controller ->", "Resend", &Model::MayAskAgain},
     {">", "controller-power off", &Model::LoseFrames},
+    {">", "controller-power off", &Model::Cancel},
     {">", "port", &Model::LoseFrames},
     {">", "fail", &Model::SpoilDisk},
     {">", "suspend", &Model::Suspend},
@@ -39,8 +41,7 @@ const Model::Row Model::kRows[] = {
     {"effect", "may sleep", &Model::EndUpdate},
     {"controller ->", "Firmware=", &Model::TakeBack},
     {">", "app", &Model::TakeBack},
-    {">", "app hang", &Model::Hang},
-    {">", "app wake", &Model::Wake},
+    {">", "app hang", &Model::LoseFrames},
     {">", "app close", &Model::LoseReceiver},
     {">", "tray", &Model::TakeBack},
     {">", "quit", &Model::TakeBack},
@@ -85,6 +86,7 @@ void Model::Take(const TimelineEntry& entry) {
   if (entry.who == "tool ->") Say(entry.text);
   if (entry.who == "effect") Did(entry.text);
   if (entry.who == ">") Ask(entry.text);
+  if (entry.who == ">") Watch(entry.text);
 }
 
 std::string Model::Describe(const Awaited& awaited) {
@@ -106,9 +108,16 @@ void Model::MayAskAgain() {
 
 // ---- reasons why something may come to nothing
 
+// What it could not release on a locked screen nobody can any more.
+void Model::End() {
+  if (!isLocked_) return;
+  isHeld_.fill(false);
+  heldOutputs_.clear();
+}
+
 // It knows nothing of what was before.
 void Model::Start() {
-  isAsleep_ = false;
+  isAsleep_ = isUpdating_ = hasUpdated_ = false;
   isTakenBack_.fill(false);
 }
 
@@ -137,19 +146,17 @@ void Model::TakeBack() {
 
 void Model::Answer() {
   isAwaiting_ = false;
-  if (isUpdating_) TakeBack();
+  if (hasUpdated_) TakeBack();  // the bootloader may be there, late
 }
 
 // Who took a letter is gone, and holds nothing any more.
 void Model::LoseReceiver() {
-  isHung_ = false;
   for (size_t i = 0; i < kSwitches; ++i)
     if (outputs_[i].starts_with("message")) isHeld_[i] = false;
 }
 
 void Model::Close() {
   isOpen_ = false;
-  isUpdating_ = false;
   LoseFrames();
   Cancel();
 }
@@ -157,11 +164,6 @@ void Model::Close() {
 void Model::Suspend() {
   isAsleep_ = true;
   TakeBack();
-}
-
-void Model::Hang() {
-  isHung_ = true;
-  LoseFrames();
 }
 
 void Model::Lock() {
@@ -182,7 +184,7 @@ void Model::Show() {
 
 // Its command that was not answered in time is given up, and so is what was not answered before it.
 void Model::BeginUpdate() {
-  isUpdating_ = true;
+  isUpdating_ = hasUpdated_ = true;
   TakeBack();
   MayAskAgain();
   for (Awaited& awaited : awaited_)
@@ -230,13 +232,15 @@ void Model::HearButton(size_t button, bool isPress, bool isDoubtful) {
   const bool isSwitch = button < kSwitches;
   const bool wasPressed = std::exchange(isPressed_[button], isPress);
   if (isPress) isTakenBack_[button] = false;
-  const bool isExcused = isDoubtful || (isSwitch ? isShown_ || isLocked_ || isHung_ : isPress && isUpdating_);
+  const bool isExcused =
+      isDoubtful || (isSwitch ? isShown_ || isLocked_ || !hung_.empty() : isPress && isUpdating_);
   const bool isDone = !isPress && std::exchange(isTakenBack_[button], false) && !isHeld_[button];
   if (!isDone) awaited_.push_back({isPress ? Kind::kDown : Kind::kUp, button, isExcused, now_});
   if (isSwitch) return;
   if (isPress) {
     if (armed_[button] || wasPressed)  // a press without a release before it: time counts from this one
       for (Awaited& awaited : actions_[button]) awaited.isExcused = true;
+    if (armed_[button]) actions_[button].push_back({Kind::kLong, button, true, now_});
     armed_[button] = Armed{now_, isDoubtful || isAsleep_ || isUpdating_};
     return;
   }
@@ -246,6 +250,11 @@ void Model::HearButton(size_t button, bool isPress, bool isDoubtful) {
 }
 
 void Model::FireTimers() {
+  const auto isStale = [this](const Awaited& awaited) {
+    return awaited.isExcused && now_ - awaited.since > kPatience;
+  };
+  std::erase_if(awaited_, isStale);
+  for (std::deque<Awaited>& queue : actions_) std::erase_if(queue, isStale);
   for (size_t i = 0; i < kButtons; ++i) {
     if (!armed_[i] || now_ < armed_[i]->since + kLongPress) continue;
     actions_[i].push_back({Kind::kLong, i, armed_[i]->isExcused || isLocked_, now_});
@@ -285,15 +294,20 @@ void Model::Did(const std::string& text) {
     };
     const auto next = std::find_if(std::next(fits), queue.end(), mayBeMeant);
     if (fits->isExcused && next != queue.end()) next->isExcused = true;
-    for (auto passed = queue.begin(); passed != fits; ++passed)
+    for (auto passed = queue.begin(); passed != fits; ++passed) {
+      passed->isExcused = true;
       if (passed->kind == Kind::kUp) isTakenBack_[passed->button] = false;
-    queue.erase(queue.begin(), std::next(fits));
+    }
+    queue.erase(fits);
     return;
   }
+  if (kind == Kind::kUp && !hung_.empty()) return;  // of a press that nobody took
   if (kind != Kind::kUp || mayBeTakenBack_[button] == 0)
     return Complain("without a reason, or twice: " + text +
                     (fits == queue.end() ? "" : ", before the " + Describe(*fits)));
   --mayBeTakenBack_[button];
+  for (Awaited& awaited : queue)  // it may have been its own release
+    if (awaited.button == button && !wasHeld) awaited.isExcused = true;
   isTakenBack_[button] = wasHeld;
 }
 
@@ -311,6 +325,14 @@ void Model::Ask(std::string_view command) {
   const size_t begin = command.find('"') + 1;
   questions_.push_back({std::string(command.substr(begin, command.find('"', begin) - begin)),
                         !isOpen_ || now_ <= mayAskAgainUntil_});
+}
+
+// Who looks at no messages gets no letter of a switch either.
+void Model::Watch(std::string_view command) {
+  constexpr std::string_view kHang = "app hang ";
+  if (command.starts_with(kHang)) hung_.insert(std::string(command.substr(kHang.size())));
+  for (const std::string_view act : {"app wake ", "app close "})
+    if (command.starts_with(act)) hung_.erase(std::string(command.substr(act.size())));
 }
 
 void Model::Say(std::string_view text) {

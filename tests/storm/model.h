@@ -95,11 +95,13 @@ class Model {
   void Did(const std::string& text);
   void CountHeld(const std::string& text);
   void Ask(std::string_view command);
+  void Watch(std::string_view command);
   void FireTimers();
   static std::string Describe(const Awaited& awaited);
   void Complain(std::string what);
 
   void Start();
+  void End();
   void Open();
   void Close();
   void LoseFrames();
@@ -107,8 +109,6 @@ class Model {
   void LoseReceiver();
   void Suspend();
   void Resume() { isAsleep_ = false; }
-  void Hang();
-  void Wake() { isHung_ = false; }
   void Lock();
   void Unlock();
   void Show();
@@ -124,12 +124,13 @@ class Model {
   Duration now_{0};
   Problem complaint_;
 
+  std::set<std::string> hung_;  // applications
   bool isOpen_ = false;
   bool isAsleep_ = false;
   bool isLocked_ = false;
-  bool isHung_ = false;   // an application that may take the switches
   bool isShown_ = false;  // the options
   bool isUpdating_ = false;
+  bool hasUpdated_ = false;  // since the tool was started
   bool isAwaiting_ = false;  // the tool, an answer of the controller
   bool mayAskAgain_ = false;
   Duration mayAskAgainUntil_{0};
