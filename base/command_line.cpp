@@ -13,8 +13,9 @@ struct Spelling {
 };
 
 constexpr Spelling kSpellings[] = {
-    {"-", "?", &CommandLine::help},         {"--", "help", &CommandLine::help},
-    {"-", "s", &CommandLine::silent},       {"-", "silent", &CommandLine::silent},
+    {"-", "?", &CommandLine::help},
+    {"--", "help", &CommandLine::help},
+    {"-", "silent", &CommandLine::silent},  // or -s, like every beginning that is of one option alone
     {"-", "v5", &CommandLine::openOptions},
 };
 

@@ -76,7 +76,7 @@ Data CodecProgramImage() {
 }
 
 Data CodecParameterImage() {
-  Data image = Repeat(kCodecParameterBytes / kCodecOne.size(), Data(kCodecOne.begin(), kCodecOne.end()));
+  Data image = Repeat(kCodecParameters, Data(kCodecOne.begin(), kCodecOne.end()));
   for (const CodecPair& pair : {kP1, kP2, kP3, kP4, kP5, kP6, kP7, kP8, kP9}) Put(image, pair, kCodecZero);
   for (const CodecSelector& selector : {kS1, kS2, kS3, kS4, kS5}) Put(image, selector, kCodecZero);
   for (const MicrophoneGain& gain : kMicrophoneGains) {

@@ -7,8 +7,8 @@
 
 namespace veltra {
 
-constexpr size_t kCodecProgramBytes = 5232;    // 872 words of 6 bytes
-constexpr size_t kCodecParameterBytes = 1268;  // 317 values of 4 bytes
+constexpr size_t kCodecProgramBytes = 5232;  // 872 words of 6 bytes
+constexpr size_t kCodecParameters = 317;     // of 4 bytes
 
 // One block write: the codec's 16-bit address and the data.
 struct CodecBlock {

@@ -66,7 +66,6 @@ void ReadRow(BootEffects& effects, uint32_t row) {
 // ---- what an answer leads to
 
 void OnErased(BootSequence& sequence, BootEffects& effects) {
-  if (sequence.eraseQueue.empty()) return;
   sequence.eraseQueue.pop_front();
   if (!sequence.eraseQueue.empty()) return ErasePage(effects, sequence.eraseQueue.front());
   sequence.state = BootState::kWriting;
@@ -74,7 +73,6 @@ void OnErased(BootSequence& sequence, BootEffects& effects) {
 }
 
 void OnWritten(BootSequence& sequence, BootEffects& effects) {
-  if (sequence.writeQueue.empty()) return;
   sequence.writeQueue.pop_front();
   if (!sequence.writeQueue.empty()) return WriteRow(sequence, effects, sequence.writeQueue.front());
   sequence.state = BootState::kReading;

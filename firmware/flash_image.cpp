@@ -50,10 +50,8 @@ const FlashRow* FlashImage::FindRow(uint32_t rowAddress) const {
 }
 
 bool LoadFileImage(FlashImage& image, const HexBytes& bytes) {
-  for (const HexByte byte : bytes) {
-    if (byte.address >= kProgrammableWindow.back().end) break;
+  for (const HexByte byte : bytes)
     if (IsProgrammable(byte.address) && !image.SetByte(byte.address, byte.value)) return false;
-  }
   return true;
 }
 

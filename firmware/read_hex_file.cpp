@@ -15,9 +15,8 @@ constexpr size_t kPieceSize = size_t{64} << 10;
 bool ReadPiece(const UniqueFile& file, std::vector<char>& piece, uint64_t left) {
   piece.resize(static_cast<size_t>(std::min<uint64_t>(left, kPieceSize)));
   DWORD read = 0;
-  if (!ReadFile(file.Get(), piece.data(), static_cast<DWORD>(piece.size()), &read, nullptr)) return false;
-  piece.resize(read);
-  return read > 0;
+  return ReadFile(file.Get(), piece.data(), static_cast<DWORD>(piece.size()), &read, nullptr) &&
+         read == piece.size();
 }
 
 // To the size that the file has now; a file that ends earlier cannot be read.

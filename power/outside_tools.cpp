@@ -60,8 +60,8 @@ void SetBrightness(int32_t level) {
 void RunFlagToggler(const WideText& keyName, const WideText& valueName) {
   const UniqueKernelObject process =
       Start(TEXT("FlagToggler.exe"), TEXT("runas"),
-            FormatText(TEXT("OurQuietSmallMarker -KeyName %s -ValueName %s -SetValue %d"),
-                       QuoteArgument(keyName), QuoteArgument(valueName), 0),
+            FormatText(TEXT("OurQuietSmallMarker -KeyName \"%s\" -ValueName \"%s\" -SetValue %d"), keyName,
+                       valueName, 0),
             false);
   if (process) WaitForSingleObject(process.Get(), kToggleMs);
 }
@@ -69,20 +69,6 @@ void RunFlagToggler(const WideText& keyName, const WideText& valueName) {
 void CheckPowerFlags() {
   for (const PowerFlag& flag : kPowerFlags)
     if (IsOn(flag)) RunFlagToggler(flag.key, flag.value);
-}
-
-// A backslash counts as itself except before a quote, so those before a quote and at the end are doubled.
-WideText QuoteArgument(const WideText& text) {
-  WideText quoted(1, '"');
-  size_t backslashes = 0;
-  for (const WideChar c : text) {
-    if (c == '"') quoted.append(backslashes + 1, '\\');
-    backslashes = c == '\\' ? backslashes + 1 : 0;
-    quoted.push_back(c);
-  }
-  quoted.append(backslashes, '\\');
-  quoted.push_back('"');
-  return quoted;
 }
 
 }  // namespace veltra

@@ -11,14 +11,10 @@ namespace veltra {
 void SetBrightness(int32_t level);
 
 // Sets a 32-bit value under HKEY_LOCAL_MACHINE to 0 by "FlagToggler.exe", which asks the user for elevation.
-// Waits for it up to 5 s; failures are ignored.
+// Waits for it up to 5 s; failures are ignored. The names hold no double quote and no backslash at their end.
 void RunFlagToggler(const WideText& keyName, const WideText& valueName);
 
 // Turns two Windows power settings off that keep the tablet from standing by and starting properly.
 void CheckPowerFlags();
-
-// One argument of a command line, in double quotes, such that the program reads exactly this text whatever it
-// contains.
-WideText QuoteArgument(const WideText& text);
 
 }  // namespace veltra

@@ -49,7 +49,6 @@ void SetJoystickButton(bool down, UCHAR button) {
 
 void StopVirtualJoystick() {
   if (Switches().VJoyAcquired) Switches().joystick.RelinquishVJD(Switches().VJoyDeviceId);
-  Switches().VJoyAcquired = false;
 }
 
 }  // namespace veltra

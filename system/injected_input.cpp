@@ -12,8 +12,8 @@ namespace {
 bool IsOutOfReach(HWND window) {
   DWORD id = 0;
   GetWindowThreadProcessId(window, &id);
-  const UniqueKernelObject process(id == 0 ? nullptr : OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, id));
-  return id != 0 && !process && GetLastError() == ERROR_ACCESS_DENIED;
+  const UniqueKernelObject process(OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, id));  // 0 is no process
+  return !process && GetLastError() == ERROR_ACCESS_DENIED;
 }
 
 }  // namespace

@@ -81,6 +81,10 @@ TEST_F(DeviceOperations, TheCallProfileComesBackToWhereItWas) {
     Operate(17, value);
     EXPECT_EQ(simulator::TheBoard().codec[0xE280], (std::vector<uint8_t>{0, width})) << value;
   }
+  Operate(18, 0);  // no path at all
+  Did();
+  for (const int32_t value : {1, 0}) Operate(17, value);
+  EXPECT_EQ(Did({"debug setprofile"}).size(), 2U);
 }
 
 // ---- volumes ----------------------------------------------------------------------------------------------

@@ -1,3 +1,5 @@
+#include <commctrl.h>
+
 #include "tests/dialog_test.h"
 
 namespace veltra {
@@ -19,6 +21,9 @@ TEST_F(PowerMeter, ShowsTheAlarms) {
             (std::vector<int>{3, 6, 30}));
   EXPECT_FALSE(critical.isEnabled);
   EXPECT_TRUE(person::Look(IDP_LOW).hasFocus);
+  machine.desktop.Post(person::FrontDialog()->window, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, 9), 0);
+  Settle();
+  EXPECT_EQ(person::Look(IDP_CRITICAL_VALUE).text, u"9%");
 }
 
 }  // namespace

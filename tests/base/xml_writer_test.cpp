@@ -38,7 +38,7 @@ TEST(XmlWriter, ValuesHoldOnlyWhatADocumentCan) {
       {{u'a', 0xD83D}, u"a\uFFFD"},
       {{0xDE00, 0xD83D}, u"\uFFFD\uFFFD"},
       {{0xD83D, 0xD800, 0xDC00}, u"\uFFFD\U00010000"},
-      {{0xFFFE, 0xFFFF, 0xFFFD}, u"\uFFFD\uFFFD\uFFFD"},
+      {{0xFFFE, 0xFFFF, 0xE000}, u"\uFFFD\uFFFD\uE000"},
   };
   for (const auto& c : kCases)
     EXPECT_EQ(WriteXml({u"E", {{u"V", c.value}}, {}}),

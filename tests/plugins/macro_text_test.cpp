@@ -48,7 +48,7 @@ TEST(MacroText, WhatIsWrittenIsWhatIsDone) {
       {"{Win+7}", "keys 5B 37"},
       {"{Pause 500}x{pause 4500}", "pause 500; type x; pause 4500"},
       {"{{a}}{{{{", "type {a}{{"},
-      {"{ }{\"}x{+}{'}", "type  \"x+'"},
+      {"{ }{\"}x{+}{'}{:}", "type  \"x+':"},
       {"a\r\nb\nc\td", "type a; keys 0D; type b; keys 0D; type c; keys 09; type d"},
       {"{Rechts}{OMHOOG}{Spatie}", "keys 27; keys 26; keys 20"},
       {"{a}{9 99}", "keys 41; keys 39 x99"},

@@ -97,6 +97,7 @@ TEST_F(ProfileTest, AFileThatCannotBeWrittenStaysAsItWas) {
   machine_.Fail("MoveFileExW", 1, ERROR_ACCESS_DENIED);  // it cannot become UTF-16, but could be written
   Save({0, -1, u"\x0416"});
   EXPECT_EQ(File(), before);
+  EXPECT_FALSE(machine_.disk.Read(WideText(kProfile) + u".new"));
   machine_.disk.SetReadOnly(kProfile, true);
   Save({0, -1, u"\x0416"});
   EXPECT_EQ(File(), before);
