@@ -137,7 +137,6 @@ TEST_F(Startup, TheEndOfTheSessionShutsDownOnce) {
   tablet.Advance(1s);
   EXPECT_FALSE(machine.ExitCode());
   machine.desktop.Post(tablet.MainWindow(), WM_APP + 0xCD, 0x55, 2);  // bytes that are still on their way
-  machine.desktop.Post(tablet.MainWindow(), SimulatedTablet::kDeviceToolRequest, 13, 0);
   EXPECT_EQ(tablet.Ask(WM_ENDSESSION, TRUE), 0);
   tablet.Advance(1s);
   EXPECT_EQ(machine.ExitCode(), 0);

@@ -268,7 +268,8 @@ void Model::Did(const std::string& text) {
   CountHeld(text);
   const auto sign = signs_.find(text);
   if (sign == signs_.end()) return;
-  const auto [button, kind] = sign->second;
+  const size_t button = sign->second.button;
+  const Kind kind = sign->second.kind;
   const bool isAction = kind == Kind::kShort || kind == Kind::kLong;
   std::deque<Awaited>& queue = isAction ? actions_[button] : awaited_;
   const auto fits = std::ranges::find_if(queue, [&](const Awaited& awaited) {
