@@ -24,6 +24,7 @@ const Model::Row Model::kRows[] = {
     {"effect", "program ends", &Model::Close},
     {"effect", "program ends", &Model::End},
     {"effect", "power off", &Model::TakeBack},
+    {"effect", "tray 1978 removed", &Model::TakeBack},
     {"controller ->", "Resend", &Model::MayAskAgain},
     {">", "controller-power off", &Model::LoseFrames},
     {">", "controller-power off", &Model::Cancel},
@@ -251,7 +252,7 @@ void Model::HearButton(size_t button, bool isPress, bool isDoubtful) {
 
 void Model::FireTimers() {
   const auto isStale = [this](const Awaited& awaited) {
-    return awaited.isExcused && now_ - awaited.since > kPatience;
+    return awaited.isExcused && now_ - awaited.since > 3 * kPatience;  // a codec may fail again and again
   };
   std::erase_if(awaited_, isStale);
   for (std::deque<Awaited>& queue : actions_) std::erase_if(queue, isStale);
