@@ -12,6 +12,7 @@
 #include <sstream>
 
 #include "simulator/console.h"
+#include "simulator/joystick.h"
 #include "simulator/tablet_world.h"
 #include "tests/storm/weather.h"
 
@@ -21,8 +22,12 @@ namespace {
 // Lines that the console passes over.
 constexpr std::string_view kLeave = "# leave the dialogs";
 constexpr std::string_view kRest = "# at rest";
+constexpr std::string_view kLull = "# calm has come";
+constexpr std::string_view kUpdated = "dialog \"Firmware\": Firmware was updated successfully.";
 constexpr std::string_view kHeld[] = {"event",  "mutex", "file", "serial", "key",        "thread handle",
                                       "window", "timer", "menu", "brush",  "com object", "thread"};
+
+constexpr Duration kLongestWork = std::chrono::minutes(5);  // with a codec that fails and fails
 
 // A tablet in the storm, and what is wrong on it.
 class Story {
@@ -36,6 +41,7 @@ class Story {
     if (Wrong()) return;
     if (line == kLeave) return LeaveDialogs();
     if (line == kRest) return Rest();
+    if (line == kLull) return ExpectCalm();
     Do(line);
   }
 
@@ -52,6 +58,7 @@ class Story {
       Play("tap " + std::string(button.command));
     Play("wait 16s");
     Rest();
+    Play(std::string(kLull));
   }
 
   [[nodiscard]] const Problem& Wrong() const { return model_.Complaint() ? model_.Complaint() : wrong_; }
@@ -78,18 +85,35 @@ class Story {
 
   void Look(std::string_view refused = {}) {
     const auto& entries = console_.TheTimeline().Entries();
-    for (; looked_ < entries.size(); ++looked_)
-      if (entries[looked_].text != refused) model_.Take(entries[looked_]);
+    for (; looked_ < entries.size(); ++looked_) {
+      const std::string& text = entries[looked_].text;
+      if (text != refused) model_.Take(entries[looked_]);
+      if (text == "stays awake") update_ = console_.LastUpdate();
+      if (text.starts_with(kUpdated)) CheckFlash();
+    }
+  }
+
+  // Another update may have been asked for, and refused.
+  void CheckFlash() {
+    console_.LastUpdate() = update_;
+    if (const Problem problem = simulator::CheckFlash(console_, {}, true)) wrong_ = problem;
+  }
+
+  void ExpectCalm() {
+    lines_.emplace_back(kLull);
+    if (!model_.Unrest().empty()) wrong_ = "no calm comes, " + std::string(model_.Unrest());
   }
 
   void LeaveDialogs() {
     constexpr int kMost = 40;
     lines_.emplace_back(kLeave);
     for (int tried = 0; world_.FrontDialog() && tried < kMost; ++tried) {
-      for (const char* line : {"answer ok", "answer no", "press OK", "key escape", "wait 10s"})
+      for (const char* line : {"answer ok", "answer no", "press OK", "key escape"})
         if (!console_.RunLine(line)) Look();
       if (world_.FrontDialog() && world_.FrontDialog()->title == "Power meter")
         console_.RunLine("close-dialog");
+      console_.RunLine("wait 16s");
+      Look();
     }
     if (world_.FrontDialog()) wrong_ = "a dialog that nobody can leave: " + world_.FrontDialog()->title;
   }
@@ -110,13 +134,20 @@ class Story {
     Play("wait 20s");
   }
 
+  // Once the tool watches the battery, and has read what it was sent.
   void Rest() {
     lines_.emplace_back(kRest);
+    const pal::Machine& machine = world_.Tablet().Machine();
+    const auto waits = [&] { return machine.CountOpen("timer") > 0 && machine.QueuedMessages() == 0; };
+    const bool isAtWork = model_.Unrest().empty() && !world_.WaitUntil(waits, kLongestWork);
+    Look();
+    if (isAtWork && model_.Unrest().empty()) wrong_ = "it works and works";
     const auto file = [this](std::string_view name) {
       return world_.ReadFile(std::string(simulator::kDataFolder) + std::string(name)).value_or("");
     };
     model_.Rest(file("DevLog_pt2.txt") + file("DevLog.txt"));
-    if (!model_.IsCalm() || world_.FrontDialog()) return;
+    if (!model_.Unrest().empty() || world_.FrontDialog()) return;
+    if (simulator::TheJoystick().pressed != 0) wrong_ = "a joystick button is held";
     std::ostringstream held;
     for (const std::string_view kind : kHeld)
       held << kind << " " << world_.Tablet().Machine().CountOpen(kind) << ", ";
@@ -130,6 +161,7 @@ class Story {
   simulator::Console console_{world_, out_};
   Model model_;
   Problem wrong_;
+  simulator::UpdateRecord update_;  // the one that runs
   std::vector<std::string> lines_;
   std::string heldAtFirst_;
   size_t looked_ = 0;

@@ -7,7 +7,9 @@ namespace storm {
 namespace {
 
 constexpr Duration kLongPress = std::chrono::milliseconds(1500);
-constexpr Duration kBusy = std::chrono::seconds(6);  // mostly
+constexpr Duration kBusy = std::chrono::seconds(6);       // mostly
+constexpr Duration kLongBusy = std::chrono::seconds(15);  // with a codec that fails
+constexpr Duration kForgotten = 3 * kLongBusy;            // and fails again
 constexpr Duration kFrame = std::chrono::milliseconds(20);
 constexpr std::string_view kLetters[] = {"Dd", "Jj"};  // of the switches
 constexpr std::string_view kLetterReceivers[] = {"Talk Builder", "Lexora"};
@@ -16,45 +18,59 @@ std::string Numbers(std::string_view before, int first, int second) {
   return std::string(before) + " " + std::to_string(first) + " " + std::to_string(second);
 }
 
+// What may come to nothing.
+enum Excuse : unsigned {
+  kHolding = 1,  // what is pressed may be taken back, and side buttons do nothing
+  kFrames = 2,   // what the controller has said is lost
+  kAsking = 4,   // what was asked is not answered any more, or asked again. The tool may learn that late
+  kQuestions = 8,
+  kLog = 16,
+  kReleases = 32,  // what is pressed must be released
+};
+constexpr unsigned kLine = kFrames | kLog | kHolding;
+constexpr unsigned kAll = kLine | kQuestions | kAsking;
+
+std::string NameOf(size_t button) {
+  return std::string(simulator::kButtonNames[button].command);
+}
+
 }  // namespace
 
 const Model::Row Model::kRows[] = {
-    {"effect", "serial COM2 opened", &Model::Open},
-    {"effect", "serial COM2 closed", &Model::Close},
-    {"effect", "program ends", &Model::Close},
-    {"effect", "program ends", &Model::End},
-    {"effect", "power off", &Model::TakeBack},
-    {"effect", "tray 1978 removed", &Model::TakeBack},
-    {"controller ->", "Resend", &Model::MayAskAgain},
-    {">", "controller-power off", &Model::LoseFrames},
-    {">", "controller-power off", &Model::Cancel},
-    {">", "port", &Model::LoseFrames},
-    {">", "fail", &Model::SpoilDisk},
-    {">", "suspend", &Model::Suspend},
-    {">", "resume", &Model::Resume},
-    {"effect", "program starts", &Model::Start},
-    {">", "screen lock", &Model::Lock},
-    {">", "screen cover", &Model::Lock},
-    {">", "screen un", &Model::Unlock},
-    {"effect", "dialog \"Options\" shown", &Model::Show},
-    {"effect", "dialog \"Options\" hidden", &Model::Hide},
-    {"effect", "stays awake", &Model::BeginUpdate},
-    {"effect", "may sleep", &Model::EndUpdate},
-    {"controller ->", "Firmware=", &Model::TakeBack},
-    {">", "app", &Model::TakeBack},
-    {">", "app hang", &Model::LoseFrames},
-    {">", "app close", &Model::LoseReceiver},
-    {">", "tray", &Model::TakeBack},
-    {">", "quit", &Model::TakeBack},
-    {">", "close", &Model::TakeBack},
-    {">", "update", &Model::TakeBack},
-    {">", "end-session", &Model::LoseFrames},
-    {">", "send-data 3", &Model::Cancel},
-    {"controller ->", "reply", &Model::Answer},
-    {"controller ->", "erased", &Model::Answer},
-    {"controller ->", "written", &Model::Answer},
-    {"controller ->", "row", &Model::Answer},
-    {"controller ->", "finish", &Model::Answer},
+    {"effect", "serial COM2 opened", 0, &Model::isOpen_, true, &Model::Open},
+    {"effect", "serial COM2 closed", kAll | kReleases, &Model::isOpen_, false},
+    {"effect", "program ends", kAll, &Model::isOpen_, false, &Model::End},
+    {"effect", "program starts", 0, nullptr, false, &Model::Start},
+    {"effect", "power off", kHolding},
+    {"effect", "tray 1978 removed", kHolding},
+    {"effect", "dialog \"Options\" shown", kLine, &Model::isShown_, true},
+    {"effect", "dialog \"Options\" hidden", 0, &Model::isShown_, false},
+    {"effect", "stays awake", kHolding | kAsking | kReleases, &Model::isUpdating_, true, &Model::BeginUpdate},
+    {"effect", "may sleep", kAsking, &Model::isUpdating_, false},
+    {"controller ->", "Resend", kAsking},
+    {"controller ->", "Firmware=", kHolding},
+    {"controller ->", "reply", 0, &Model::isAwaiting_, false, &Model::Answer},
+    {"controller ->", "erased", 0, &Model::isAwaiting_, false, &Model::Answer},
+    {"controller ->", "written", 0, &Model::isAwaiting_, false, &Model::Answer},
+    {"controller ->", "row", 0, &Model::isAwaiting_, false, &Model::Answer},
+    {"controller ->", "finish", 0, &Model::isAwaiting_, false, &Model::Answer},
+    {">", "controller-power off", kAll},
+    {">", "port", kLine},
+    {">", "fail", kLog | kQuestions | kAsking},
+    {">", "suspend", kHolding | kReleases, &Model::isAsleep_, true},
+    {">", "resume", 0, &Model::isAsleep_, false},
+    {">", "screen lock", kLine, &Model::isLocked_, true, &Model::Lock},
+    {">", "screen cover", kLine, &Model::isLocked_, true, &Model::Lock},
+    {">", "screen un", kHolding, &Model::isLocked_, false},
+    {">", "app", kHolding},
+    {">", "app hang", kLine},
+    {">", "app close", 0, nullptr, false, &Model::LoseReceiver},
+    {">", "tray", kHolding},
+    {">", "quit", kHolding},
+    {">", "close", kHolding},
+    {">", "update", kHolding},
+    {">", "end-session", kLine},
+    {">", "send-data 3", kQuestions | kAsking},
 };
 
 Model::Model(const SwitchValue& switch1, const SwitchValue& switch2) {
@@ -81,8 +97,12 @@ Model::Model(const SwitchValue& switch1, const SwitchValue& switch2) {
 void Model::Take(const TimelineEntry& entry) {
   now_ = entry.at;
   FireTimers();
-  for (const Row& row : kRows)
-    if (entry.who == row.who && entry.text.starts_with(row.beginning)) (this->*row.act)();
+  for (const Row& row : kRows) {
+    if (entry.who != row.who || !entry.text.starts_with(row.beginning)) continue;
+    if (row.flag) this->*row.flag = row.isOn;
+    Excuse(row.excuses);
+    if (row.act) (this->*row.act)();
+  }
   if (entry.who == "controller ->") Hear(entry.text);
   if (entry.who == "tool ->") Say(entry.text);
   if (entry.who == "effect") Did(entry.text);
@@ -90,10 +110,14 @@ void Model::Take(const TimelineEntry& entry) {
   if (entry.who == ">") Watch(entry.text);
 }
 
+bool Model::Awaited::Fits(const Sign& sign) const {
+  return button == sign.button && (kind == sign.kind || (kind == Kind::kShortOrLong && sign.IsAction()));
+}
+
 std::string Model::Describe(const Awaited& awaited) {
-  constexpr std::string_view kWords[] = {"press", "release", "short press", "long press"};
-  return std::string(kWords[static_cast<size_t>(awaited.kind)]) + " of " +
-         std::string(simulator::kButtonNames[awaited.button].command) + " at " +
+  constexpr std::string_view kWords[] = {"press", "release", "short press", "long press",
+                                         "short or long press"};
+  return std::string(kWords[static_cast<size_t>(awaited.kind)]) + " of " + NameOf(awaited.button) + " at " +
          simulator::FormatSeconds(awaited.since);
 }
 
@@ -101,122 +125,92 @@ void Model::Complain(std::string what) {
   if (!complaint_) complaint_ = simulator::FormatSeconds(now_) + "  " + std::move(what);
 }
 
-// What was asked may be over, or is asked again. The tool may learn that late.
-void Model::MayAskAgain() {
-  mayAskAgain_ = true;
-  mayAskAgainUntil_ = now_ + kBusy;
-}
-
 // ---- reasons why something may come to nothing
 
-// What it could not release on a locked screen nobody can any more.
-void Model::End() {
-  if (!isLocked_) return;
-  isHeld_.fill(false);
-  heldOutputs_.clear();
+template <class Act>
+void Model::ForAwaited(Act act) {
+  for (Account& account : accounts_)
+    for (Awaited& awaited : account.awaited) act(awaited);
 }
 
-// It knows nothing of what was before.
-void Model::Start() {
-  isAsleep_ = isUpdating_ = hasUpdated_ = false;
-  isTakenBack_.fill(false);
-}
-
-// What was on its way when the line came.
-void Model::Open() {
-  isOpen_ = true;
-  mayAskAgainUntil_ = now_ + kPatience;  // what was asked before is answered late, and asked again
-  for (const Awaited& awaited : std::exchange(onTheWay_, {}))
-    if (now_ - awaited.since < kFrame) HearButton(awaited.button, awaited.kind == Kind::kDown, true);
-}
-
-void Model::LoseFrames() {
-  for (Awaited& awaited : awaited_) awaited.isExcused = true;
-  for (Line& line : logLines_) line.isExcused = true;
-  TakeBack();
-}
-
-void Model::TakeBack() {
+void Model::Excuse(unsigned what) {
+  if (what & kFrames) ForAwaited([](Awaited& awaited) { awaited.isExcused |= !awaited.IsAction(); });
+  if (what & kLog)
+    for (Line& line : logLines_) line.isExcused = true;
+  if (what & kQuestions)
+    for (Line& question : questions_) question.isExcused = true;
+  if (what & kAsking) {
+    mayAskAgain_ = true;
+    mayAskAgainUntil_ = now_ + kBusy;
+  }
+  if (what & kReleases)
+    for (size_t i = 0; i < kSwitches; ++i)
+      if (isHeld_[i]) mustBeReleasedBy_[i] = now_ + kForgotten;
+  if (!(what & kHolding)) return;
   lastReason_ = now_;
-  for (int& times : mayBeTakenBack_) times = std::max(times, 1);
-  for (auto& queue : actions_)
-    for (Awaited& awaited : queue) awaited.isExcused = true;
+  for (Account& account : accounts_)
+    for (int& times : account.mayBeTakenBack) times = std::max(times, 1);
+  ForAwaited([](Awaited& awaited) { awaited.isExcused |= awaited.IsAction(); });
   for (std::optional<Armed>& armed : armed_)
     if (armed) armed->isExcused = true;
 }
 
+// It knows nothing of what was before.
+void Model::Start() {
+  isAsleep_ = isShown_ = isUpdating_ = hasUpdated_ = false;
+}
+
+// What it could not release on a locked screen nobody can any more.
+void Model::End() {
+  if (!isLocked_) return;
+  for (size_t i = 0; i < kButtons; ++i) NoteHeld(i, false);
+  heldOutputs_.clear();
+}
+
+// What was on its way when the line came is heard; what was asked before is answered late, and asked again.
+void Model::Open() {
+  mayAskAgainUntil_ = now_ + kLongBusy;
+  for (const Awaited& awaited : std::exchange(onTheWay_, {}))
+    if (now_ - awaited.since < kFrame) HearButton(awaited.button, awaited.kind == Kind::kDown, true);
+}
+
+// The bootloader may be there, late.
 void Model::Answer() {
-  isAwaiting_ = false;
-  if (hasUpdated_) TakeBack();  // the bootloader may be there, late
+  if (hasUpdated_) Excuse(kHolding);
 }
 
 // Who took a letter is gone, and holds nothing any more.
 void Model::LoseReceiver() {
   for (size_t i = 0; i < kSwitches; ++i)
-    if (outputs_[i].starts_with("message")) isHeld_[i] = false;
+    if (outputs_[i].starts_with("message")) NoteHeld(i, false);
 }
 
-void Model::Close() {
-  isOpen_ = false;
-  LoseFrames();
-  Cancel();
-}
-
-void Model::Suspend() {
-  isAsleep_ = true;
-  TakeBack();
-}
-
+// And what Windows kept is released once more.
 void Model::Lock() {
-  isLocked_ = true;
-  LoseFrames();
-  mayBeTakenBack_.fill(2);  // and what Windows kept held once more
+  for (Account& account : accounts_) account.mayBeTakenBack.fill(2);
 }
 
-void Model::Unlock() {
-  isLocked_ = false;
-  TakeBack();
-}
-
-void Model::Show() {
-  isShown_ = true;
-  LoseFrames();
-}
-
-// Its command that was not answered in time is given up, and so is what was not answered before it.
+// The command that was not answered in time is given up, and so is what was not answered before it.
 void Model::BeginUpdate() {
-  isUpdating_ = hasUpdated_ = true;
-  TakeBack();
-  MayAskAgain();
-  for (Awaited& awaited : awaited_)
-    if (awaited.kind == Kind::kDown && awaited.button >= kSwitches) awaited.isExcused = true;
+  hasUpdated_ = true;
+  ForAwaited([](Awaited& awaited) {
+    awaited.isExcused |= awaited.kind == Kind::kDown && awaited.button >= kSwitches;
+  });
 }
 
-void Model::EndUpdate() {
-  isUpdating_ = false;
-  MayAskAgain();
-}
-
-void Model::Cancel() {
-  MayAskAgain();
-  for (Line& question : questions_) question.isExcused = true;
-}
-
-void Model::SpoilDisk() {
-  for (Line& line : logLines_) line.isExcused = true;
-  Cancel();
-}
-
-bool Model::IsCalm() const {
-  return isOpen_ && !isAsleep_ && !isLocked_ && !isShown_ && !isUpdating_;
+std::string_view Model::Unrest() const {
+  if (isAsleep_) return "it sleeps";
+  if (isLocked_) return "the screen is locked";
+  if (isShown_) return "the options are shown";
+  if (isUpdating_) return "an update runs";
+  return isOpen_ ? "" : "the line is closed";
 }
 
 // ---- what the controller says
 
 void Model::Hear(std::string_view text) {
   const bool isSpoilt = text.starts_with("bytes") || text.ends_with(')');
-  if (isSpoilt) Cancel();  // the third drops what waits, and what was sent
-  if (isSpoilt) return;
+  if (isSpoilt) return Excuse(kQuestions | kAsking);  // the third drops what waits, and what was sent
   if (isOpen_ && text.starts_with("log note")) logLines_.push_back({std::string(text.substr(4)), false});
   for (size_t i = 0; i < kButtons; ++i) {
     const std::string_view name = simulator::kButtonNames[i].wire;
@@ -225,92 +219,103 @@ void Model::Hear(std::string_view text) {
     if (isOpen_)
       HearButton(i, isPress, false);
     else
-      onTheWay_.push_back({isPress ? Kind::kDown : Kind::kUp, i, true, now_});
+      onTheWay_.push_back({{isPress ? Kind::kDown : Kind::kUp, i}, true, now_});
   }
+}
+
+void Model::Await(Kind kind, size_t button, bool isExcused) {
+  for (Account& account : accounts_) account.awaited.push_back({{kind, button}, isExcused, now_});
 }
 
 void Model::HearButton(size_t button, bool isPress, bool isDoubtful) {
   const bool isSwitch = button < kSwitches;
   const bool wasPressed = std::exchange(isPressed_[button], isPress);
-  if (isPress) isTakenBack_[button] = false;
-  const bool isExcused =
-      isDoubtful || (isSwitch ? isShown_ || isLocked_ || !hung_.empty() : isPress && isUpdating_);
-  const bool isDone = !isPress && std::exchange(isTakenBack_[button], false) && !isHeld_[button];
-  if (!isDone) awaited_.push_back({isPress ? Kind::kDown : Kind::kUp, button, isExcused, now_});
+  const std::optional<Armed> armed = std::exchange(armed_[button], std::nullopt);
+  Await(isPress ? Kind::kDown : Kind::kUp, button,
+        isDoubtful || (isSwitch ? isShown_ || isLocked_ || !hung_.empty() : isPress && isUpdating_));
   if (isSwitch) return;
   if (isPress) {
-    if (armed_[button] || wasPressed)  // a press without a release before it: time counts from this one
-      for (Awaited& awaited : actions_[button]) awaited.isExcused = true;
-    if (armed_[button]) actions_[button].push_back({Kind::kLong, button, true, now_});
+    if (armed || wasPressed)  // a press without a release before it: time counts from this one
+      ForAwaited(
+          [&](Awaited& awaited) { awaited.isExcused |= awaited.IsAction() && awaited.button == button; });
+    if (armed) Await(Kind::kLong, button, true);
     armed_[button] = Armed{now_, isDoubtful || isAsleep_ || isUpdating_};
-    return;
+  } else if (armed) {
+    const bool isShort = now_ + kFrame < armed->since + kLongPress;
+    Await(isShort ? Kind::kShort : Kind::kShortOrLong, button, armed->isExcused || isLocked_);
+  } else {
+    ForAwaited([&](Awaited& awaited) {
+      if (awaited.kind == Kind::kLong && awaited.button == button && now_ < awaited.since + kFrame)
+        awaited.kind = Kind::kShortOrLong;
+    });
   }
-  if (!armed_[button]) return;
-  actions_[button].push_back({Kind::kShort, button, armed_[button]->isExcused || isLocked_, now_});
-  armed_[button].reset();
 }
 
 void Model::FireTimers() {
-  const auto isStale = [this](const Awaited& awaited) {
-    return awaited.isExcused && now_ - awaited.since > 3 * kPatience;  // a codec may fail again and again
-  };
-  std::erase_if(awaited_, isStale);
-  for (std::deque<Awaited>& queue : actions_) std::erase_if(queue, isStale);
-  for (size_t i = 0; i < kButtons; ++i) {
+  for (Account& account : accounts_)
+    std::erase_if(account.awaited, [this](const Awaited& awaited) {
+      return awaited.isExcused && now_ - awaited.since > kForgotten;
+    });
+  for (size_t i = 0; i < kSwitches; ++i)
+    if (now_ > mustBeReleasedBy_[i].value_or(now_)) Complain("still held: " + NameOf(i));
+  for (size_t i = kSwitches; i < kButtons; ++i) {
     if (!armed_[i] || now_ < armed_[i]->since + kLongPress) continue;
-    actions_[i].push_back({Kind::kLong, i, armed_[i]->isExcused || isLocked_, now_});
+    Await(Kind::kLong, i, armed_[i]->isExcused || isLocked_);
     armed_[i].reset();
   }
 }
 
 // ---- what the tool does
 
+bool Model::MayBeMissing(const Awaited& awaited) const {
+  return awaited.isExcused || (awaited.kind == Kind::kUp && !isHeld_[awaited.button]);
+}
+
 void Model::Did(const std::string& text) {
   CountHeld(text);
-  const auto sign = signs_.find(text);
-  if (sign == signs_.end()) return;
-  const size_t button = sign->second.button;
-  const Kind kind = sign->second.kind;
-  const bool isAction = kind == Kind::kShort || kind == Kind::kLong;
-  std::deque<Awaited>& queue = isAction ? actions_[button] : awaited_;
-  const auto fits = std::ranges::find_if(queue, [&](const Awaited& awaited) {
-    const bool isHere = awaited.kind == kind && awaited.button == button;
-    // This took the last press back, and is not the release of the next.
-    const bool isNextPress = kind == Kind::kUp && awaited.kind == Kind::kDown && awaited.button == button &&
-                             mayBeTakenBack_[button] > 0 && button < kSwitches;
-    const bool mayBeMissing =
-        !isNextPress && (awaited.isExcused || (awaited.kind == Kind::kUp && !isHeld_[awaited.button]));
-    return isHere || !mayBeMissing;
-  });
-  const bool isAwaited = fits != queue.end() && fits->kind == kind && fits->button == button;
-  const bool wasHeld = isHeld_[button];
-  if (!isAction) isHeld_[button] = kind == Kind::kDown;
-  if (kind == Kind::kDown) {
-    mayBeTakenBack_[button] = isAsleep_ || (isAwaited && lastReason_ >= fits->since) ? 1 : 0;
-    isTakenBack_[button] = false;
-    outputs_[button] = text;
-  }
-  if (isAwaited) {
-    const auto mayBeMeant = [&](const Awaited& awaited) {
-      return awaited.kind == kind && awaited.button == button && !awaited.isExcused;
-    };
-    const auto next = std::find_if(std::next(fits), queue.end(), mayBeMeant);
-    if (fits->isExcused && next != queue.end()) next->isExcused = true;
-    for (auto passed = queue.begin(); passed != fits; ++passed) {
-      passed->isExcused = true;
-      if (passed->kind == Kind::kUp) isTakenBack_[passed->button] = false;
+  const auto found = signs_.find(text);
+  if (found == signs_.end()) return;
+  const Sign sign = found->second;
+  std::vector<Account> possible;
+  std::string before;
+  for (const Account& account : accounts_) {
+    Account rest = account;
+    for (size_t i = 0; i < rest.awaited.size();) {
+      const Awaited awaited = rest.awaited[i];
+      if (awaited.Line() != sign.Line()) {
+        ++i;
+        continue;
+      }
+      rest.awaited.erase(rest.awaited.begin() + static_cast<std::ptrdiff_t>(i));
+      if (awaited.Fits(sign)) {
+        possible.push_back(rest);
+        if (sign.kind == Kind::kDown)
+          possible.back().mayBeTakenBack[sign.button] = isAsleep_ || lastReason_ >= awaited.since ? 1 : 0;
+      }
+      if (MayBeMissing(awaited)) continue;
+      before = ", before the " + Describe(awaited);
+      break;
     }
-    queue.erase(fits);
-    return;
+    if (sign.kind == Kind::kUp && account.mayBeTakenBack[sign.button] > 0)
+      --possible.emplace_back(account).mayBeTakenBack[sign.button];
   }
-  if (kind == Kind::kUp && !hung_.empty()) return;  // of a press that nobody took
-  if (kind != Kind::kUp || mayBeTakenBack_[button] == 0)
-    return Complain("without a reason, or twice: " + text +
-                    (fits == queue.end() ? "" : ", before the " + Describe(*fits)));
-  --mayBeTakenBack_[button];
-  for (Awaited& awaited : queue)  // it may have been its own release
-    if (awaited.button == button && !wasHeld) awaited.isExcused = true;
-  isTakenBack_[button] = wasHeld;
+  const bool isOfNobody =
+      possible.empty() && sign.kind == Kind::kUp && !hung_.empty();  // nobody took the press
+  if (!sign.IsAction()) NoteHeld(sign.button, sign.kind == Kind::kDown);
+  if (sign.kind == Kind::kDown) outputs_[sign.button] = text;
+  if (possible.empty() && !isOfNobody) Complain("without a reason, or twice: " + text + before);
+  if (!possible.empty()) Keep(std::move(possible));
+}
+
+void Model::Keep(std::vector<Account> accounts) {
+  accounts_.clear();
+  for (Account& account : accounts)
+    if (std::ranges::find(accounts_, account) == accounts_.end()) accounts_.push_back(std::move(account));
+}
+
+void Model::NoteHeld(size_t button, bool isHeld) {
+  isHeld_[button] = isHeld;
+  mustBeReleasedBy_[button].reset();
 }
 
 void Model::CountHeld(const std::string& text) {
@@ -358,22 +363,18 @@ void Model::Say(std::string_view text) {
 // ---- afterwards
 
 void Model::Rest(std::string_view log) {
-  if (!IsCalm()) return;
-  const auto look = [this](const std::deque<Awaited>& queue) {
-    for (const Awaited& awaited : queue)
-      if (!awaited.isExcused && now_ - awaited.since > kPatience &&
-          (awaited.kind != Kind::kUp || isHeld_[awaited.button]))
-        Complain("lost: " + Describe(awaited));
-  };
-  look(awaited_);
-  awaited_.clear();
-  for (std::deque<Awaited>& queue : actions_) {
-    look(queue);
-    queue.clear();
-  }
+  if (!Unrest().empty()) return;
+  const auto isOld = [this](const Awaited& awaited) { return now_ - awaited.since > kLongPress; };
+  const auto isLost = [&](const Awaited& awaited) { return isOld(awaited) && !MayBeMissing(awaited); };
+  std::string lost;
+  ForAwaited([&](const Awaited& awaited) { lost = isLost(awaited) ? Describe(awaited) : lost; });
+  std::erase_if(accounts_,
+                [&](const Account& account) { return std::ranges::any_of(account.awaited, isLost); });
+  if (accounts_.empty()) return Complain("lost: " + lost);
+  for (Account& account : accounts_) std::erase_if(account.awaited, isOld);
+  Keep(std::exchange(accounts_, {}));
   for (size_t i = 0; i < kSwitches; ++i)
-    if (isHeld_[i] && !isPressed_[i])
-      Complain("nobody holds it: " + std::string(simulator::kButtonNames[i].command));
+    if (isHeld_[i] && !isPressed_[i]) Complain("nobody holds it: " + NameOf(i));
   if (!heldOutputs_.empty() && !isHeld_[0] && !isHeld_[1])
     Complain("nobody holds it: " + *heldOutputs_.begin());
 

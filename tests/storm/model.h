@@ -30,9 +30,6 @@ using simulator::TimelineEntry;
 constexpr size_t kButtons = std::size(simulator::kButtonNames);  // in their order; the first two are switches
 constexpr size_t kSwitches = 2;
 
-// The tool may be busy that long: with a program that hangs, with a codec.
-constexpr Duration kPatience = std::chrono::seconds(15);
-
 // What a setting of a switch lets it do, as the timeline says it.
 struct SwitchValue {
   std::string_view number;  // in the registry
@@ -56,22 +53,33 @@ class Model {
   void Take(const TimelineEntry& entry);
   // What was wrong first; empty as long as all is well.
   [[nodiscard]] const Problem& Complaint() const { return complaint_; }
-  // After a while without wind: what should have come has come. `log` is all of the tool's log.
+  // After a while without wind, when the tool has read all that it was sent: what should have come has come.
+  // `log` is all of the tool's log.
   void Rest(std::string_view log);
-  // The weather lets everything through: the line is open, nothing covers the screen, no update runs.
-  [[nodiscard]] bool IsCalm() const;
+  // What may keep a press from its effect; empty when nothing does.
+  [[nodiscard]] std::string_view Unrest() const;
 
  private:
-  enum class Kind { kDown, kUp, kShort, kLong };
+  enum class Kind { kDown, kUp, kShort, kLong, kShortOrLong };
   struct Sign {
-    size_t button;
     Kind kind;
+    size_t button;
+    [[nodiscard]] bool IsAction() const { return kind >= Kind::kShort; }
+    // What has the same number comes in its order.
+    [[nodiscard]] size_t Line() const { return IsAction() ? button : 0; }  // switches have no actions
+    bool operator==(const Sign&) const = default;
   };
-  struct Awaited {
-    Kind kind;
-    size_t button;
+  struct Awaited : Sign {
     bool isExcused;
     Duration since;
+    [[nodiscard]] bool Fits(const Sign& sign) const;
+    bool operator==(const Awaited&) const = default;
+  };
+  // One way in which it may have come about: which press an effect was of is not always certain.
+  struct Account {
+    std::vector<Awaited> awaited;
+    std::array<int, kButtons> mayBeTakenBack{};  // so often: there was a reason since it was pressed
+    bool operator==(const Account&) const = default;
   };
   struct Armed {
     Duration since;
@@ -81,43 +89,42 @@ class Model {
     std::string text;
     bool isExcused;
   };
+  // What happens, what may come to nothing then, and what else it means.
   struct Row {
     std::string_view who;
     std::string_view beginning;
-    void (Model::*act)();
+    unsigned excuses;
+    bool Model::*flag = nullptr;
+    bool isOn = false;
+    void (Model::*act)() = nullptr;
   };
   static const Row kRows[];
 
-  void AddSign(std::string text, size_t button, Kind kind) { signs_[std::move(text)] = {button, kind}; }
+  void AddSign(std::string text, size_t button, Kind kind) { signs_[std::move(text)] = {kind, button}; }
   void Hear(std::string_view text);
   void HearButton(size_t button, bool isPress, bool isDoubtful);
+  void Await(Kind kind, size_t button, bool isExcused);
   void Say(std::string_view text);
   void Did(const std::string& text);
+  void NoteHeld(size_t button, bool isHeld);
   void CountHeld(const std::string& text);
   void Ask(std::string_view command);
   void Watch(std::string_view command);
   void FireTimers();
+  [[nodiscard]] bool MayBeMissing(const Awaited& awaited) const;
+  void Keep(std::vector<Account> accounts);
+  template <class Act>
+  void ForAwaited(Act act);
+  void Excuse(unsigned what);
   static std::string Describe(const Awaited& awaited);
   void Complain(std::string what);
 
   void Start();
   void End();
   void Open();
-  void Close();
-  void LoseFrames();
-  void TakeBack();
   void LoseReceiver();
-  void Suspend();
-  void Resume() { isAsleep_ = false; }
   void Lock();
-  void Unlock();
-  void Show();
-  void Hide() { isShown_ = false; }
   void BeginUpdate();
-  void EndUpdate();
-  void MayAskAgain();
-  void Cancel();
-  void SpoilDisk();
   void Answer();
 
   std::map<std::string, Sign, std::less<>> signs_;
@@ -135,15 +142,13 @@ class Model {
   bool mayAskAgain_ = false;
   Duration mayAskAgainUntil_{0};
 
-  std::deque<Awaited> awaited_;   // presses and releases
-  std::deque<Awaited> onTheWay_;  // while the line is closed
-  std::array<std::deque<Awaited>, kButtons> actions_;
+  std::vector<Account> accounts_ = {{}};
+  std::vector<Awaited> onTheWay_;  // presses and releases while the line is closed
   std::array<std::optional<Armed>, kButtons> armed_;
-  std::array<bool, kButtons> isPressed_{};      // as the controller said last
-  std::array<bool, kButtons> isHeld_{};         // as the tool did last
-  std::array<int, kButtons> mayBeTakenBack_{};  // so often: there was a reason since it was pressed
-  Duration lastReason_{0};
-  std::array<bool, kButtons> isTakenBack_{};   // and it was
+  std::array<bool, kButtons> isPressed_{};  // as the controller said last
+  std::array<bool, kButtons> isHeld_{};     // as the tool did last
+  std::array<std::optional<Duration>, kButtons> mustBeReleasedBy_;
+  Duration lastReason_{0};                     // to take back what is pressed
   std::array<std::string, kButtons> outputs_;  // by which it was pressed last
   std::set<std::string> heldOutputs_;          // "mouse left", "key 0x20"
 

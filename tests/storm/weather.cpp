@@ -8,7 +8,7 @@
 namespace storm {
 namespace {
 
-// {a|b} is one of them, {1..9} a number, # a number that was not there before. Lines end at semicolons.
+// {a|b} is one of them, {1..9} a number, # the number of the act. Lines end at semicolons.
 struct Act {
   size_t weight;
   std::string_view lines;
@@ -62,9 +62,9 @@ constexpr Act kActs[] = {
     {1, "answer {ok|yes|no}"},
     {1, "press OK"},
     {1,
-     "firmware-file new.hex 0x{1800|2000|AA00} 0x{1900|12700|14700};fault {flip|mute|drop|power|empty} at "
-     "{1..8};update new.hex;wait {1..30}s"},
-    {1, "firmware-file new.hex 0x{1800|2000|AA00};update new.hex"},
+     "firmware-file #.hex 0x{1800|2000|AA00} 0x{1900|12700|14700};fault {flip|mute|drop|power|empty} at "
+     "{1..8};update #.hex;wait {1..30}s"},
+    {1, "firmware-file #.hex 0x{1800|2000|AA00};update #.hex"},
     {1, "{quit|quit no|close|end-session};wait {1..9}s;start -s"},
     {3, "start -s"},
 };
@@ -86,6 +86,7 @@ std::string Choose(std::string_view choices, Dice& dice) {
 
 std::vector<std::string> Fill(std::string_view lines, Dice& dice) {
   static int number = 0;
+  ++number;
   std::vector<std::string> filled(1);
   while (!lines.empty()) {
     const char c = lines.front();
@@ -93,7 +94,7 @@ std::vector<std::string> Fill(std::string_view lines, Dice& dice) {
     if (c == ';')
       filled.emplace_back();
     else if (c == '#')
-      filled.back() += std::to_string(++number);
+      filled.back() += std::to_string(number);
     else if (c == '{')
       filled.back() += Choose(lines.substr(1, end - 1), dice);
     else
