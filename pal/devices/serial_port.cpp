@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "pal/kernel/sync_objects.h"
+#include "pal/machine/die.h"
 #include "pal/machine/state.h"
 
 namespace pal {
@@ -43,6 +44,7 @@ std::optional<int> PortNumberOf(std::u16string_view name) {
 }
 
 void BeginOverlapped(State& state, OVERLAPPED& overlapped) {
+  if (!overlapped.hEvent) Die("a transfer without an event");
   overlapped.Internal = kUnderWay;
   overlapped.InternalHigh = 0;
   SetCompletionEvent(state, overlapped, false);

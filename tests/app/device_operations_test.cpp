@@ -127,11 +127,16 @@ TEST_F(DeviceOperations, AnEndpointThatFails) {
     EXPECT_EQ(Did({"i2c"}), Texts{"i2c 30: 05 22 00 3A 01 28"});
     EXPECT_EQ(machine.CountOpen("com object"), 0);
   }
-  machine.Fail("CoCreateInstance", 1, error);
-  machine.desktop.Post(tablet.MainWindow(), SimulatedTablet::kDeviceToolRequest, 11, 30);
-  tablet.Advance(1100ms);
-  EXPECT_EQ(Joined(Did({"debug SetSpeaker", "playback level", "box"})),
-            "debug SetSpeakerVolume failed: retrying; playback level 50 %");
+  const std::string retried = "debug SetSpeakerVolume failed: retrying; playback level 50 %";
+  machine.boxes.automaticAnswer = IDOK;
+  for (const auto& [step, box] :
+       {std::pair("CoCreateInstance", ""),
+        {"SetMasterVolumeLevelScalar", "box \"Fatal error\": The program will exit.; "}}) {
+    machine.Fail(step, 1, error);
+    machine.desktop.Post(tablet.MainWindow(), SimulatedTablet::kDeviceToolRequest, 11, 30);
+    tablet.Advance(1100ms);
+    EXPECT_EQ(Joined(Did({"debug SetSpeaker", "playback level", "box"})), box + retried);
+  }
 }
 
 // ---- outside tools ----------------------------------------------------------------------------------------

@@ -56,6 +56,12 @@ TEST_F(Options, ShowsTheSettings) {
                                          {IDO_BLUETOOTH, false},       {IDO_MOBILE_PHONE, true},
                                          {IDO_DISABLE_USB_BACK, true}, {IDO_DISABLE_USB_BOTTOM, false}};
   for (const auto& [id, checked] : checks) EXPECT_EQ(person::Look(id).isChecked, checked) << id;
+  for (const int first : {0, 1}) {  // there is another way to the version
+    machine.Fail("VerQueryValueW", 1, ERROR_GEN_FAILURE, first);
+    Leave(WayOut::kEscape);
+    OpenAgain(IDC_OPTIONS);
+    EXPECT_EQ(person::Look(IDO_DEVICE_VERSION).text, u"" VELTRA_VERSION);
+  }
 }
 
 TEST_F(Options, ListsHaveAValueForEachEntry) {
@@ -224,6 +230,8 @@ TEST_F(Indicator, TwoDoubleClicksOpenTheWayToTheUpdate) {
   EXPECT_EQ(Colours(), (Painted{kWhite, kWhite}));
 
   for (int n = 0; n < 3; ++n) person::DoubleClick(IDO_INDICATOR);
+  Settle();
+  EXPECT_EQ(New<pal::Beep>().size(), 3U);
   person::DoubleClick(IDO_PIC_VERSION);
   Settle();
   EXPECT_FALSE(IsOpen());

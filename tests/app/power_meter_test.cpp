@@ -7,7 +7,7 @@ namespace {
 
 using PowerMeter = DialogTest;
 
-TEST_F(PowerMeter, ShowsTheAlarms) {
+TEST_F(PowerMeter, ShowsTheAlarmsAndCloses) {
   SetUserValue(u"BattLowPercentage", 80);
   SetUserValue(u"BattCritPercentage", 6);
   SetUserValue(u"BattCrit", 0);
@@ -24,6 +24,15 @@ TEST_F(PowerMeter, ShowsTheAlarms) {
   machine.desktop.Post(person::FrontDialog()->window, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, 9), 0);
   Settle();
   EXPECT_EQ(person::Look(IDP_CRITICAL_VALUE).text, u"9%");
+
+  bool isFirst = true;  // closing fails, and is tried again
+  machine.OnEffect([&](const pal::Effect& effect) {
+    if (std::get_if<pal::TimerKilled>(&effect.detail) && std::exchange(isFirst, false))
+      throw std::bad_alloc();
+  });
+  Leave(WayOut::kCloseBox);
+  EXPECT_FALSE(isFirst);
+  EXPECT_FALSE(IsOpen());
 }
 
 }  // namespace

@@ -31,6 +31,8 @@ TEST_F(Tray, MenusOpenAtTheCursorAboveAndLeftOfIt) {
     const auto menus = New<pal::MenuShown>();
     ASSERT_EQ(menus.size(), 1U);
     EXPECT_EQ(menus[0].flags, static_cast<uint32_t>(TPM_RIGHTALIGN | TPM_BOTTOMALIGN | TPM_RIGHTBUTTON));
+    EXPECT_EQ(menus[0].x, machine.desktop.cursor.x);
+    EXPECT_EQ(menus[0].y, machine.desktop.cursor.y);
     EXPECT_EQ(menus[0].items[0].command, icon == 1977 ? 127U : 40211U);
     EXPECT_EQ(menus[0].items[0].text, icon == 1977 ? u"Open &Power Meter" : u"&Options");
     EXPECT_TRUE(machine.menus.Dismiss());

@@ -38,6 +38,7 @@ TEST(XmlWriter, ValuesHoldOnlyWhatADocumentCan) {
       {{u'a', 0xD83D}, u"a\uFFFD"},
       {{0xDE00, 0xD83D}, u"\uFFFD\uFFFD"},
       {{0xD83D, 0xD800, 0xDC00}, u"\uFFFD\U00010000"},
+      {{0xD83D, 0xE000}, u"\uFFFD\uE000"},
       {{0xFFFE, 0xFFFF, 0xE000}, u"\uFFFD\uFFFD\uE000"},
   };
   for (const auto& c : kCases)

@@ -227,20 +227,6 @@ TEST_F(BoardTest, WhatFailsForGoodEndsItsPartAlone) {
   EXPECT_EQ(tablet.Ask(kCodecStatusQuery), 1);
 }
 
-TEST_F(BoardTest, ALevelThatWindowsRefusesIsSaidAndTriedAgain) {
-  Start();
-  machine.Fail("SetMasterVolumeLevelScalar", 1, 0x80004005);
-  machine.desktop.Post(tablet.MainWindow(), simulator::SimulatedTablet::kDeviceToolRequest, 11, 30);
-  tablet.Advance(10ms);
-  ASSERT_EQ(machine.boxes.Shown().size(), 1U);
-  EXPECT_EQ(machine.boxes.Shown()[0].text, u"The program will exit.");
-  machine.boxes.Answer(IDOK);
-  tablet.Advance(999ms);
-  EXPECT_EQ(New<pal::PlaybackLevel>().size(), 0U);
-  tablet.Advance(2ms);
-  EXPECT_EQ(New<pal::PlaybackLevel>().size(), 1U);
-}
-
 TEST_F(BoardTest, WithItsPowerOffTheCodecIsLeftAlone) {
   Start();
   Suspend();

@@ -132,35 +132,6 @@ TEST(HexReader, CountsLinesAsEditorsDo) {
     }
 }
 
-TEST(HexReader, RemarksOnWhatIsAcceptedAndProbablyNotMeant) {
-  const struct {
-    std::string_view text;
-    std::vector<uint64_t> remarks;  // segment and odd upper line, unread length, replaced bytes
-  } kCases[] = {
-      {":020000040001F9\n:0100000001FE\n:00000001FF\n", {0, 0, 0, 0}},
-      {":020000000102FB\n:020000021000EC\n:020000021000EC\n:00000004FC\n:00000004FC\n:0100000001FE\n:"
-       "00000001FF",
-       {2, 4, 11, 1}},
-  };
-  for (const auto& c : kCases) {
-    const HexRemarks remarks = ReadHexText(c.text).remarks;
-    EXPECT_EQ((std::vector<uint64_t>{remarks.segmentLine, remarks.oddUpperLine, remarks.unreadLength,
-                                     remarks.replacedBytes}),
-              c.remarks);
-  }
-}
-
-TEST(HexBytes, KeepsRunsAsLongAsTheyCanBe) {
-  // 2 bytes each, out of order: 10 touches 12, 20 overlaps 21, 30 lies alone.
-  std::string text;
-  for (const unsigned address : {30U, 12U, 21U, 10U, 20U}) text += Record(0, address, {1, 2}) + "\n";
-  const HexBytes bytes = ReadHexText(text).bytes;
-  std::vector<std::pair<uint32_t, Data>> runs;
-  for (size_t n = 0; n < bytes.RunCount(); ++n)
-    runs.emplace_back(bytes.Run(n).address, Data(bytes.Run(n).bytes.begin(), bytes.Run(n).bytes.end()));
-  EXPECT_EQ(runs, (decltype(runs){{10, {1, 2, 1, 2}}, {20, {1, 2, 2}}, {30, {1, 2}}}));
-}
-
 // Texts as a hand or a linker may make them, every third one with a few characters changed.
 std::string RandomText(std::mt19937& random) {
   constexpr const char* kLines[] = {":020000040001F9",     ":02000004FFFFFC", ":020000040000FA",

@@ -81,7 +81,9 @@ TEST_F(Hexinfo, TellsWhatAnUpdateDoesWithAFile) {
            noEnd},
       // Bytes of the frames: enter 19, its reply 6; erase 9, twice, answer 5; write 265, answer 5; read 9,
       // answer 265; finish 5, answer 5.
-      {0, ":020000021000EC\n:00000004FC\n:0118000001E6\n:0118000002E5\n:00000001FF",
+      {0,
+       ":020000021000EC\n:00000004FC\n:020000021000EC\n:00000004FC\n:0118000001E6\n:0118000002E5\n:"
+       "00000001FF",
        "accepted: a.hex\n  1 byte in 1 range\n  1 page to erase, 1 row to write and read back\n"
        "  0.1 s at 57600 baud (602" +
            time + "  in the flash, CRC-32 DC3E41E4:\n    0x01800 to 0x018FF  256 bytes\n" + erased +

@@ -154,6 +154,14 @@ constexpr std::u16string_view kNothing = u"-";
 const std::vector<std::u16string_view> kSilent = {u"time-out 1", u"time-out 2", u"time-out 3", u"time-out 3",
                                                   u"time-out 4", u"time-out 4", u"time-out 5"};
 const std::vector<std::u16string_view> kHealed(7);
+// Where it was, in the log, when the controller fell silent.
+constexpr const char* kPlaces[] = {"entering the bootloader",
+                                   "erasing page 0x01800",
+                                   "writing row 0x01800",
+                                   "writing row 0x01900",
+                                   "reading back row 0x01800",
+                                   "reading back row 0x01900",
+                                   "finishing"};
 
 const FaultCase kFaults[] = {
     // One frame that is spoilt is asked for again.
@@ -187,6 +195,9 @@ TEST_F(FirmwareUpdate, EveryFaultAtEveryStepEndsInItsTextAndASecondUpdateSucceed
       ASSERT_EQ(Update(bytes), reason.empty() ? kSucceeded : Failed(reason));
       if (reason.empty()) ExpectFlashOf(bytes);
       EXPECT_EQ(Log().find("Firmware update") == std::string::npos, reason.empty());
+      if (row.reasons == kSilent) {
+        EXPECT_NE(Log().find(std::string(kPlaces[step - 1]) + ": no answer"), std::string::npos) << Log();
+      }
       pic.RestorePower();
       tablet.Advance(1s);  // what is still on the line passes
       ExpectUpdate(bytes);

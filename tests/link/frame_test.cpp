@@ -112,6 +112,7 @@ TEST(FrameReceiver, WhatIsTooLongIsBad) {
     for (const uint8_t byte : bytes) last = receiver.OnByte(byte);
     return last;
   };
+  EXPECT_EQ(receive({0x41, 0x04}), Outcome::kBadChecksum);  // before the first header
   for (const auto& [size, outcome] : cases) {
     EXPECT_EQ(receive(Frame(size)), Outcome::kNothing);
     EXPECT_EQ(receive(EncodeFrame(Frame(size))), outcome) << size;

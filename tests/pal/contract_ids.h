@@ -15,4 +15,3 @@
 #define LIST 1007
 #define OTHER_LIST 1008
 #define TRACKBAR 1009
-#define PROGRESS 1010

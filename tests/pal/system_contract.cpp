@@ -1,4 +1,4 @@
-// The version of Windows, and COM on a thread.
+// COM on a thread.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -8,25 +8,6 @@
 #include "test_window.h"
 
 namespace {
-
-bool IsAtLeast(DWORD major, DWORD minor, WORD servicePack) {
-  OSVERSIONINFOEXW wanted = {};
-  wanted.dwOSVersionInfoSize = sizeof(wanted);
-  wanted.dwMajorVersion = major;
-  wanted.dwMinorVersion = minor;
-  wanted.wServicePackMajor = servicePack;
-  ULONGLONG conditions = 0;
-  for (const DWORD field : {VER_MAJORVERSION, VER_MINORVERSION, VER_SERVICEPACKMAJOR})
-    conditions = VerSetConditionMask(conditions, field, VER_GREATER_EQUAL);
-  return VerifyVersionInfoW(&wanted, VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR, conditions);
-}
-
-TEST(WindowsVersion, GreaterFieldsCountFirst) {
-  EXPECT_TRUE(IsAtLeast(5, 1, 3));  // a higher service pack of an older version
-  EXPECT_TRUE(IsAtLeast(6, 1, 0));
-  EXPECT_FALSE(IsAtLeast(99, 0, 0));
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_OLD_WIN_VERSION});
-}
 
 TEST(Com, BelongsToTheThreadThatBeganIt) {
   constexpr CLSID kEnumeratorClass = {

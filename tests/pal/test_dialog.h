@@ -1,10 +1,9 @@
-// The dialog of the contract tests, driven from inside: once it is up it runs what a test has to say.
+// The dialog of the contract tests.
 #pragma once
 
 #include <windows.h>
 
 #include <functional>
-#include <vector>
 
 #include "tests/pal/contract_ids.h"
 
@@ -15,12 +14,6 @@ inline LPCDLGTEMPLATEW ControlsTemplate() {
       FindResourceExW(nullptr, RT_DIALOG, MAKEINTRESOURCEW(CONTRACT_CONTROLS), LANG_NEUTRAL);
   return static_cast<LPCDLGTEMPLATEW>(LockResource(LoadResource(nullptr, resource)));
 }
-
-struct DialogMessage {
-  UINT message;
-  WPARAM wParam;
-  LPARAM lParam;
-};
 
 class TestDialog {
  public:
@@ -46,62 +39,6 @@ class TestDialog {
   }
 
   Handler handler_;
-};
-
-// Runs `steps` in an open dialog, and keeps what the controls told it meanwhile: WM_COMMAND, WM_HSCROLL.
-class OpenDialogRun {
- public:
-  explicit OpenDialogRun(const std::function<void(OpenDialogRun&)>& steps) {
-    TestDialog shown([&](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
-      if (message == WM_INITDIALOG) {
-        dialog = window;
-        PostMessageW(window, WM_APP, 0, 0);
-        return TRUE;
-      }
-      if (message == WM_COMMAND || message == WM_HSCROLL) told_.push_back({message, wParam, lParam});
-      if (message == WM_APP) {
-        TakeTold();
-        steps(*this);
-        EndDialog(window, 1);
-      }
-      return FALSE;
-    });
-    shown.Run();
-  }
-
-  [[nodiscard]] HWND Item(int id) const { return GetDlgItem(dialog, id); }
-  LRESULT Send(int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
-    return SendDlgItemMessageW(dialog, id, message, wParam, lParam);
-  }
-  void Click(int id) const {
-    Send(id, WM_LBUTTONDOWN);
-    Send(id, WM_LBUTTONUP);
-  }
-  void Key(int id, WPARAM key) const {
-    Send(id, WM_KEYDOWN, key);
-    Send(id, WM_KEYUP, key);
-  }
-  // What came since the last call.
-  std::vector<DialogMessage> TakeTold() { return std::exchange(told_, {}); }
-  // The codes of WM_COMMAND from one control since the last call, leaving out those of the focus.
-  std::vector<int> TakeCodes(int id, const std::vector<int>& wanted) {
-    std::vector<int> codes;
-    for (const DialogMessage& m : TakeTold())
-      for (const int code : wanted)
-        if (m.message == WM_COMMAND && LOWORD(m.wParam) == id && HIWORD(m.wParam) == code &&
-            reinterpret_cast<HWND>(m.lParam) == Item(id))
-          codes.push_back(code);
-    return codes;
-  }
-  [[nodiscard]] std::basic_string<WCHAR> Text(int id) const {
-    WCHAR buffer[256];
-    return {buffer, GetDlgItemTextW(dialog, id, buffer, 256)};
-  }
-
-  HWND dialog = nullptr;
-
- private:
-  std::vector<DialogMessage> told_;
 };
 
 }  // namespace contract

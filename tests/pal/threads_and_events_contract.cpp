@@ -1,8 +1,6 @@
-// Events, mutexes, threads, waiting and time.
+// Events, threads, waiting and time.
 #include <gtest/gtest.h>
 #include <windows.h>
-
-#include <string>
 
 #include "test_window.h"
 
@@ -65,19 +63,6 @@ TEST(Threads, HaveALastErrorEach) {
   thread.Join();
   EXPECT_EQ(inside, static_cast<DWORD>(ERROR_INVALID_HANDLE));
   EXPECT_NE(GetLastError(), inside);
-}
-
-TEST(Mutexes, TellThatTheyExist) {
-  const OwnedHandle first(CreateMutexW(nullptr, TRUE, TEXT("ContractMutex")));
-  ASSERT_NE(first.Get(), nullptr);
-  EXPECT_EQ(GetLastError(), 0u);
-  {
-    const OwnedHandle second(CreateMutexW(nullptr, TRUE, TEXT("ContractMutex")));
-    ASSERT_NE(second.Get(), nullptr);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
-  }
-  const OwnedHandle other(CreateMutexW(nullptr, FALSE, TEXT("contractmutex")));  // case counts
-  EXPECT_EQ(GetLastError(), 0u);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -84,9 +85,10 @@ TEST(MacroText, AMistakeIsFoundInItsPlaceAndNothingIsDone) {
       {"{\n}", Mistake::kUnknownKey, "\n"},
       {"{Ctrl+Foo+A}", Mistake::kUnknownKey, "Foo"},
       {"{A+Ctrl}", Mistake::kNotAModifier, "A"},
+      {"{Left+A}", Mistake::kNotAModifier, "Left"},
       {"{Left 0}", Mistake::kBadNumber, "0"},
       {"{Left 100}", Mistake::kBadNumber, "100"},
-      {"{Left -1}", Mistake::kBadNumber, "-1"},
+      {"{Left 1a}", Mistake::kBadNumber, "1a"},
       {"{Left  2}", Mistake::kBadNumber, " 2"},
       {"{Left 4294967297}", Mistake::kBadNumber, "4294967297"},
       {"{Pause}", Mistake::kBadNumber, "Pause"},
@@ -126,10 +128,22 @@ TEST(MacroText, FittedForAProfileItMeansTheSame) {
   }
 }
 
-TEST(MacroText, EveryKeyHasItsOwnNames) {
+// In a table of the documentation one column is English and the other Dutch; what else it says is of both.
+TEST(MacroText, EveryKeyHasItsNamesAsTheDocumentationSays) {
+  std::ifstream documentation(VELTRA_MACRO_DOCUMENTATION);
+  std::string english, dutch;
+  for (std::string line; std::getline(documentation, line);) {
+    const size_t bar = line.find(" | `");
+    english += line.substr(0, bar);
+    dutch += bar == line.npos ? line : line.substr(bar);
+  }
+  for (int n = 2; n < 12; ++n)  // "`F1` to `F12`"
+    for (std::string* names : {&english, &dutch}) names->append("`F").append(std::to_string(n)) += '`';
   for (const KeyName& key : KeyNames())
-    for (const std::string_view name : {key.english, key.dutch})
+    for (const auto& [name, names] : {std::pair(key.english, &english), std::pair(key.dutch, &dutch)}) {
       EXPECT_EQ(FindKey(veltra::Widen(name)), &key) << name;
+      EXPECT_NE(names->find(std::string("`").append(name) + '`'), std::string::npos) << name;
+    }
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ const std::u16string kMarker = std::u16string(kFolder) + u"logon.txt";
 
 class Log : public ::testing::Test {
  protected:
-  Log() { machine.clock.localTimeAtStart = {2024, 11, 2, 19, 14, 5, 9, 347}; }
+  Log() { machine.clock.localTimeAtStart = {2024, 11, 2, 19, 14, 5, 9, 999}; }
   // The log works inside a program, as in the tool.
   void Do(const std::function<void(DiagnosticLog&)>& work) {
     machine.StartProgram([&] {
@@ -39,13 +39,13 @@ TEST_F(Log, Lines) {
     log.WriteError(u"Err", u"m");
   });
   EXPECT_EQ(Content(),
-            "k19 140509 3 Resume . . . . . .  ***    Device resuming\r\n"
-            "k19 140509 3 Err device change.  >_<    Pic port dropped\r\n"
-            "k19 140509 3 eighteen character  a\r\n"
-            "k19 140509 3 nineteen characters b\r\n"
-            "k19 140509 3 more than nineteen characters c\r\n"
-            "k19 140509 3  . . . . . . . . .  \xAC \x39\r\n"
-            "k19 140509 3 Err. . . . . . . .  >_<    m\r\n");
+            "k19 140509 9 Resume . . . . . .  ***    Device resuming\r\n"
+            "k19 140509 9 Err device change.  >_<    Pic port dropped\r\n"
+            "k19 140509 9 eighteen character  a\r\n"
+            "k19 140509 9 nineteen characters b\r\n"
+            "k19 140509 9 more than nineteen characters c\r\n"
+            "k19 140509 9  . . . . . . . . .  \xAC \x39\r\n"
+            "k19 140509 9 Err. . . . . . . .  >_<    m\r\n");
 }
 
 TEST_F(Log, DetailLinesFollowTheMarkerFile) {
@@ -59,12 +59,12 @@ TEST_F(Log, DetailLinesFollowTheMarkerFile) {
     machine.disk.Remove(kMarker);
     log.WriteDetail(u"a", u"after");
   });
-  EXPECT_EQ(Content(), "k19 140509 3 a. . . . . . . . .  ***    while\r\n");
+  EXPECT_EQ(Content(), "k19 140509 9 a. . . . . . . . .  ***    while\r\n");
 }
 
 TEST_F(Log, ALineEndsWhereItIsTooLong) {
   Do([](DiagnosticLog& log) { log.Write(u"t", WideText(65536, 'x') + u"end"); });
-  EXPECT_EQ(Content(), "k19 140509 3 t. . . . . . . . .  " + std::string(65536, 'x') + "\r\n");
+  EXPECT_EQ(Content(), "k19 140509 9 t. . . . . . . . .  " + std::string(65536, 'x') + "\r\n");
 }
 
 TEST_F(Log, GrowsToItsLimitAndStartsAgain) {
@@ -83,7 +83,7 @@ TEST_F(Log, GrowsToItsLimitAndStartsAgain) {
   EXPECT_EQ(Content(), more);
   EXPECT_EQ(machine.disk.Read(kPrevious), "older");
   Do(write);
-  EXPECT_EQ(Content(), "k19 140509 3 t. . . . . . . . .  line\r\n");
+  EXPECT_EQ(Content(), "k19 140509 9 t. . . . . . . . .  line\r\n");
   EXPECT_EQ(machine.disk.Read(kPrevious), more);
 }
 
