@@ -115,34 +115,6 @@ TEST_F(Messages, SendingHasALimitWhenAsked) {
   }
 }
 
-// Each of two threads sends to the other's window while it waits for the answer of the other.
-TEST_F(Messages, WhoWaitsForAnAnswerStillAnswers) {
-  const HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-  HWND partnerWindow = nullptr;
-  const TestThread partner([&] {
-    const TestWindow farWindow(
-        [&](HWND, UINT message, WPARAM wParam, LPARAM) {
-          if (message != kFirst) return TestWindow::kDefault;
-          return TestWindow::Answer(SendMessageW(window.Get(), kSecond, wParam, 0) + 1);
-        },
-        TEXT("ContractFar"));
-    partnerWindow = farWindow.Get();
-    SetEvent(ready);
-    MSG message;
-    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-      if (message.message == kSecond) break;
-      DispatchMessageW(&message);
-    }
-  });
-  WaitForSingleObject(ready, INFINITE);
-  onMessage = [](UINT, WPARAM wParam, LPARAM) { return static_cast<LRESULT>(wParam * 10); };
-  EXPECT_EQ(SendMessageW(partnerWindow, kFirst, 4, 0), 41);
-  EXPECT_EQ(handled, std::vector<UINT>{kSecond});
-  PostMessageW(partnerWindow, kSecond, 0, 0);
-  partner.Join();
-  CloseHandle(ready);
-}
-
 TEST_F(Messages, NotificationsAreCalledOnTheirOwnThread) {
   EXPECT_TRUE(SendNotifyMessageW(window.Get(), kFirst, 0, 0));
   EXPECT_EQ(handled, std::vector<UINT>{kFirst});

@@ -28,8 +28,7 @@ class TestWindow {
   using Handler = std::function<Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam)>;
   static constexpr Answer kDefault = std::nullopt;
 
-  explicit TestWindow(Handler handler = {}, const WCHAR* className = TEXT("ContractWindow"),
-                      HWND parent = nullptr)
+  explicit TestWindow(Handler handler = {}, const WCHAR* className = TEXT("ContractWindow"))
       : handler_(std::move(handler)) {
     WNDCLASSEXW windowClass = {};
     windowClass.cbSize = sizeof(windowClass);
@@ -38,7 +37,7 @@ class TestWindow {
     windowClass.cbWndExtra = 2 * sizeof(LONG_PTR);
     windowClass.lpszClassName = className;
     RegisterClassExW(&windowClass);  // fails harmlessly when an earlier window had the class
-    handle_ = CreateWindowExW(0, className, TEXT("contract title"), WS_OVERLAPPEDWINDOW, 0, 0, 0, 0, parent,
+    handle_ = CreateWindowExW(0, className, TEXT("contract title"), WS_OVERLAPPEDWINDOW, 0, 0, 0, 0, nullptr,
                               nullptr, nullptr, this);
   }
   ~TestWindow() {

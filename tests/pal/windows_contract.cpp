@@ -79,31 +79,6 @@ TEST(Windows, KeepWhatTheProgramStoresInThem) {
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_INDEX));
 }
 
-TEST(Windows, OwnedWindowsGoWithTheirOwner) {
-  bool ownedGone = false;
-  TestWindow owner({}, TEXT("ContractOwner"));
-  TestWindow owned(
-      [&](HWND, UINT message, WPARAM, LPARAM) {
-        if (message == WM_DESTROY) ownedGone = true;
-        return TestWindow::kDefault;
-      },
-      TEXT("ContractOwned"), owner.Get());
-  DestroyWindow(owner.Get());
-  EXPECT_TRUE(ownedGone);
-  EXPECT_FALSE(IsWindow(owned.Get()));
-}
-
-TEST(Windows, OtherThreadsCannotDestroyThem) {
-  TestWindow window;
-  DWORD error = 0;
-  const contract::TestThread other([&] {
-    if (!DestroyWindow(window.Get())) error = GetLastError();
-  });
-  other.Join();
-  EXPECT_EQ(error, static_cast<DWORD>(ERROR_ACCESS_DENIED));
-  EXPECT_TRUE(IsWindow(window.Get()));
-}
-
 TEST(Windows, KeysHaveTheirPlaceOnTheKeyboard) {
   const HKL layout = GetKeyboardLayout(0);
   const std::pair<UINT, UINT> keys[] = {

@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <map>
 
-#include "simulator/firmware_file.h"
-
 namespace simulator {
 namespace {
 
@@ -208,19 +206,6 @@ TEST(ControllerBootloader, AFailingPowerLeavesHalfOfTheWork) {
   bench.controller.CutPower();
   bench.controller.RestorePower();
   EXPECT_EQ(bench.TakeSent(), "log power up | Firmware=112");
-}
-
-TEST(FirmwareFile, IsWhatItHolds) {
-  const FirmwareBytes bytes = {{0x17FF, 1}, {0x1800, 2}, {0xFFFF, 3}, {0x10000, 4}, {0x12800, 5}};
-  EXPECT_EQ(HexText(bytes),
-            ":0217FF000102E5\r\n:01FFFF0003FE\r\n:020000040001F9\r\n:0100000004FB\r\n:0128000005D2\r\n"
-            ":00000001FF\r\n");
-  const Flash factory;
-  const Bytes after = FlashAfterUpdate(factory.Bytes(), bytes);
-  for (const uint32_t outside : {0x17FFU, 0x2000U, 0x12800U, 0x14800U})
-    EXPECT_EQ(after[outside], factory.Bytes()[outside]);
-  EXPECT_EQ(after[0x1800], 2);
-  EXPECT_EQ(after[0x1801], 0xFF);
 }
 
 }  // namespace
