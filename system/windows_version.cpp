@@ -10,8 +10,9 @@ constexpr WORD kUnicodeCodePage = 1200;  // 0x04B0
 WideText QueryText(const std::vector<uint8_t>& version, const WideText& path) {
   void* text = nullptr;
   UINT length = 0;  // in characters, the terminator included
-  if (!VerQueryValueW(version.data(), path.c_str(), &text, &length) || length == 0) return {};
-  return static_cast<const WCHAR*>(text);
+  if (!VerQueryValueW(version.data(), path.c_str(), &text, &length)) return {};
+  const WideView all(static_cast<const WCHAR*>(text), length);
+  return WideText(all.substr(0, all.find(WCHAR{})));
 }
 
 WideText FileVersionPath(WORD language, WORD codePage) {

@@ -22,7 +22,8 @@ const ResourceTable::Entry* FindVersion(const Call& call, LPCWSTR fileName) {
         file.exists ? ERROR_RESOURCE_DATA_NOT_FOUND : ERROR_FILE_NOT_FOUND, nullptr);
   const auto* found = call->resources.Find(ResourceNameOf(RT_VERSION),
                                            ResourceNameOf(MAKEINTRESOURCEW(VS_VERSION_INFO)), LANG_NEUTRAL);
-  if (!found) SetLastError(ERROR_RESOURCE_DATA_NOT_FOUND);
+  if (!found || !IsVersionBlock(found->second))
+    return Refuse<const ResourceTable::Entry*>(ERROR_RESOURCE_DATA_NOT_FOUND, nullptr);
   return found;
 }
 

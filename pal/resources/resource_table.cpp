@@ -57,6 +57,10 @@ void ResourceTable::Load(const std::filesystem::path& path) {
   if (!file) Die("cannot read the resource file " + path.string());
   std::vector<uint8_t> content(static_cast<size_t>(file.tellg()));
   file.seekg(0).read(reinterpret_cast<char*>(content.data()), static_cast<std::streamsize>(content.size()));
+  Load(content);
+}
+
+void ResourceTable::Load(std::span<const uint8_t> content) {
   const MachineLock lock(mutex_);
   entries_.clear();
   ByteReader reader(content);

@@ -39,6 +39,7 @@ class ResourceTable {
   // A file of the host that the resource compiler wrote (.res): string tables, version, menus, dialogs,
   // icons, sounds. They take the place of what was there before; a damaged file is the end.
   void Load(const std::filesystem::path& path);
+  void Load(std::span<const uint8_t> content);
 
   // ---- for the calls of Windows ----
   // In the language, or else in the nearest: its primary language, no language; for LANG_NEUTRAL then the

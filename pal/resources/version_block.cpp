@@ -37,17 +37,16 @@ struct Node {
   [[nodiscard]] size_t ValueOffset() const {
     return AlignTo4(kHeaderSize + (Name().size() + 1) * sizeof(char16_t));
   }
-  [[nodiscard]] size_t ChildrenOffset() const {
-    const size_t valueSize = ValueLength() * (HasText() ? sizeof(char16_t) : 1);
-    return AlignTo4(ValueOffset() + valueSize);
+  [[nodiscard]] size_t ValueEnd() const {
+    return ValueOffset() + ValueLength() * (HasText() ? sizeof(char16_t) : 1);
   }
 };
 
 std::optional<Node> FindChild(const Node& node, std::u16string_view name) {
-  size_t at = node.ChildrenOffset();
+  size_t at = AlignTo4(node.ValueEnd());
   while (at + kHeaderSize <= node.Length()) {
     const Node child = {node.begin + at};
-    if (child.Length() < kHeaderSize) return std::nullopt;
+    if (child.Length() < kHeaderSize || child.Length() > node.Length() - at) return std::nullopt;
     if (EqualFolded(child.Name(), name)) return child;
     at += AlignTo4(child.Length());
   }
@@ -56,6 +55,10 @@ std::optional<Node> FindChild(const Node& node, std::u16string_view name) {
 
 }  // namespace
 
+bool IsVersionBlock(std::span<const uint8_t> block) {
+  return block.size() >= kHeaderSize && Node{block.data()}.Length() <= block.size();
+}
+
 std::optional<VersionValue> FindVersionValue(const uint8_t* block, std::u16string_view path) {
   std::optional<Node> node = Node{block};
   while (node && !path.empty()) {
@@ -63,7 +66,7 @@ std::optional<VersionValue> FindVersionValue(const uint8_t* block, std::u16strin
     path.remove_prefix(std::min(path.size(), name.size() + 1));
     if (!name.empty()) node = FindChild(*node, name);
   }
-  if (!node) return std::nullopt;
+  if (!node || node->ValueEnd() > node->Length()) return std::nullopt;
   return VersionValue{node->begin + node->ValueOffset(), node->ValueLength()};
 }
 

@@ -156,6 +156,10 @@ Problem RunBoard(World& world, Words words) {
   return {};
 }
 
+Problem RunHoldings(World& world, Words) {
+  return static_cast<WineWorld&>(world).TryRun({"holdings", kToolWindow});
+}
+
 constexpr WorldCommand kCommands[] = {
     {"board", "absent|damaged|lacks EXPORT|...",
      "the board's library, from the next start on; also start-error, stop-error, codec-errors, "
@@ -167,6 +171,8 @@ constexpr WorldCommand kCommands[] = {
     {"program", "NAME [ARGUMENT...]", "starts a program of Windows", RunProgram},
     {"window", "CAPTION [TEXT]", "waits for a window of any program, and for one of its texts", RunWindow},
     {"picture", "FILE [CAPTION]", "a picture of the desktop, or of one window", RunPicture},
+    {"holdings", "", "what the tool holds: working set, handles, objects of GDI and of all of USER",
+     RunHoldings},
 };
 
 }  // namespace

@@ -92,8 +92,8 @@ constexpr Command kCommands[] = {
 };
 
 const Command* FindCommand(const std::string& name) {
-  for (const std::span<const Command> table :
-       {std::span<const Command>(kCommands), DialogCommands(), DeskCommands(), RegistryCommands()})
+  for (const std::span<const Command> table : {std::span<const Command>(kCommands), DialogCommands(),
+                                               DeskCommands(), RegistryCommands(), HoldingCommands()})
     if (const auto command = std::ranges::find(table, name, &Command::name); command != table.end())
       return &*command;
   return nullptr;

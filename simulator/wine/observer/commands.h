@@ -14,10 +14,12 @@ struct Command {
   std::string (*run)(const Words& words);  // the answer; throws std::exception when it cannot
 };
 
-// Dialogs, their controls, and menus; the notification area and windows of other programs; the registry.
+// Dialogs, their controls, and menus; the notification area and windows of other programs; the registry; what
+// a process holds.
 std::span<const Command> DialogCommands();
 std::span<const Command> DeskCommands();
 std::span<const Command> RegistryCommands();
+std::span<const Command> HoldingCommands();
 
 // Carries the command out and reports "=" with its result, or "!" with what went wrong.
 void RunCommand(const std::string& line);
