@@ -38,9 +38,10 @@ void SimulatedTablet::Start(std::u16string_view arguments) {
 }
 
 bool SimulatedTablet::StartAndSettle(std::u16string_view arguments) {
+  const size_t mark = Mark();
   Start(arguments);
   constexpr pal::Time kQuiet = std::chrono::milliseconds(200);
-  if (!AwaitBatteryWatch()) return false;
+  if (!AwaitBatteryWatch(mark)) return false;
   const pal::Time end = machine_.clock.Now() + kLongestWait;
   while (machine_.clock.Now() < end) {
     const size_t before = controller_.Requests().size();
@@ -51,10 +52,9 @@ bool SimulatedTablet::StartAndSettle(std::u16string_view arguments) {
 }
 
 // The last step of the start-up sequence.
-bool SimulatedTablet::AwaitBatteryWatch() {
+bool SimulatedTablet::AwaitBatteryWatch(size_t mark) {
   constexpr uint64_t kBatteryTimer = 1;
-  size_t looked = Mark();
-  const auto watches = [&] {
+  const auto watches = [&, looked = mark]() mutable {
     const std::vector<pal::Effect>& effects = machine_.Effects();
     while (looked < effects.size()) {
       const auto* timer = std::get_if<pal::TimerSet>(&effects[looked++].detail);

@@ -72,7 +72,7 @@ class SimulatedTablet {
   [[nodiscard]] std::vector<pal::Effect> Since(size_t mark) const;
 
  private:
-  bool AwaitBatteryWatch();
+  bool AwaitBatteryWatch(size_t mark);
 
   // The controller outlives the machine: a program that the machine ends may still write to it.
   Controller controller_;

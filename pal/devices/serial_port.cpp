@@ -123,10 +123,12 @@ DWORD PortHandle::CompleteSoon(OVERLAPPED& overlapped, DWORD error, DWORD transf
     return error;
   }
   Scheduler& scheduler = port_.state_.scheduler;
-  scheduler.At(scheduler.Now(), [handle = weak_from_this(), &overlapped, error, transferred] {
-    const std::shared_ptr<PortHandle> open = handle.lock();
-    if (open && !open->closed_) CompleteOverlapped(open->port_.state_, overlapped, error, transferred);
-  });
+  scheduler.At(scheduler.Now(),
+               [&state = port_.state_, handle = weak_from_this(), &overlapped, error, transferred] {
+                 const MachineLock lock(state.mutex);
+                 const std::shared_ptr<PortHandle> open = handle.lock();
+                 if (open && !open->closed_) CompleteOverlapped(state, overlapped, error, transferred);
+               });
   return ERROR_IO_PENDING;
 }
 
