@@ -132,7 +132,9 @@ std::optional<std::string> TabletWorld::AskReport(int64_t selection) {
   std::u16string report;
   const HWND asker =
       machine.desktop.AddForeignWindow(u"Asker", [&report](const pal::ForeignMessage& message) -> LRESULT {
-        report.assign(reinterpret_cast<const char16_t*>(message.payload.data()), message.payload.size() / 2);
+        if (message.message == WM_COPYDATA)
+          report.assign(reinterpret_cast<const char16_t*>(message.payload.data()),
+                        message.payload.size() / 2);
         return TRUE;
       });
   machine.desktop.SetHung(asker, true, true);

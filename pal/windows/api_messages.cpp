@@ -107,8 +107,9 @@ void Broadcast(State& state, UINT message, WPARAM wParam, LPARAM lParam) {
     if (window->thread) {
       NotifyOwn(state, handle, message, wParam, lParam);
     } else if (window->foreign) {
-      state.scheduler.At(state.scheduler.Now(), [handler = window->foreign, message, wParam, lParam] {
-        handler({message, wParam, lParam, 0, {}});
+      state.scheduler.At(state.scheduler.Now(), [&state, handle, message, wParam, lParam] {
+        const Window* there = state.desktop.Find(handle);  // still
+        if (const auto handler = there ? there->foreign : nullptr) handler({message, wParam, lParam, 0, {}});
       });
     }
   }

@@ -11,6 +11,7 @@
 #include <span>
 #include <sstream>
 
+#include "resources/resource_ids.h"
 #include "simulator/console.h"
 #include "simulator/joystick.h"
 #include "simulator/tablet_world.h"
@@ -23,6 +24,10 @@ namespace {
 constexpr std::string_view kLeave = "# leave the dialogs";
 constexpr std::string_view kRest = "# at rest";
 constexpr std::string_view kLull = "# calm has come";
+constexpr std::string_view kRemember = "# these are the options";
+constexpr std::string_view kCompare = "# the same options";
+constexpr int kCheckBoxes[] = {
+    IDO_FLIGHT_MODE, IDO_WLAN, IDO_BLUETOOTH, IDO_MOBILE_PHONE, IDO_DISABLE_USB_BACK, IDO_DISABLE_USB_BOTTOM};
 constexpr std::string_view kUpdated = "dialog \"Firmware\": Firmware was updated successfully.";
 constexpr std::string_view kHeld[] = {"event",  "mutex", "file", "serial", "key",        "thread handle",
                                       "window", "timer", "menu", "brush",  "com object", "thread"};
@@ -42,6 +47,9 @@ class Story {
     if (line == kLeave) return LeaveDialogs();
     if (line == kRest) return Rest();
     if (line == kLull) return ExpectCalm();
+    if (line == kRemember) options_ = Options();
+    if (line == kCompare && Options() != options_)
+      wrong_ = "other options: " + Options() + "before " + options_;
     Do(line);
   }
 
@@ -61,6 +69,17 @@ class Story {
     Play(std::string(kLull));
   }
 
+  // What a person sets in the options they still say after the tool has been started again.
+  void ChangeOptions(Dice& dice) {
+    Play("tray tool double-click");
+    for (const simulator::ControlLook& control : Controls()) Play(Change(control, dice));
+    Play(std::string(kRemember));
+    for (const char* line :
+         {"press OK", "wait 20s", "close", "wait 20s", "start -s", "wait 20s", "tray tool double-click"})
+      Play(line);
+    Play(std::string(kCompare));
+  }
+
   [[nodiscard]] const Problem& Wrong() const { return model_.Complaint() ? model_.Complaint() : wrong_; }
   [[nodiscard]] const std::vector<std::string>& Lines() const { return lines_; }
   [[nodiscard]] Duration Now() { return world_.Now(); }
@@ -77,6 +96,34 @@ class Story {
   }
 
  private:
+  std::vector<simulator::ControlLook> Controls() {
+    const auto dialog = world_.FrontDialog();
+    return dialog ? dialog->controls : std::vector<simulator::ControlLook>();
+  }
+
+  std::string Change(const simulator::ControlLook& control, Dice& dice) {
+    const std::string name = std::to_string(control.id) + " ";
+    if (const std::vector<std::string> entries = world_.Entries(control.id); !entries.empty()) {
+      const std::string& entry = entries[dice.Below(entries.size())];
+      return "choose " + name + "\"" + entry.substr(0, entry.rfind('=')) + "\"";
+    }
+    if (control.kind == "Edit") return "type " + name + std::to_string(dice.Below(100));
+    if (control.kind == "msctls_trackbar32") return "slide " + name + std::to_string(dice.Below(8));
+    const bool isCheckBox = std::ranges::find(kCheckBoxes, control.id) != std::end(kCheckBoxes);
+    return isCheckBox && dice.Below(2) ? "press " + name : "# leave " + name;
+  }
+
+  std::string Options() {
+    std::string said;
+    for (const simulator::ControlLook& control : Controls())
+      if (control.isShown)
+        said += control.kind == "Static"
+                    ? ""
+                    : std::to_string(control.id) + " " + control.text +
+                          (control.isChecked ? " checked " : " ") + std::to_string(control.position) + ", ";
+    return said;
+  }
+
   void Do(const std::string& line) {
     const Problem problem = console_.RunLine(line);
     Look(problem ? std::string_view(line) : std::string_view());
@@ -164,6 +211,7 @@ class Story {
   simulator::UpdateRecord update_;  // the one that runs
   std::vector<std::string> lines_;
   std::string heldAtFirst_;
+  std::string options_;
   size_t looked_ = 0;
 };
 
@@ -220,6 +268,7 @@ Problem PlayHour(Dice& dice, const Tablet& tablet, std::vector<std::string>& lin
       for (const std::string& line : Gust(dice)) story.Play(line);
     story.Calm();
   }
+  story.ChangeOptions(dice);
   lines = story.Lines();
   return story.Wrong();
 }
