@@ -69,7 +69,7 @@ TEST_F(ProfileTest, TheFileIsPlainUnlessALetterNeedsMore) {
     whole.append("[Button").append(1, button).append(
         "]\r\nBtCmd=2\r\nBtCmdVal=-1\r\nBtCmdText=\xE9\x80.wav\r\n");
   EXPECT_EQ(File(), whole);
-  machine_.disk.Write(kProfile, "[Other]\r\nname=caf\xE9\r\n" + File());
+  machine_.disk.Write(kProfile, File() + "[Other]\r\nname=caf\xE9\r\n");
   Save({2, -1, u"\x0416.wav"});
   EXPECT_TRUE(File().starts_with("\xFF\xFE"));
   const std::u16string text = pal::DecodeProfile(File()).text;
