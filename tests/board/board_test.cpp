@@ -216,6 +216,8 @@ TEST_F(BoardTest, RetriesWaitLongerEachTimeAndThenSayItOnce) {
 TEST_F(BoardTest, WhatFailsForGoodEndsItsPartAlone) {
   Board().failures = {{uint8_t{0x38}, 5, 4, 5}, {uint8_t{0x30}, 3, 1, 5}};  // the third piece of the program
   tablet.Start();
+  tablet.Advance(100ms);
+  EXPECT_EQ(tablet.Ask(kCodecStatusQuery), 2);
   tablet.Advance(10s);
   size_t programPieces = 0;
   for (const simulator::I2cTransfer& transfer : Board().transfers)
