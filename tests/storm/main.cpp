@@ -15,69 +15,46 @@
 #include "simulator/console.h"
 #include "simulator/joystick.h"
 #include "simulator/tablet_world.h"
+#include "tests/storm/model.h"
 #include "tests/storm/weather.h"
 
 namespace storm {
 namespace {
 
-// Lines that the console passes over.
-constexpr std::string_view kLeave = "# leave the dialogs";
-constexpr std::string_view kRest = "# at rest";
-constexpr std::string_view kLull = "# calm has come";
-constexpr std::string_view kRemember = "# these are the options";
-constexpr std::string_view kCompare = "# the same options";
 constexpr int kCheckBoxes[] = {
     IDO_FLIGHT_MODE, IDO_WLAN, IDO_BLUETOOTH, IDO_MOBILE_PHONE, IDO_DISABLE_USB_BACK, IDO_DISABLE_USB_BOTTOM};
 constexpr std::string_view kUpdated = "dialog \"Firmware\": Firmware was updated successfully.";
-constexpr std::string_view kHeld[] = {"event",  "mutex", "file", "serial", "key",        "thread handle",
-                                      "window", "timer", "menu", "brush",  "com object", "thread"};
+constexpr const char* kHeld[] = {"event",  "mutex", "file", "serial", "key",        "thread handle",
+                                 "window", "timer", "menu", "brush",  "com object", "thread"};
 
 constexpr Duration kLongestWork = std::chrono::minutes(5);  // with a codec that fails and fails
 
 // A tablet in the storm, and what is wrong on it.
 class Story {
  public:
-  explicit Story(const Tablet& tablet) : model_(tablet.switches[0], tablet.switches[1]) {
-    console_.TheTimeline().Silence();
-    for (const std::string& line : tablet.lines) Play(line);
-  }
+  Story() { console_.TheTimeline().Silence(); }
 
-  void Play(const std::string& line) {
-    if (Wrong()) return;
-    if (line == kLeave) return LeaveDialogs();
-    if (line == kRest) return Rest();
-    if (line == kLull) return ExpectCalm();
-    if (line == kRemember) options_ = Options();
-    if (line == kCompare && Options() != options_)
-      wrong_ = "other options: " + Options() + "before " + options_;
-    Do(line);
+  // Lines parted by semicolons.
+  void Play(const std::string& lines) {
+    std::istringstream rest(lines);
+    for (std::string line; std::getline(rest, line, ';');)
+      if (!Wrong()) PlayLine(line);
   }
 
   void Calm() {
-    for (const std::string& line : kCalm) Play(line);
-    LeaveDialogs();
-    if (world_.ExitCode()) {
-      Play("start -s");
-      Play("wait 20s");
-    }
+    Play(std::string(kCalm));
+    Play("# leave the dialogs");
+    if (world_.ExitCode()) Play("start -s;wait 20s");
     Repair();
-    Rest();
-    for (const simulator::ButtonName& button : simulator::kButtonNames)
-      Play("tap " + std::string(button.command));
-    Play("wait 16s");
-    Rest();
-    Play(std::string(kLull));
+    Play("# at rest;tap sw1;tap sw2;tap esc;tap fn1;tap fn2;wait 16s;# at rest;# calm");
   }
 
   // What a person sets in the options they still say after the tool has been started again.
   void ChangeOptions(Dice& dice) {
     Play("tray tool double-click");
     for (const simulator::ControlLook& control : Controls()) Play(Change(control, dice));
-    Play(std::string(kRemember));
-    for (const char* line :
-         {"press OK", "wait 20s", "close", "wait 20s", "start -s", "wait 20s", "tray tool double-click"})
-      Play(line);
-    Play(std::string(kCompare));
+    Play("# these options;press OK;wait 20s;close;wait 20s;start -s;wait 20s;tray tool double-click");
+    Play("# the same options");
   }
 
   [[nodiscard]] const Problem& Wrong() const { return model_.Complaint() ? model_.Complaint() : wrong_; }
@@ -96,6 +73,19 @@ class Story {
   }
 
  private:
+  // The console passes over what begins with #.
+  void PlayLine(const std::string& line) {
+    lines_.push_back(line);
+    if (line == "# leave the dialogs") LeaveDialogs();
+    if (line == "# at rest") Rest();
+    if (line == "# calm" && !model_.Unrest().empty())
+      wrong_ = "no calm comes, " + std::string(model_.Unrest());
+    if (line == "# these options") options_ = Options();
+    if (line == "# the same options" && Options() != options_)
+      wrong_ = "other options: " + Options() + "before " + options_;
+    Do(line);
+  }
+
   std::vector<simulator::ControlLook> Controls() {
     const auto dialog = world_.FrontDialog();
     return dialog ? dialog->controls : std::vector<simulator::ControlLook>();
@@ -114,53 +104,32 @@ class Story {
   }
 
   std::string Options() {
-    std::string said;
+    std::ostringstream said;
     for (const simulator::ControlLook& control : Controls())
-      if (control.isShown)
-        said += control.kind == "Static"
-                    ? ""
-                    : std::to_string(control.id) + " " + control.text +
-                          (control.isChecked ? " checked " : " ") + std::to_string(control.position) + ", ";
-    return said;
+      if (control.isShown && control.kind != "Static")
+        said << control.id << " " << control.text << " " << control.isChecked << control.position << ", ";
+    return said.str();
   }
 
   void Do(const std::string& line) {
     const Problem problem = console_.RunLine(line);
-    Look(problem ? std::string_view(line) : std::string_view());
-    lines_.push_back(line);
-  }
-
-  void Look(std::string_view refused = {}) {
     const auto& entries = console_.TheTimeline().Entries();
     for (; looked_ < entries.size(); ++looked_) {
       const std::string& text = entries[looked_].text;
-      if (text != refused) model_.Take(entries[looked_]);
+      if (!problem || text != line) model_.Take(entries[looked_]);
       if (text == "stays awake") update_ = console_.LastUpdate();
-      if (text.starts_with(kUpdated)) CheckFlash();
+      if (!text.starts_with(kUpdated)) continue;
+      console_.LastUpdate() = update_;  // another may have been asked for, and refused
+      if (const Problem wrong = simulator::CheckFlash(console_, {}, true)) wrong_ = wrong;
     }
-  }
-
-  // Another update may have been asked for, and refused.
-  void CheckFlash() {
-    console_.LastUpdate() = update_;
-    if (const Problem problem = simulator::CheckFlash(console_, {}, true)) wrong_ = problem;
-  }
-
-  void ExpectCalm() {
-    lines_.emplace_back(kLull);
-    if (!model_.Unrest().empty()) wrong_ = "no calm comes, " + std::string(model_.Unrest());
   }
 
   void LeaveDialogs() {
     constexpr int kMost = 40;
-    lines_.emplace_back(kLeave);
     for (int tried = 0; world_.FrontDialog() && tried < kMost; ++tried) {
-      for (const char* line : {"answer ok", "answer no", "press OK", "key escape"})
-        if (!console_.RunLine(line)) Look();
-      if (world_.FrontDialog() && world_.FrontDialog()->title == "Power meter")
-        console_.RunLine("close-dialog");
-      console_.RunLine("wait 16s");
-      Look();
+      for (const char* line : {"answer ok", "answer no", "press OK", "key escape"}) Do(line);
+      if (world_.FrontDialog() && world_.FrontDialog()->title == "Power meter") Do("close-dialog");
+      Do("wait 16s");
     }
     if (world_.FrontDialog()) wrong_ = "a dialog that nobody can leave: " + world_.FrontDialog()->title;
   }
@@ -168,26 +137,19 @@ class Story {
   // A controller whose firmware was lost in an update is given it again.
   void Repair() {
     if (world_.Pic().bootloader.HasFirmware()) return;
-    Play("firmware-file repair.hex 0x1800");
-    Play("update repair.hex");
-    Play("wait 60s");
-    LeaveDialogs();
-    Play("controller-power off");
-    Play("controller-power on");
-    Play("wait 16s");
+    Play(
+        "firmware-file repair.hex 0x1800;update repair.hex;wait 60s;# leave the dialogs;controller-power off;"
+        "controller-power on;wait 16s");
     if (!world_.Pic().bootloader.HasFirmware()) wrong_ = "a second update does not repair the controller";
-    if (!world_.ExitCode()) return;
-    Play("start -s");
-    Play("wait 20s");
+    if (world_.ExitCode()) Play("start -s;wait 20s");
   }
 
   // Once the tool watches the battery, and has read what it was sent.
   void Rest() {
-    lines_.emplace_back(kRest);
     const pal::Machine& machine = world_.Tablet().Machine();
     const auto waits = [&] { return machine.CountOpen("timer") > 0 && machine.QueuedMessages() == 0; };
     const bool isAtWork = model_.Unrest().empty() && !world_.WaitUntil(waits, kLongestWork);
-    Look();
+    Do("");
     if (isAtWork && model_.Unrest().empty()) wrong_ = "it works and works";
     const auto file = [this](std::string_view name) {
       return world_.ReadFile(std::string(simulator::kDataFolder) + std::string(name)).value_or("");
@@ -195,12 +157,10 @@ class Story {
     model_.Rest(file("DevLog_pt2.txt") + file("DevLog.txt"));
     if (!model_.Unrest().empty() || world_.FrontDialog()) return;
     if (simulator::TheJoystick().pressed != 0) wrong_ = "a joystick button is held";
-    std::ostringstream held;
-    for (const std::string_view kind : kHeld)
-      held << kind << " " << world_.Tablet().Machine().CountOpen(kind) << ", ";
-    if (heldAtFirst_.empty()) heldAtFirst_ = held.str();
-    if (held.str() != heldAtFirst_ && !Wrong())
-      wrong_ = "left over: " + held.str() + "at first " + heldAtFirst_;
+    std::string held;
+    for (const char* kind : kHeld) held += kind + (" " + std::to_string(machine.CountOpen(kind)) + ", ");
+    if (heldAtFirst_.empty()) heldAtFirst_ = held;
+    if (held != heldAtFirst_ && !Wrong()) wrong_ = "left over: " + held + "at first " + heldAtFirst_;
   }
 
   simulator::TabletWorld world_;
@@ -215,8 +175,8 @@ class Story {
   size_t looked_ = 0;
 };
 
-Problem PlayLines(const Tablet& tablet, const std::vector<std::string>& lines) {
-  Story story(tablet);
+Problem PlayLines(const std::vector<std::string>& lines) {
+  Story story;
   for (const std::string& line : lines) story.Play(line);
   return story.Wrong();
 }
@@ -229,14 +189,14 @@ std::string KindOf(const Problem& problem) {
 }
 
 // Leaves out pieces, ever smaller ones, as long as the same is wrong without them.
-std::vector<std::string> Shorten(const Tablet& tablet, std::vector<std::string> lines) {
-  const std::string kind = KindOf(PlayLines(tablet, lines));
+std::vector<std::string> Shorten(std::vector<std::string> lines) {
+  const std::string kind = KindOf(PlayLines(lines));
   for (size_t piece = lines.size() / 2; piece > 0; piece /= 2)
     for (size_t at = 0; at < lines.size();) {
       std::vector<std::string> fewer(lines);
       const auto begin = fewer.begin() + static_cast<std::ptrdiff_t>(at);
       fewer.erase(begin, begin + static_cast<std::ptrdiff_t>(std::min(piece, lines.size() - at)));
-      if (KindOf(PlayLines(tablet, fewer)) == kind)
+      if (KindOf(PlayLines(fewer)) == kind)
         lines = std::move(fewer);
       else
         at += piece;
@@ -244,43 +204,34 @@ std::vector<std::string> Shorten(const Tablet& tablet, std::vector<std::string> 
   return lines;
 }
 
-void Report(uint64_t seed, const Tablet& tablet, std::vector<std::string> lines, const std::string& folder) {
-  lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(tablet.lines.size()));
-  lines = Shorten(tablet, std::move(lines));
-  const std::string name = folder + "/storm_" + std::to_string(seed) + ".scenario";
+void Report(const std::vector<std::string>& lines, const std::string& name) {
   std::ofstream script(name);
-  Story story(tablet);
-  for (const std::string& line : lines) story.Play(line);
-  for (const std::vector<std::string>& part : {tablet.lines, lines})
-    for (const std::string& line : part) script << line << "\n";
+  Story story;
+  for (const std::string& line : lines) {
+    story.Play(line);
+    script << line << "\n";
+  }
   story.PrintLast(script);
   std::cout << "  shortened to " << lines.size() << " lines: " << story.Wrong().value_or("not again")
             << "\n  " << name << "\n";
 }
 
-// An hour, or until something is wrong.
-Problem PlayHour(Dice& dice, const Tablet& tablet, std::vector<std::string>& lines) {
+// An hour, or until something is wrong. Returns whether nothing was.
+bool PlaySeed(uint64_t seed, const std::string& folder) {
   constexpr auto kEnd = std::chrono::hours(1);
   constexpr int kActsBetweenCalms = 60;
-  Story story(tablet);
+  Dice dice(seed);
+  Story story;
+  story.Play(SetUp(dice));
   while (!story.Wrong() && story.Now() < kEnd) {
-    for (int i = 0; i < kActsBetweenCalms; ++i)
-      for (const std::string& line : Gust(dice)) story.Play(line);
+    for (int i = 0; i < kActsBetweenCalms; ++i) story.Play(Gust(dice));
     story.Calm();
   }
   story.ChangeOptions(dice);
-  lines = story.Lines();
-  return story.Wrong();
-}
-
-bool PlaySeed(uint64_t seed, const std::string& folder) {
-  Dice dice(seed);
-  const Tablet tablet = SetUp(dice);
-  std::vector<std::string> lines;
-  const Problem problem = PlayHour(dice, tablet, lines);
-  if (!problem) return true;
-  std::cout << "seed " << seed << " after " << lines.size() << " lines: " << *problem << std::endl;
-  Report(seed, tablet, std::move(lines), folder);
+  if (!story.Wrong()) return true;
+  std::cout << "seed " << seed << " after " << story.Lines().size() << " lines: " << *story.Wrong()
+            << std::endl;
+  Report(Shorten(story.Lines()), folder + "/storm_" + std::to_string(seed) + ".scenario");
   return false;
 }
 

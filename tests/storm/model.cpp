@@ -18,6 +18,17 @@ std::string Numbers(std::string_view before, int first, int second) {
   return std::string(before) + " " + std::to_string(first) + " " + std::to_string(second);
 }
 
+// What a setting of a switch lets it do; with 0 it notifies.
+struct SwitchValue {
+  std::string_view number;
+  std::string_view output;
+};
+constexpr SwitchValue kSwitchValues[] = {
+    {"-1", "mouse left"}, {"-2", "mouse right"}, {"32", "key 0x20"}, {"50002", "joystick button 3"}};
+// What the side buttons do, short and long; a key of its own for each in the profile.
+constexpr std::string_view kShortActions[] = {"mouse filter 1", "key 0x70 down", "key 0x71 down"};
+constexpr std::string_view kLongActions[] = {"mouse filter 0", "key 0x72 down", "key 0x73 down"};
+
 // What may come to nothing.
 enum Excuse : unsigned {
   kHolding = 1,  // what is pressed may be taken back, and side buttons do nothing
@@ -73,11 +84,9 @@ const Model::Row Model::kRows[] = {
     {">", "send-data 3", kQuestions | kAsking},
 };
 
-Model::Model(const SwitchValue& switch1, const SwitchValue& switch2) {
-  const SwitchValue* const values[kSwitches] = {&switch1, &switch2};
-  constexpr Kind kKinds[] = {Kind::kUp, Kind::kDown};
+Model::Model() {
   for (const int pressed : {0, 1}) {
-    const Kind kind = kKinds[pressed];
+    const Kind kind = pressed ? Kind::kDown : Kind::kUp;
     for (size_t i = 0; i < kButtons; ++i)
       AddSign(Numbers("notify 0xC000", static_cast<int>(i) + 1, pressed), i, kind);
     for (size_t i = 0; i < kSwitches; ++i) {
@@ -85,7 +94,6 @@ Model::Model(const SwitchValue& switch1, const SwitchValue& switch2) {
       for (const std::string_view receiver : kLetterReceivers)
         AddSign(Numbers("message 0x8064 to " + std::string(receiver), 0, kLetters[i][pressed ? 0 : 1]), i,
                 kind);
-      AddSign(std::string(values[i]->output) + (pressed ? " down" : " up"), i, kind);
     }
   }
   for (size_t i = kSwitches; i < kButtons; ++i) {
@@ -151,7 +159,7 @@ void Model::Excuse(unsigned what) {
   for (Account& account : accounts_)
     for (int& times : account.mayBeTakenBack) times = std::max(times, 1);
   ForAwaited([](Awaited& awaited) { awaited.isExcused |= awaited.IsAction(); });
-  for (std::optional<Armed>& armed : armed_)
+  for (std::optional<Awaited>& armed : armed_)
     if (armed) armed->isExcused = true;
 }
 
@@ -230,7 +238,7 @@ void Model::Await(Kind kind, size_t button, bool isExcused) {
 void Model::HearButton(size_t button, bool isPress, bool isDoubtful) {
   const bool isSwitch = button < kSwitches;
   const bool wasPressed = std::exchange(isPressed_[button], isPress);
-  const std::optional<Armed> armed = std::exchange(armed_[button], std::nullopt);
+  const std::optional<Awaited> armed = std::exchange(armed_[button], std::nullopt);
   Await(isPress ? Kind::kDown : Kind::kUp, button,
         isDoubtful || (isSwitch ? isShown_ || isLocked_ || !hung_.empty() : isPress && isUpdating_));
   if (isSwitch) return;
@@ -239,7 +247,7 @@ void Model::HearButton(size_t button, bool isPress, bool isDoubtful) {
       ForAwaited(
           [&](Awaited& awaited) { awaited.isExcused |= awaited.IsAction() && awaited.button == button; });
     if (armed) Await(Kind::kLong, button, true);
-    armed_[button] = Armed{now_, isDoubtful || isAsleep_ || isUpdating_};
+    armed_[button] = {{Kind::kLong, button}, isDoubtful || isAsleep_ || isUpdating_, now_};
   } else if (armed) {
     const bool isShort = now_ + kFrame < armed->since + kLongPress;
     Await(isShort ? Kind::kShort : Kind::kShortOrLong, button, armed->isExcused || isLocked_);
@@ -340,6 +348,12 @@ void Model::Watch(std::string_view command) {
   if (command.starts_with(kHang)) hung_.insert(std::string(command.substr(kHang.size())));
   for (const std::string_view act : {"app wake ", "app close "})
     if (command.starts_with(act)) hung_.erase(std::string(command.substr(act.size())));
+  for (size_t i = 0; i < kSwitches; ++i)
+    for (const SwitchValue& value : kSwitchValues)
+      if (command == "set Sw" + std::to_string(i + 1) + "CmdVal " + std::string(value.number)) {
+        AddSign(std::string(value.output) + " down", i, Kind::kDown);
+        AddSign(std::string(value.output) + " up", i, Kind::kUp);
+      }
 }
 
 void Model::Say(std::string_view text) {

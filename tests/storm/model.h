@@ -30,25 +30,9 @@ using simulator::TimelineEntry;
 constexpr size_t kButtons = std::size(simulator::kButtonNames);  // in their order; the first two are switches
 constexpr size_t kSwitches = 2;
 
-// What a setting of a switch lets it do, as the timeline says it.
-struct SwitchValue {
-  std::string_view number;  // in the registry
-  std::string_view output;  // "mouse left"; empty for a message
-};
-inline constexpr SwitchValue kSwitchValues[] = {
-    {"-1", "mouse left"},
-    {"-2", "mouse right"},
-    {"32", "key 0x20"},
-    {"50002", "joystick button 3"},
-    {"0", ""},
-};
-// What the side buttons do, short and long; a key of its own for each in the profile.
-inline constexpr std::string_view kShortActions[] = {"mouse filter 1", "key 0x70 down", "key 0x71 down"};
-inline constexpr std::string_view kLongActions[] = {"mouse filter 0", "key 0x72 down", "key 0x73 down"};
-
 class Model {
  public:
-  Model(const SwitchValue& switch1, const SwitchValue& switch2);
+  Model();
 
   void Take(const TimelineEntry& entry);
   // What was wrong first; empty as long as all is well.
@@ -80,10 +64,6 @@ class Model {
     std::vector<Awaited> awaited;
     std::array<int, kButtons> mayBeTakenBack{};  // so often: there was a reason since it was pressed
     bool operator==(const Account&) const = default;
-  };
-  struct Armed {
-    Duration since;
-    bool isExcused;
   };
   struct Line {
     std::string text;
@@ -143,10 +123,10 @@ class Model {
   Duration mayAskAgainUntil_{0};
 
   std::vector<Account> accounts_ = {{}};
-  std::vector<Awaited> onTheWay_;  // presses and releases while the line is closed
-  std::array<std::optional<Armed>, kButtons> armed_;
-  std::array<bool, kButtons> isPressed_{};  // as the controller said last
-  std::array<bool, kButtons> isHeld_{};     // as the tool did last
+  std::vector<Awaited> onTheWay_;                       // presses and releases while the line is closed
+  std::array<std::optional<Awaited>, kButtons> armed_;  // long presses
+  std::array<bool, kButtons> isPressed_{};              // as the controller said last
+  std::array<bool, kButtons> isHeld_{};                 // as the tool did last
   std::array<std::optional<Duration>, kButtons> mustBeReleasedBy_;
   Duration lastReason_{0};                     // to take back what is pressed
   std::array<std::string, kButtons> outputs_;  // by which it was pressed last

@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <charconv>
 #include <numeric>
-#include <span>
 
 namespace storm {
 namespace {
 
-// {a|b} is one of them, {1..9} a number, # the number of the act. Lines end at semicolons.
+// {a|b} is one of them, {1..9} a number, # the number of the act.
 struct Act {
   size_t weight;
   std::string_view lines;
@@ -84,21 +83,19 @@ std::string Choose(std::string_view choices, Dice& dice) {
   return std::string(choices.substr(0, choices.find('|')));
 }
 
-std::vector<std::string> Fill(std::string_view lines, Dice& dice) {
+std::string Fill(std::string_view lines, Dice& dice) {
   static int number = 0;
   ++number;
-  std::vector<std::string> filled(1);
+  std::string filled;
   while (!lines.empty()) {
     const char c = lines.front();
     const size_t end = c == '{' ? lines.find('}') : 0;
-    if (c == ';')
-      filled.emplace_back();
-    else if (c == '#')
-      filled.back() += std::to_string(number);
+    if (c == '#')
+      filled += std::to_string(number);
     else if (c == '{')
-      filled.back() += Choose(lines.substr(1, end - 1), dice);
+      filled += Choose(lines.substr(1, end - 1), dice);
     else
-      filled.back() += c;
+      filled += c;
     lines.remove_prefix(end + 1);
   }
   return filled;
@@ -111,24 +108,15 @@ size_t Dice::Below(size_t count) {
   return static_cast<size_t>((state_ >> 33) % count);
 }
 
-Tablet SetUp(Dice& dice) {
-  const size_t first = dice.Below(std::size(kSwitchValues));
-  const size_t second = (first + 1 + dice.Below(std::size(kSwitchValues) - 1)) % std::size(kSwitchValues);
-  Tablet tablet = {{kSwitchValues[first], kSwitchValues[second]}, {}};
-  tablet.lines = {"set StartupDelay 0",
-                  "set Sw1CmdVal " + std::string(kSwitchValues[first].number),
-                  "set Sw2CmdVal " + std::string(kSwitchValues[second].number),
-                  "action fn1-short 1 0x70",
-                  "action fn2-short 1 0x71",
-                  "action fn1-long 1 0x72",
-                  "action fn2-long 1 0x73",
-                  dice.Below(4) == 0 ? "pace on" : "pace off",
-                  "start -s",
-                  "wait 16s"};
-  return tablet;
+std::string SetUp(Dice& dice) {
+  return Fill(
+      "set StartupDelay 0;set Sw1CmdVal {-1|32|0};set Sw2CmdVal {-2|50002|0};action fn1-short 1 0x70;"
+      "action fn2-short 1 0x71;action fn1-long 1 0x72;action fn2-long 1 0x73;pace {on|off|off|off};"
+      "start -s;wait 16s",
+      dice);
 }
 
-std::vector<std::string> Gust(Dice& dice) {
+std::string Gust(Dice& dice) {
   constexpr size_t kTotal = std::accumulate(std::begin(kActs), std::end(kActs), size_t{0},
                                             [](size_t sum, const Act& act) { return sum + act.weight; });
   size_t at = dice.Below(kTotal);
@@ -137,32 +125,10 @@ std::vector<std::string> Gust(Dice& dice) {
   return Fill(act->lines, dice);
 }
 
-const std::vector<std::string> kCalm = {
-    "fault off",
-    "fail off",
-    "board codec-errors 0",
-    "reply-delay 2ms",
-    "shell start",
-    "app wake \"Talk Builder\"",
-    "app wake \"Lexora\"",
-    "app wake \"Talk Builder 4 Class\"",
-    "app close \"Talk Builder\"",
-    "app close \"Lexora\"",
-    "wait 20s",
-    "screen uncover",
-    "screen unlock",
-    "resume",
-    "controller-power off",
-    "controller-power on",
-    "port return",
-    "port arrive",
-    "wait 40s",
-    "sw1 release",
-    "sw2 release",
-    "esc release",
-    "fn1 release",
-    "fn2 release",
-    "wait 16s",
-};
+const std::string_view kCalm =
+    "fault off;fail off;board codec-errors 0;reply-delay 2ms;shell start;app wake \"Talk Builder\";"
+    "app wake \"Lexora\";app wake \"Talk Builder 4 Class\";app close \"Talk Builder\";app close \"Lexora\";"
+    "wait 20s;screen uncover;screen unlock;resume;controller-power off;controller-power on;port return;"
+    "port arrive;wait 40s;sw1 release;sw2 release;esc release;fn1 release;fn2 release;wait 16s";
 
 }  // namespace storm

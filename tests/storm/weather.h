@@ -2,11 +2,10 @@
 // same seed makes the same lines.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
-#include <vector>
-
-#include "tests/storm/model.h"
+#include <string_view>
 
 namespace storm {
 
@@ -21,16 +20,11 @@ class Dice {
   uint64_t state_;
 };
 
-struct Tablet {
-  SwitchValue switches[kSwitches];
-  std::vector<std::string> lines;  // before the first start, and the start
-};
-Tablet SetUp(Dice& dice);
-
-// The lines of one act.
-std::vector<std::string> Gust(Dice& dice);
+// Lines parted by semicolons: before the first start, and the start; one act.
+std::string SetUp(Dice& dice);
+std::string Gust(Dice& dice);
 
 // What lets everything through again, with no finger anywhere.
-extern const std::vector<std::string> kCalm;
+extern const std::string_view kCalm;
 
 }  // namespace storm
