@@ -202,24 +202,6 @@ TEST(MachineDisk, GoesWithTheMachine) {
 
 // ---- other programs and the person --------------------------------------------------------------------------
 
-TEST_F(MachineTest, ThePersonChoosesWhatIsNotGray) {
-  machine.resources.Load(VELTRA_RESOURCES);
-  Run([] {
-    const TestWindow window;
-    const HRSRC resource = FindResourceExW(nullptr, RT_MENU, MAKEINTRESOURCEW(CONTRACT_MENU), LANG_NEUTRAL);
-    const HMENU menu = LoadMenuIndirectW(LockResource(LoadResource(nullptr, resource)));
-    TrackPopupMenu(GetSubMenu(menu, 0), TPM_RIGHTALIGN, 7, 8, 0, window.Get(), nullptr);
-  });
-  for (const char16_t* label : {u"Inner", u"D\u00e9ja", u"No such item"})
-    EXPECT_FALSE(machine.menus.Choose(label));
-  EXPECT_TRUE(machine.menus.Choose(u"first"));
-  machine.clock.Advance(0s);
-  EXPECT_EQ(Select<pal::MenuChosen>(machine.Effects()).at(0), (pal::MenuChosen{127, u"&First\tF1"}));
-  const pal::MenuShown shown = Select<pal::MenuShown>(machine.Effects()).at(0);
-  EXPECT_EQ(pal::Describe({0s, shown}), "menu First | - | Inner > [D\xC3\xA9ja (checked) (gray)] | Last");
-  EXPECT_EQ(shown, (pal::MenuShown{shown.items, 7, 8, TPM_RIGHTALIGN}));
-}
-
 TEST_F(MachineTest, WhatASentMessagePointsToIsCopied) {
   UINT size = 0;
   Run([&] {

@@ -99,22 +99,6 @@ TEST_F(Messages, SendingFromAnotherThreadWaitsForTheLoop) {
   EXPECT_EQ(handled, (std::vector<UINT>{kFirst, kSecond, kSecond}));  // what is sent overtakes what is posted
 }
 
-TEST_F(Messages, SendingHasALimitWhenAsked) {
-  for (const UINT flags : {SMTO_NORMAL, SMTO_ABORTIFHUNG | SMTO_NOTIMEOUTIFNOTHUNG}) {
-    DWORD error = 0;
-    LRESULT delivered = 1;
-    const TestThread sender([&] {
-      DWORD_PTR result = 0;
-      delivered = SendMessageTimeoutW(window.Get(), kFirst, 0, 0, flags, 30, &result);
-      error = GetLastError();
-    });
-    sender.Join();  // a wait for a handle handles no messages; Windows counts that as hung after five seconds
-    EXPECT_EQ(delivered, 0);
-    EXPECT_EQ(error, static_cast<DWORD>(ERROR_TIMEOUT));
-    TakeAll();
-  }
-}
-
 TEST_F(Messages, NotificationsAreCalledOnTheirOwnThread) {
   EXPECT_TRUE(SendNotifyMessageW(window.Get(), kFirst, 0, 0));
   EXPECT_EQ(handled, std::vector<UINT>{kFirst});
