@@ -194,6 +194,7 @@ void HandleSwitchEvent(const SwitchEvent& event) {
 }
 
 void ForgetHeldSwitches() {
+  RepeatLostReleases();
   for (const SideButton& button : kSideButtons) Disarm(button);
   for (const SwitchIndex index : {kSwitch1, kSwitch2}) {
     Switches().pressFilters[index].Forget();

@@ -216,8 +216,8 @@ void Report(const std::vector<std::string>& lines, const std::string& name) {
             << "\n  " << name << "\n";
 }
 
-// An hour, or until something is wrong. Returns whether nothing was.
-bool PlaySeed(uint64_t seed, const std::string& folder) {
+// An hour, or until something is wrong.
+Problem PlayHour(uint64_t seed, std::vector<std::string>& lines) {
   constexpr auto kEnd = std::chrono::hours(1);
   constexpr int kActsBetweenCalms = 60;
   Dice dice(seed);
@@ -228,10 +228,16 @@ bool PlaySeed(uint64_t seed, const std::string& folder) {
     story.Calm();
   }
   story.ChangeOptions(dice);
-  if (!story.Wrong()) return true;
-  std::cout << "seed " << seed << " after " << story.Lines().size() << " lines: " << *story.Wrong()
-            << std::endl;
-  Report(Shorten(story.Lines()), folder + "/storm_" + std::to_string(seed) + ".scenario");
+  lines = story.Lines();
+  return story.Wrong();
+}
+
+bool PlaySeed(uint64_t seed, const std::string& folder) {
+  std::vector<std::string> lines;
+  const Problem problem = PlayHour(seed, lines);
+  if (!problem) return true;
+  std::cout << "seed " << seed << " after " << lines.size() << " lines: " << *problem << std::endl;
+  Report(Shorten(std::move(lines)), folder + "/storm_" + std::to_string(seed) + ".scenario");
   return false;
 }
 

@@ -151,7 +151,7 @@ void Model::Excuse(unsigned what) {
     mayAskAgain_ = true;
     mayAskAgainUntil_ = now_ + kBusy;
   }
-  if (what & kReleases)
+  if ((what & kReleases) && !isLocked_)
     for (size_t i = 0; i < kSwitches; ++i)
       if (isHeld_[i]) mustBeReleasedBy_[i] = now_ + kForgotten;
   if (!(what & kHolding)) return;
@@ -193,8 +193,9 @@ void Model::LoseReceiver() {
     if (outputs_[i].starts_with("message")) NoteHeld(i, false);
 }
 
-// And what Windows kept is released once more.
+// And what Windows keeps is released once more.
 void Model::Lock() {
+  mustBeReleasedBy_ = {};
   for (Account& account : accounts_) account.mayBeTakenBack.fill(2);
 }
 
