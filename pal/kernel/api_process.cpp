@@ -72,7 +72,7 @@ BOOL WINAPI ShutdownBlockReasonCreate(HWND window, LPCWSTR reason) {
   const Window* found = call->desktop.Find(window);
   if (!found) return Refuse(ERROR_INVALID_WINDOW_HANDLE, FALSE);
   if (found->thread != Scheduler::Current()) return Refuse(ERROR_ACCESS_DENIED, FALSE);
-  if (!reason || !*reason) Die("ShutdownBlockReasonCreate without a reason");
+  if (!reason || !*reason) return Refuse(ERROR_INVALID_PARAMETER, FALSE);
   call->Emit(SessionHeld{reason});
   return TRUE;
 }
