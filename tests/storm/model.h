@@ -68,6 +68,7 @@ class Model {
   struct Line {
     std::string text;
     bool isExcused;
+    Duration since;
   };
   // What happens, what may come to nothing then, and what else it means.
   struct Row {
@@ -115,7 +116,8 @@ class Model {
   bool isOpen_ = false;
   bool isAsleep_ = false;
   bool isLocked_ = false;
-  bool isShown_ = false;  // the options
+  bool isShown_ = false;    // the options
+  bool isRefused_ = false;  // something, by Windows
   bool isUpdating_ = false;
   bool hasUpdated_ = false;  // since the tool was started
   bool isAwaiting_ = false;  // the tool, an answer of the controller
