@@ -60,11 +60,11 @@ const Model::Row Model::kRows[] = {
     {"effect", "may sleep", kAsking, &Model::isUpdating_, false},
     {"controller ->", "Resend", kAsking},
     {"controller ->", "Firmware=", kHolding},
-    {"controller ->", "reply", 0, &Model::isAwaiting_, false, &Model::Answer},
-    {"controller ->", "erased", 0, &Model::isAwaiting_, false, &Model::Answer},
-    {"controller ->", "written", 0, &Model::isAwaiting_, false, &Model::Answer},
-    {"controller ->", "row", 0, &Model::isAwaiting_, false, &Model::Answer},
-    {"controller ->", "finish", 0, &Model::isAwaiting_, false, &Model::Answer},
+    {"controller ->", "reply", 0, nullptr, false, &Model::Answer},
+    {"controller ->", "erased", 0, nullptr, false, &Model::Answer},
+    {"controller ->", "written", 0, nullptr, false, &Model::Answer},
+    {"controller ->", "row", 0, nullptr, false, &Model::Answer},
+    {"controller ->", "finish", 0, nullptr, false, &Model::Answer},
     {">", "controller-power off", kAll},
     {">", "port", kLine},
     {">", "fail", kLog | kQuestions | kAsking, &Model::isRefused_, true},
@@ -183,9 +183,10 @@ void Model::Open() {
     if (now_ - awaited.since < kFrame) HearButton(awaited.button, awaited.kind == Kind::kDown, true);
 }
 
-// The bootloader may be there, late.
 void Model::Answer() {
-  if (hasUpdated_) Excuse(kHolding);
+  unanswered_ = std::max(unanswered_ - 1, 0);
+  if (unanswered_ == 0) mostUnanswered_ = 1;
+  if (hasUpdated_) Excuse(kHolding);  // the bootloader may be there, late
 }
 
 // Who took a letter is gone, and holds nothing any more.
@@ -365,8 +366,9 @@ void Model::Say(std::string_view text) {
   const auto begins = [text](std::string_view beginning) { return text.starts_with(beginning); };
   const bool isDisturbed = now_ <= mayAskAgainUntil_;
   const bool mayAskAgain = std::exchange(mayAskAgain_, isDisturbed) || isDisturbed;
-  if (std::exchange(isAwaiting_, true) && !mayAskAgain && std::ranges::none_of(kAtAnyTime, begins))
+  if (++unanswered_ > mostUnanswered_ && !mayAskAgain && std::ranges::none_of(kAtAnyTime, begins))
     Complain("before the answer to " + said_ + ": " + std::string(text));
+  mostUnanswered_ = std::max(mostUnanswered_, unanswered_);
   said_ = text;
   if (!text.starts_with("Ask") || (mayAskAgain && asked_.contains(said_))) return;
   const auto asked = std::ranges::find_if(
@@ -396,7 +398,7 @@ void Model::Rest(std::string_view log) {
     Complain("nobody holds it: " + *heldOutputs_.begin());
 
   for (const Line& question : questions_)
-    if (!question.isExcused && !isAwaiting_) Complain("never sent: " + question.text);
+    if (!question.isExcused && unanswered_ < mostUnanswered_) Complain("never sent: " + question.text);
   for (const Line& line : logLines_) {
     ptrdiff_t written = 0;
     for (size_t at = 0; (at = log.find(line.text + "\r\n", at)) != log.npos; ++at) ++written;

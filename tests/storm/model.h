@@ -120,7 +120,8 @@ class Model {
   bool isRefused_ = false;  // something, by Windows
   bool isUpdating_ = false;
   bool hasUpdated_ = false;  // since the tool was started
-  bool isAwaiting_ = false;  // the tool, an answer of the controller
+  int unanswered_ = 0;       // requests of the tool
+  int mostUnanswered_ = 1;   // more when some were asked again, or their answers are lost
   bool mayAskAgain_ = false;
   Duration mayAskAgainUntil_{0};
 

@@ -22,7 +22,7 @@ constexpr Act kActs[] = {
     {3, "wait {60..900}s"},
 
     {8, "fault {flip|drop|double|garbage} {1..3}"},
-    {4, "fault {mute|empty|twice} {1..2}"},
+    {4, "fault {mute|empty|twice|again} {1..2}"},
     {3, "raw {00|55|05|04|55 55 0A 53|FF 13 04|55 55 0B 04|55 55 0A 53 77 31}"},
     {2, "text {Ready|Firmware=113|Serial=SV5-1|BatteryState=0x10|Nonsense}"},
     {3, "log note #"},
@@ -61,7 +61,8 @@ constexpr Act kActs[] = {
     {1, "answer {ok|yes|no}"},
     {1, "press OK"},
     {1,
-     "firmware-file #.hex 0x{1800|2000|AA00} 0x{1900|12700|14700};fault {flip|mute|drop|power|empty} at "
+     "firmware-file #.hex 0x{1800|2000|AA00} 0x{1900|12700|14700};fault "
+     "{flip|mute|drop|power|empty|again|address|stuck-bit} at "
      "{1..8};update #.hex;wait {1..30}s"},
     {1, "firmware-file #.hex 0x{1800|2000|AA00};update #.hex"},
     {1, "{quit|quit no|close|end-session};wait {1..9}s;start -s"},
