@@ -185,7 +185,6 @@ void Model::Open() {
 
 void Model::Answer() {
   unanswered_ = std::max(unanswered_ - 1, 0);
-  if (unanswered_ == 0) mostUnanswered_ = 1;
   if (hasUpdated_) Excuse(kHolding);  // the bootloader may be there, late
 }
 
@@ -362,6 +361,8 @@ void Model::Watch(std::string_view command) {
 
 void Model::Say(std::string_view text) {
   if (text == "Resend" || text.starts_with("bytes")) return;
+  if (unanswered_ == 0 && now_ - saidAt_ > kBusy) mostUnanswered_ = 1;
+  saidAt_ = now_;
   constexpr std::string_view kAtAnyTime[] = {"Ready", "GotoBootloader", "erase"};  // it begins again; twice
   const auto begins = [text](std::string_view beginning) { return text.starts_with(beginning); };
   const bool isDisturbed = now_ <= mayAskAgainUntil_;

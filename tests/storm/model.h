@@ -138,6 +138,7 @@ class Model {
   std::deque<Line> questions_;
   std::set<std::string> asked_;  // of them, what the tool has said
   std::string said_;             // by the tool, last
+  Duration saidAt_{0};
   std::vector<Line> logLines_;
 };
 
