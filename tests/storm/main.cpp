@@ -23,7 +23,6 @@ namespace {
 
 constexpr int kCheckBoxes[] = {
     IDO_FLIGHT_MODE, IDO_WLAN, IDO_BLUETOOTH, IDO_MOBILE_PHONE, IDO_DISABLE_USB_BACK, IDO_DISABLE_USB_BOTTOM};
-constexpr std::string_view kUpdated = "dialog \"Firmware\": Firmware was updated successfully.";
 constexpr const char* kHeld[] = {"event",  "mutex", "file", "serial", "key",        "thread handle",
                                  "window", "timer", "menu", "brush",  "com object", "thread"};
 
@@ -43,7 +42,6 @@ class Story {
 
   void Calm() {
     Play(std::string(kCalm));
-    Play("# leave the dialogs");
     if (world_.ExitCode()) Play("start -s;wait 20s");
     Repair();
     Play("# at rest;tap sw1;tap sw2;tap esc;tap fn1;tap fn2;wait 16s;# at rest;# calm");
@@ -53,8 +51,9 @@ class Story {
   void ChangeOptions(Dice& dice) {
     Play("tray tool double-click");
     for (const simulator::ControlLook& control : Controls()) Play(Change(control, dice));
-    Play("# these options;press OK;wait 20s;close;wait 20s;start -s;wait 20s;tray tool double-click");
-    Play("# the same options");
+    Play(
+        "# these options;press OK;wait 20s;close;wait 20s;start -s;wait 20s;tray tool double-click;"
+        "# the same options");
   }
 
   [[nodiscard]] const Problem& Wrong() const { return model_.Complaint() ? model_.Complaint() : wrong_; }
@@ -118,15 +117,14 @@ class Story {
       const std::string& text = entries[looked_].text;
       if (!problem || text != line) model_.Take(entries[looked_]);
       if (text == "stays awake") update_ = console_.LastUpdate();
-      if (!text.starts_with(kUpdated)) continue;
+      if (!text.starts_with("dialog \"Firmware\": Firmware was updated successfully.")) continue;
       console_.LastUpdate() = update_;  // another may have been asked for, and refused
       if (const Problem wrong = simulator::CheckFlash(console_, {}, true)) wrong_ = wrong;
     }
   }
 
   void LeaveDialogs() {
-    constexpr int kMost = 40;
-    for (int tried = 0; world_.FrontDialog() && tried < kMost; ++tried) {
+    for (int tries = 40; world_.FrontDialog() && tries > 0; --tries) {
       for (const char* line : {"answer ok", "answer no", "press OK", "key escape"}) Do(line);
       if (world_.FrontDialog() && world_.FrontDialog()->title == "Power meter") Do("close-dialog");
       Do("wait 16s");

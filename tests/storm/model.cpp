@@ -115,7 +115,6 @@ void Model::Take(const TimelineEntry& entry) {
   if (entry.who == "controller ->") Hear(entry.text);
   if (entry.who == "tool ->") Say(entry.text);
   if (entry.who == "effect") Did(entry.text);
-  if (entry.who == ">") Ask(entry.text);
   if (entry.who == ">") Watch(entry.text);
 }
 
@@ -310,12 +309,11 @@ void Model::Did(const std::string& text) {
     if (sign.kind == Kind::kUp && account.mayBeTakenBack[sign.button] > 0)
       --possible.emplace_back(account).mayBeTakenBack[sign.button];
   }
-  const bool isOfNobody =
-      possible.empty() && sign.kind == Kind::kUp && !hung_.empty();  // nobody took the press
   if (!sign.IsAction()) NoteHeld(sign.button, sign.kind == Kind::kDown);
   if (sign.kind == Kind::kDown) outputs_[sign.button] = text;
-  if (possible.empty() && !isOfNobody) Complain("without a reason, or twice: " + text + before);
-  if (!possible.empty()) Keep(std::move(possible));
+  if (!possible.empty()) return Keep(std::move(possible));
+  if (sign.kind == Kind::kUp && !hung_.empty()) return;  // of a press that nobody took
+  Complain("without a reason, or twice: " + text + before);
 }
 
 void Model::Keep(std::vector<Account> accounts) {
@@ -330,23 +328,20 @@ void Model::NoteHeld(size_t button, bool isHeld) {
 }
 
 void Model::CountHeld(const std::string& text) {
-  constexpr std::string_view kDown = " down";
-  constexpr std::string_view kUp = " up";
-  if (text.ends_with(kDown)) heldOutputs_.insert(text.substr(0, text.size() - kDown.size()));
-  if (text.ends_with(kUp)) heldOutputs_.erase(text.substr(0, text.size() - kUp.size()));
+  const std::string output = text.substr(0, text.rfind(' '));
+  if (text.ends_with(" down")) heldOutputs_.insert(output);
+  if (text.ends_with(" up")) heldOutputs_.erase(output);
 }
 
 // ---- what other programs ask
 
-void Model::Ask(std::string_view command) {
-  if (!command.starts_with("send-data 0 ") && !command.starts_with("send-data 1 ")) return;
-  const size_t begin = command.find('"') + 1;
-  questions_.push_back({std::string(command.substr(begin, command.find('"', begin) - begin)),
-                        !isOpen_ || now_ <= mayAskAgainUntil_, now_});
-}
-
 // Who looks at no messages gets no letter of a switch either.
 void Model::Watch(std::string_view command) {
+  if (command.starts_with("send-data 0 ") || command.starts_with("send-data 1 ")) {
+    const size_t begin = command.find('"') + 1;
+    questions_.push_back({std::string(command.substr(begin, command.find('"', begin) - begin)),
+                          !isOpen_ || now_ <= mayAskAgainUntil_, now_});
+  }
   constexpr std::string_view kHang = "app hang ";
   if (command.starts_with(kHang)) hung_.insert(std::string(command.substr(kHang.size())));
   for (const std::string_view act : {"app wake ", "app close "})

@@ -89,7 +89,6 @@ class Model {
   void Did(const std::string& text);
   void NoteHeld(size_t button, bool isHeld);
   void CountHeld(const std::string& text);
-  void Ask(std::string_view command);
   void Watch(std::string_view command);
   void FireTimers();
   [[nodiscard]] bool MayBeMissing(const Awaited& awaited) const;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <numeric>
 
 namespace storm {
 namespace {
@@ -118,9 +117,9 @@ std::string SetUp(Dice& dice) {
 }
 
 std::string Gust(Dice& dice) {
-  constexpr size_t kTotal = std::accumulate(std::begin(kActs), std::end(kActs), size_t{0},
-                                            [](size_t sum, const Act& act) { return sum + act.weight; });
-  size_t at = dice.Below(kTotal);
+  size_t total = 0;
+  for (const Act& act : kActs) total += act.weight;
+  size_t at = dice.Below(total);
   const Act* act = kActs;
   for (; at >= act->weight; ++act) at -= act->weight;
   return Fill(act->lines, dice);
@@ -130,6 +129,7 @@ const std::string_view kCalm =
     "fault off;fail off;board codec-errors 0;reply-delay 2ms;shell start;app wake \"Talk Builder\";"
     "app wake \"Lexora\";app wake \"Talk Builder 4 Class\";app close \"Talk Builder\";app close \"Lexora\";"
     "wait 20s;screen uncover;screen unlock;resume;controller-power off;controller-power on;port return;"
-    "port arrive;wait 40s;sw1 release;sw2 release;esc release;fn1 release;fn2 release;wait 16s";
+    "port arrive;wait 40s;sw1 release;sw2 release;esc release;fn1 release;fn2 release;wait 16s;"
+    "# leave the dialogs";
 
 }  // namespace storm
