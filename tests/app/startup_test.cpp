@@ -115,8 +115,11 @@ TEST_F(Startup, AWindowOrItsClassThatIsRefusedKeepsTheToolFromNothing) {
   SetUserValue(u"Sw1CmdVal", -1);
   machine.Fail("RegisterClassExW", 1, ERROR_NOT_ENOUGH_MEMORY);
   machine.Fail("CreateWindowExW", 2, ERROR_NOT_ENOUGH_MEMORY);
+  machine.Fail("ChangeWindowMessageFilterEx", 1, ERROR_ACCESS_DENIED);
   Start();
   tablet.Advance(1s);
+  EXPECT_NE(Log().find(">_<    ChangeWindowMessageFilterEx: Windows error 5\r\n"), std::string::npos)
+      << Log();
   EXPECT_EQ(tablet.MainWindow(), nullptr);
   Press(simulator::Button::kSwitch1);
   EXPECT_EQ(New<pal::MouseInput>().size(), 1U);
