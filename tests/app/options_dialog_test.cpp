@@ -112,6 +112,7 @@ TEST_F(Options, RowsShowTheParameterOfTheirAction) {
       EXPECT_EQ(person::Look(IDO_ROW_CELL_LABEL_0 + row).isVisible, c.cell);
       if (c.value) {
         EXPECT_EQ(person::Look(IDO_ROW_VALUE_0 + row).entries.size(), c.entries);
+        EXPECT_TRUE(person::Look(IDO_ROW_VALUE_0 + row).spokenName.ends_with(c.action)) << row;
       }
     }
 }
