@@ -151,7 +151,7 @@ void Model::Excuse(unsigned what) {
     mayAskAgain_ = true;
     mayAskAgainUntil_ = now_ + kBusy;
   }
-  if ((what & kReleases) && !isLocked_)
+  if ((what & kReleases) && !isLocked_ && hung_.empty())  // who hangs takes no letter
     for (size_t i = 0; i < kSwitches; ++i)
       if (isHeld_[i]) mustBeReleasedBy_[i] = now_ + kForgotten;
   if (!(what & kHolding)) return;
