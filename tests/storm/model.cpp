@@ -355,7 +355,8 @@ void Model::Watch(std::string_view command) {
 }
 
 void Model::Say(std::string_view text) {
-  if (text == "Resend" || text.starts_with("bytes")) return;
+  if (text == "Resend") return Excuse(kQuestions | kAsking);  // now it knows of a spoilt frame
+  if (text.starts_with("bytes")) return;
   if (unanswered_ == 0 && now_ - saidAt_ > kBusy) mostUnanswered_ = 1;
   saidAt_ = now_;
   constexpr std::string_view kAtAnyTime[] = {"Ready", "GotoBootloader", "erase"};  // it begins again; twice
