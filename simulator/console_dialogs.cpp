@@ -103,12 +103,17 @@ Problem RunDoubleClick(Console& console, Words words) {
                     [&](const ControlLook& control) { console.TheWorld().DoubleClick(control.id); });
 }
 
-// An entry by its name, or by name and value.
+// An entry by its name.
 bool HasEntry(Console& console, const ControlLook& list, std::string_view text) {
-  const std::vector<std::string> entries = console.TheWorld().Entries(list.id);
-  return std::ranges::any_of(entries, [&](std::string_view entry) {
-    return entry == text || entry.substr(0, entry.rfind('=')) == text;
+  return std::ranges::any_of(console.TheWorld().Entries(list.id), [&](std::string_view entry) {
+    return entry.substr(0, entry.rfind('=')) == text;
   });
+}
+
+// By its name, or by name and value.
+bool Holds(Console& console, const ControlLook& list, const std::string& text) {
+  const std::vector<std::string> entries = console.TheWorld().Entries(list.id);
+  return HasEntry(console, list, text) || std::ranges::find(entries, text) != entries.end();
 }
 
 Problem RunChoose(Console& console, Words words) {
@@ -279,7 +284,7 @@ Problem CheckControl(Console& console, Words arguments, bool wanted) {
   if (controls.empty()) return NoSuchControl(*dialog, arguments[0]);
   const std::string value = arguments.size() == 3 ? arguments[2] : std::string();
   const bool holds =
-      state->holds ? state->holds(*controls.front(), value) : HasEntry(console, *controls.front(), value);
+      state->holds ? state->holds(*controls.front(), value) : Holds(console, *controls.front(), value);
   if (holds == wanted) return {};
   return "it is " + StateOf(*controls.front());
 }

@@ -77,11 +77,11 @@ TEST_F(ConsoleTest, ControlsAreFoundByTextLabelOrNumber) {
                 "check control 1053 hidden\ncheck no control \"Flight mode\" checked\n"),
             "");
   for (const char* line :
-       {"press Speakers Maybe", "press Nowhere", "choose \"Switch 1\" Nothing", "slide \"Switch 1\" 3",
-        "type Middle x", "check control WLAN unchecked", "check control WLAN text x",
-        "check no control OK enabled", "check control \"Switch 1\" has Nothing",
-        "check control \"Speaker volume\" at 12", "press 1002", "press 1018", "check no dialog Options",
-        "check dialog Nothing", "menu Options", "start -s"})
+       {"press Speakers Maybe", "press Nowhere", "choose \"Switch 1\" Nothing",
+        "choose \"Switch 1\" Space=32", "slide \"Switch 1\" 3", "type Middle x",
+        "check control WLAN unchecked", "check control WLAN text x", "check no control OK enabled",
+        "check control \"Switch 1\" has Nothing", "check control \"Speaker volume\" at 12", "press 1002",
+        "press 1018", "check no dialog Options", "check dialog Nothing", "menu Options", "start -s"})
     EXPECT_TRUE(console.RunLine(line)) << line;
 }
 
