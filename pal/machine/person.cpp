@@ -66,37 +66,32 @@ std::string Name(int id) {
   return std::string("control ").append(std::to_string(id));
 }
 
-// A control that the person can reach at this moment.
-HWND Reach(int id) {
-  const Call call;
-  const Window* dialog = FindFrontDialog(call.Get());
-  if (!dialog) Die(Name(id).append(" is looked for, but no dialog is open"));
-  const HWND handle = GetDlgItem(dialog->handle, id);
-  const Window* control = call->desktop.Find(handle);
-  if (!control) Die(Name(id).append(" is not in the dialog"));
-  if (!(control->style & WS_VISIBLE)) Die(Name(id).append(" is hidden"));
-  if (control->style & WS_DISABLED) Die(Name(id).append(" is disabled"));
-  return handle;
-}
-
 bool IsInFront(HWND dialog) {
   const Call call;
   const Window* front = FindFrontDialog(call.Get());
   return front && front->handle == dialog;
 }
 
-// Runs `act` when the program takes its message; nothing when another box has come before the dialog
-// meanwhile, or it has gone.
-void Do(std::function<void()> act) {
+// Why the person cannot reach it, or null.
+const char* ObstacleAt(const ControlView& control) {
+  if (!control.isVisible) return " is hidden";
+  return control.isEnabled ? nullptr : " is disabled";
+}
+
+// Runs `act` when the program takes its message; nothing when the dialog is not in front any more, or the
+// control out of reach meanwhile. What was out of reach before, and still is, is misuse.
+void Do(int id, std::function<void(HWND)> act) {
+  const bool isInReach = !ObstacleAt(person::Look(id));
   const Call call;
-  const Thread* thread = call->scheduler.Main();
-  const Window* dialog = FindFrontDialog(call.Get());
-  if (!thread || !dialog) Die("no dialog is open for the person");
+  const HWND dialog = FindFrontDialog(call.Get())->handle;
   const WPARAM number = ++call->dialogs.lastAct;
-  call->dialogs.acts[number] = [act = std::move(act), handle = dialog->handle] {
-    if (IsInFront(handle)) act();
+  call->dialogs.acts[number] = [act = std::move(act), dialog, id, isInReach] {
+    if (!IsInFront(dialog)) return;
+    const char* obstacle = ObstacleAt(person::Look(id));
+    if (obstacle && !isInReach) Die(Name(id).append(obstacle));
+    if (!obstacle) act(GetDlgItem(dialog, id));
   };
-  PostTo(call.Get(), dialog->handle, kPersonActs, number, 0);
+  PostTo(call.Get(), dialog, kPersonActs, number, 0);
 }
 
 void Click(HWND control) {
@@ -168,16 +163,14 @@ ControlView Look(int id) {
 }
 
 void Press(int id) {
-  Do([id] {
-    const HWND control = Reach(id);
+  Do(id, [](HWND control) {
     Focus(control);
     Click(control);
   });
 }
 
 void DoubleClick(int id) {
-  Do([id] {
-    const HWND control = Reach(id);
+  Do(id, [](HWND control) {
     Click(control);
     SendMessageW(control, WM_LBUTTONDBLCLK, 0, 0);
     SendMessageW(control, WM_LBUTTONUP, 0, 0);
@@ -185,24 +178,21 @@ void DoubleClick(int id) {
 }
 
 void Choose(int id, std::u16string_view text) {
-  Do([id, text = std::u16string(text)] {
-    const HWND list = Reach(id);
+  Do(id, [id, text = std::u16string(text)](HWND list) {
     Focus(list);
     ChooseIn(list, id, text);
   });
 }
 
 void Drag(int id, int position) {
-  Do([id, position] {
-    const HWND trackbar = Reach(id);
+  Do(id, [position](HWND trackbar) {
     Focus(trackbar);
     DragTo(trackbar, position);
   });
 }
 
 void Type(int id, std::u16string_view text) {
-  Do([id, text = std::u16string(text)] {
-    const HWND edit = Reach(id);
+  Do(id, [text = std::u16string(text)](HWND edit) {
     Focus(edit);
     Write(edit, text);
   });
