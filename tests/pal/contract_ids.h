@@ -3,6 +3,7 @@
 
 #define NEUTRAL_STRING 5
 #define FIRST_STRING 160
+#define CONTRACT_MENU 132
 #define CONTRACT_CONTROLS 134
 
 // Controls of the dialog CONTRACT_CONTROLS.
