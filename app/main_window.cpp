@@ -331,33 +331,32 @@ Result OnCodecStatusQuery(const WindowMessage&) {
 
 struct MessageRow {
   UINT message;
-  bool needsState;  // not handled any more after the end of the session
   Result (*handle)(const WindowMessage&);
 };
 
 constexpr MessageRow kMessageRows[] = {
-    {WM_CREATE, true, OnCreate},
-    {WM_CLOSE, false, OnClose},
-    {WM_DESTROY, false, OnDestroy},
-    {WM_QUERYENDSESSION, true, OnQueryEndSession},
-    {WM_ENDSESSION, true, OnEndSession},
-    {WM_COPYDATA, true, OnCopyData},
-    {WM_COMMAND, true, OnCommand},
-    {WM_TIMER, true, OnTimer},
-    {WM_POWERBROADCAST, true, OnPowerBroadcast},
-    {WM_DEVICECHANGE, true, OnDeviceChange},
-    {WM_WTSSESSION_CHANGE, true, OnSessionChange},
-    {kPowerIconMessage, true, OnPowerIcon},
-    {kToolIconMessage, true, OnToolIcon},
-    {WM_PIC_BYTE, true, ReceivePicByte},
-    {WM_PIC_LINE_LOST, true, ReceivePicLineLost},
-    {WM_PIC_LINE_OPENED, true, ReceivePicLineOpened},
-    {WM_QUERY_PIC_FIRMWARE, true, OnQueryPicFirmware},
-    {kDeviceToolRequest, true, OnDeviceToolRequest},
-    {kDeviceReportRequest, true, OnDeviceReportRequest},
-    {kFirmwareFileRequest, true, OnFirmwareFileRequest},
-    {kStatusLedRequest, true, OnStatusLedRequest},
-    {kCodecStatusQuery, true, OnCodecStatusQuery},
+    {WM_CREATE, OnCreate},
+    {WM_CLOSE, OnClose},
+    {WM_DESTROY, OnDestroy},
+    {WM_QUERYENDSESSION, OnQueryEndSession},
+    {WM_ENDSESSION, OnEndSession},
+    {WM_COPYDATA, OnCopyData},
+    {WM_COMMAND, OnCommand},
+    {WM_TIMER, OnTimer},
+    {WM_POWERBROADCAST, OnPowerBroadcast},
+    {WM_DEVICECHANGE, OnDeviceChange},
+    {WM_WTSSESSION_CHANGE, OnSessionChange},
+    {kPowerIconMessage, OnPowerIcon},
+    {kToolIconMessage, OnToolIcon},
+    {WM_PIC_BYTE, ReceivePicByte},
+    {WM_PIC_LINE_LOST, ReceivePicLineLost},
+    {WM_PIC_LINE_OPENED, ReceivePicLineOpened},
+    {WM_QUERY_PIC_FIRMWARE, OnQueryPicFirmware},
+    {kDeviceToolRequest, OnDeviceToolRequest},
+    {kDeviceReportRequest, OnDeviceReportRequest},
+    {kFirmwareFileRequest, OnFirmwareFileRequest},
+    {kStatusLedRequest, OnStatusLedRequest},
+    {kCodecStatusQuery, OnCodecStatusQuery},
 };
 static_assert(AreApart(kCopiedDataRows) && AreApart(kCommandRows) && AreApart(kTimerRows) &&
               AreApart(kRequestRows) && std::ranges::all_of(kMessageRows, [](const MessageRow& row) {
@@ -365,11 +364,11 @@ static_assert(AreApart(kCopiedDataRows) && AreApart(kCommandRows) && AreApart(kT
               }));
 
 Result Handle(const WindowMessage& m) {
-  const bool hasState = HasAppState();
-  if (hasState && TaskbarCreatedMessage != 0 && m.message == TaskbarCreatedMessage)
-    return OnTaskbarCreated(m);
+  const bool endsWindow = m.message == WM_CLOSE || m.message == WM_DESTROY;
+  if (!HasAppState() && !endsWindow) return {};  // the session has ended
+  if (TaskbarCreatedMessage != 0 && m.message == TaskbarCreatedMessage) return OnTaskbarCreated(m);
   for (const MessageRow& row : kMessageRows)
-    if (row.message == m.message && (hasState || !row.needsState)) return row.handle(m);
+    if (row.message == m.message) return row.handle(m);
   return {};
 }
 

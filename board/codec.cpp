@@ -199,7 +199,6 @@ void OnCallProfileTimer() {
     SetThreadExecutionState(ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED);
     return;
   }
-  KillTimer(MainWindow(), kCallProfileTimer);
   SetAudioProfile(kNormalProfile);
 }
 

@@ -103,6 +103,7 @@ TEST(HexReader, NamesTheFirstLineThatBreaksARule) {
       {":000000F010", HexRule::kType},
       {":0100000001FF", HexRule::kChecksum},
       {":0100000101FE", HexRule::kChecksum},
+      {":00000005FC", HexRule::kChecksum},
   };
   for (const auto& c : kCases) {
     const std::string text = good + "\r\n" + good + c.line + "\r\n" + good;

@@ -120,8 +120,11 @@ TEST_F(Serial, AnOpeningThatFailsHalfWayLeavesNothing) {
   for (const char* function :
        {"CreateFileW", "SetCommTimeouts", "GetCommState", "SetCommState", "CreateEventW"}) {
     machine.Fail(function, 1, ERROR_GEN_FAILURE);
-    Run([&] { EXPECT_FALSE(CSerialInput(2, u"").IsOpen()) << function; });
-    ExpectNothingLeft();
+    Run([&] {
+      const CSerialInput serial(2, u"");
+      EXPECT_FALSE(serial.IsOpen()) << function;
+      EXPECT_EQ(machine.CountOpen("serial") + machine.CountOpen("event"), 0) << function;
+    });
   }
   Run([] { EXPECT_FALSE(CSerialInput(3, u"").IsOpen()); });  // no such port
 }
@@ -132,6 +135,7 @@ TEST_F(Serial, AMonitorThatCannotStartClosesThePort) {
       CSerialInput serial(2, u"");
       machine.Fail(function, 1, ERROR_NOT_ENOUGH_MEMORY);
       EXPECT_FALSE(serial.StartMon(nullptr, nullptr)) << function;
+      EXPECT_FALSE(serial.IsMonitoring());
       EXPECT_FALSE(serial.IsOpen());
       EXPECT_FALSE(serial.StartMon(nullptr, nullptr));
       serial.StopMon();
