@@ -3,7 +3,6 @@
 // updates under way and dialogs open. What ends the tool is survived: it is started again.
 #pragma once
 
-#include <climits>
 #include <cstdio>
 #include <string>
 
@@ -258,7 +257,7 @@ inline bool HearsAPress(Tablet& tablet) {
 inline void ExpectAlive(Tablet& tablet) {
   constexpr int kMostEnds = 5;
   pal::Machine& machine = tablet.Machine();
-  for (const char* function : kRefusable) machine.Fail(function, 1, 0, INT_MAX);
+  machine.FailNoMore();
   machine.boxes.automaticAnswer = IDOK;
   machine.menus.Dismiss();
   machine.system.version = {};  // older ones tell nothing of ports

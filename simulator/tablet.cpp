@@ -117,6 +117,15 @@ std::optional<LRESULT> SimulatedTablet::NotifyPort(bool arrived, std::u16string_
              reinterpret_cast<LPARAM>(record.data()));
 }
 
+std::string SimulatedTablet::Holdings() const {
+  constexpr const char* kKinds[] = {"event",  "mutex",  "file",  "serial", "key",   "thread handle",
+                                    "thread", "window", "timer", "menu",   "brush", "com object"};
+  std::string holdings;
+  for (const char* kind : kKinds)
+    holdings += (holdings.empty() ? "" : ", ") + (kind + (" " + std::to_string(machine_.CountOpen(kind))));
+  return holdings;
+}
+
 std::vector<pal::Effect> SimulatedTablet::Since(size_t mark) const {
   const std::vector<pal::Effect>& effects = machine_.Effects();
   return {effects.begin() + static_cast<std::ptrdiff_t>(mark), effects.end()};

@@ -67,6 +67,9 @@ class SimulatedTablet {
   // What Windows tells of a port, whether it is true or not. `name` as the driver spells it: u"COM2".
   std::optional<LRESULT> NotifyPort(bool arrived, std::u16string_view name);
 
+  // What the program holds, shared pictures apart: "event 3, mutex 1, ...".
+  [[nodiscard]] std::string Holdings() const;
+
   // The number of effects so far, and those that came after such a mark.
   [[nodiscard]] size_t Mark() const { return machine_.Effects().size(); }
   [[nodiscard]] std::vector<pal::Effect> Since(size_t mark) const;

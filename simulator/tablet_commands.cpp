@@ -20,11 +20,7 @@ std::string_view Argument(Words words, size_t index) {
 }
 
 Problem RunFail(World& world, Words words) {
-  if (words.size() == 2 && words[1] == "off") {
-    for (const std::string_view function : kFunctions)
-      TabletOf(world).Machine().Fail(std::string(function), 0, 0);
-    return {};
-  }
+  if (words.size() == 2 && words[1] == "off") return TabletOf(world).Machine().FailNoMore(), Problem();
   const std::optional<int64_t> times = words.size() == 3 ? ParseNumber(words[2]) : std::nullopt;
   if (!times || *times < 1 || *times > 1'000'000) return ExpectedArguments("FUNCTION TIMES|off");
   if (std::ranges::find(kFunctions, words[1]) == std::end(kFunctions))

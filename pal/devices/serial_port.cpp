@@ -234,6 +234,7 @@ DWORD SerialPort::Open(HANDLE& handle, DWORD access, DWORD share) {
   if (!handle_.expired())
     return ERROR_ACCESS_DENIED;  // also while a handle of the device that vanished is open
   if (!present_) return ERROR_FILE_NOT_FOUND;
+  if (access != (GENERIC_READ | GENERIC_WRITE)) Die("a port that is not opened to read and write");
   std::unique_ptr<TtyLine> tty;
   if (!ttyPath_.empty()) {
     tty = TtyLine::Open(ttyPath_);

@@ -13,11 +13,9 @@ namespace pal {
 class FailureTable {
  public:
   void Arm(std::string function, int times, DWORD error, int skip) {
-    if (times > 0)
-      armed_[std::move(function)] = {skip, times, error};
-    else
-      armed_.erase(function);
+    armed_[std::move(function)] = {skip, times, error};
   }
+  void Disarm() { armed_.clear(); }
 
   // The error with which this call of the function shall fail, empty when it shall work. Counts the call.
   std::optional<DWORD> Take(std::string_view function) {

@@ -104,6 +104,11 @@ void Machine::Fail(std::string function, int times, DWORD lastError, int skip) {
   state_->failures.Arm(std::move(function), times, lastError, skip);
 }
 
+void Machine::FailNoMore() {
+  const MachineLock lock(state_->mutex);
+  state_->failures.Disarm();
+}
+
 const std::vector<Effect>& Machine::Effects() const {
   return state_->effects;
 }

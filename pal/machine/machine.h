@@ -80,8 +80,9 @@ class Machine {
 
   // ---- failures -----------------------------------------------------------------------------------------
   // The next `times` calls of the function of that name ("RegisterClassExW", "CreateThread", ...) fail with
-  // that last error. `skip` calls succeed first. With no times at all it works again.
+  // that last error. `skip` calls succeed first.
   void Fail(std::string function, int times, DWORD lastError, int skip = 0);
+  void FailNoMore();
 
   // ---- effects ------------------------------------------------------------------------------------------
   // Everything that the program did to the machine, in order. With wall time look at it only where the

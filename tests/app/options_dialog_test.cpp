@@ -114,6 +114,9 @@ TEST_F(Options, RowsShowTheParameterOfTheirAction) {
         EXPECT_EQ(person::Look(IDO_ROW_VALUE_0 + row).entries.size(), c.entries);
         EXPECT_TRUE(person::Look(IDO_ROW_VALUE_0 + row).spokenName.ends_with(c.action)) << row;
       }
+      if (!c.text) continue;
+      const std::u16string browse = person::Look(IDO_ROW_BROWSE_0 + row).spokenName;
+      EXPECT_TRUE(browse.ends_with(std::u16string(c.action) + u" ...")) << row;
     }
 }
 
@@ -158,8 +161,11 @@ TEST_F(Options, MacrosArePutTogetherInThePlugIn) {
   PressAndSettle(IDO_ROW_BROWSE_2);
   EXPECT_EQ(simulator::TheMacroEditor().shown, "Sarvik5|a|C:\\Users\\Public\\Documents\\Sarvik5\\custom.mcr");
   EXPECT_EQ(person::Look(IDO_ROW_TEXT_2).text, u"a");  // given up
-  simulator::TheMacroEditor().answer = "b c";
-  PressAndSettle(IDO_ROW_BROWSE_2);
+  for (const char* answer : {"b\nc", "b c"}) {
+    simulator::TheMacroEditor().answer = answer;
+    PressAndSettle(IDO_ROW_BROWSE_2);
+  }
+  EXPECT_EQ(New<pal::Beep>().size(), 1U);  // of the first
   EXPECT_EQ(person::Look(IDO_ROW_TEXT_2).text, u"b c");
 }
 

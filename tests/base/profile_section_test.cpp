@@ -54,6 +54,7 @@ TEST(ProfileSection, TheFirstOfANameCountsAndOtherLinesDoNot) {
 TEST(StoredText, IsTheFirstLineWithoutBlanksAndQuotesAroundIt) {
   EXPECT_EQ(AsStored(Widen(" \" 'a \"b' \"\r\n[Button2]")), Widen("a \"b"));
   EXPECT_EQ(AsStored(Widen("'")), Widen("'"));
+  EXPECT_EQ(AsStored(Widen(std::string_view("a\0b", 3))), Widen("a"));
   EXPECT_EQ(AsStored(Widen("'' ")), WideText());
 }
 

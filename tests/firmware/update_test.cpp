@@ -249,6 +249,7 @@ TEST_F(FirmwareUpdate, MemoryThatIsRefusedLeavesTheDialogWithAnEnd) {
   refusedSize = 1 + 4 + Flash::kRowSize;
   EXPECT_EQ(Update(bytes), Failed(u"time-out 3"));
   EXPECT_EQ(refusedSize, 0U);
+  EXPECT_EQ(New<pal::SessionHeld>().back().reason, u"");
   ExpectUpdate(bytes);
 }
 

@@ -348,6 +348,7 @@ TEST_F(Serial, ReadErrorsAreShown) {
   for (const auto& box : pal::Select<pal::BoxShown>(machine.Effects()))
     boxes.push_back(box.caption + box.text);
   EXPECT_EQ(boxes, (std::vector<std::u16string>{u"Error<CE1-1117>", u"Error<CE2-2>", u"Error<CE3-2>"}));
+  EXPECT_TRUE(collector.bytes.empty());
 }
 
 // ---- with the host's time and a tty as the line ----

@@ -1,6 +1,5 @@
 // The machine behind the API, as far as no test of the tool sees it: the order of things, the end of a
-// program, what the person and other programs can do, and misuse.
-#include <commctrl.h>
+// program, and what other programs can do.
 #include <dbt.h>
 #include <gtest/gtest.h>
 
@@ -8,9 +7,6 @@
 #include <optional>
 
 #include "pal/machine/machine.h"
-#include "pal/machine/person.h"
-#include "tests/pal/contract_ids.h"
-#include "tests/pal/test_dialog.h"
 #include "tests/pal/test_window.h"
 
 namespace {
@@ -73,34 +69,6 @@ TEST_F(MachineTest, AtOneTimeEventsComeFirstAndTheMainThreadLast) {
   });
   log.emplace_back("outside");
   EXPECT_EQ(log, (Log{"event", "second event", "its consequence", "helper", "main", "outside"}));
-}
-
-// Threads that meet at the same moments meet in the same order every time.
-TEST(MachineRuns, AreTheSameEveryTime) {
-  const auto run = [] {
-    Machine machine;
-    std::vector<std::function<void()>> workers(4);
-    for (size_t i = 0; i < workers.size(); ++i)
-      workers[i] = [i] {
-        for (DWORD round = 0; round < 50; ++round) {
-          const char16_t text[] = {static_cast<char16_t>(u'a' + i), 0};
-          OutputDebugStringW(text);
-          Sleep(round % (static_cast<DWORD>(i) + 2));
-        }
-      };
-    machine.StartProgram([&] {
-      for (std::function<void()>& worker : workers) StartThread(worker);
-      Sleep(1000);
-      return 0;
-    });
-    machine.clock.Advance(10s);
-    Log log;
-    for (const pal::Effect& effect : machine.Effects()) log.push_back(ToJson(effect));
-    return log;
-  };
-  const Log first = run();
-  EXPECT_EQ(first.size(), 202u);
-  for (int i = 0; i < 20; ++i) ASSERT_EQ(run(), first);
 }
 
 // ---- the end of a program -----------------------------------------------------------------------------------
@@ -190,17 +158,7 @@ TEST_F(MachineTest, AProgramThatReturnsTakesItsThreadsAndHandlesWithIt) {
   EXPECT_NE(file, INVALID_HANDLE_VALUE);
 }
 
-TEST(MachineDisk, GoesWithTheMachine) {
-  std::filesystem::path root;
-  {
-    const Machine machine;
-    root = machine.disk.HostPath(u"C:\\");
-    EXPECT_TRUE(std::filesystem::exists(root));
-  }
-  EXPECT_FALSE(std::filesystem::exists(root.parent_path()));
-}
-
-// ---- other programs and the person --------------------------------------------------------------------------
+// ---- other programs --------------------------------------------------------------------------
 
 TEST_F(MachineTest, WhatASentMessagePointsToIsCopied) {
   UINT size = 0;
@@ -231,33 +189,6 @@ TEST_F(MachineTest, AModuleIsLoadedByItsFullPathAsOftenAsItIsFreed) {
     for (const BOOL expected : {TRUE, TRUE, FALSE}) EXPECT_EQ(FreeLibrary(module), expected);
   });
   EXPECT_EQ(Select<pal::ModuleFreed>(machine.Effects()).size(), 1U);
-}
-
-// ---- misuse -------------------------------------------------------------------------------------------------
-
-TEST(MachineDeathTest, MisuseIsLoud) {
-  testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  const auto inDialog = [](const std::function<void()>& act) {
-    Machine machine;
-    machine.resources.Load(VELTRA_RESOURCES);
-    machine.StartProgram([] {
-      contract::TestDialog dialog([](HWND window, UINT message, WPARAM, LPARAM) -> INT_PTR {
-        if (message == WM_INITDIALOG) EnableWindow(GetDlgItem(window, PUSH_BUTTON), FALSE);
-        if (message == WM_INITDIALOG) ShowWindow(GetDlgItem(window, EDIT), SW_HIDE);
-        return FALSE;
-      });
-      dialog.Run();
-      return 0;
-    });
-    machine.clock.Advance(1ms);
-    act();
-    machine.clock.Advance(1ms);
-  };
-  EXPECT_DEATH(GetCommandLineW(), "without a machine");
-  EXPECT_DEATH(inDialog([] { Sleep(10); }), "outside the program's threads");
-  EXPECT_DEATH(inDialog([] { pal::person::Press(PUSH_BUTTON); }), "1005 is disabled");
-  EXPECT_DEATH(inDialog([] { pal::person::Type(EDIT, u"x"); }), "1006 is hidden");
-  EXPECT_DEATH(inDialog([] { pal::person::Choose(LIST, u"plum"); }), "1007 has no entry plum");
 }
 
 }  // namespace

@@ -23,8 +23,6 @@ namespace {
 
 constexpr int kCheckBoxes[] = {
     IDO_FLIGHT_MODE, IDO_WLAN, IDO_BLUETOOTH, IDO_MOBILE_PHONE, IDO_DISABLE_USB_BACK, IDO_DISABLE_USB_BOTTOM};
-constexpr const char* kHeld[] = {"event",  "mutex", "file", "serial", "key",        "thread handle",
-                                 "window", "timer", "menu", "brush",  "com object", "thread"};
 
 constexpr Duration kLongestWork = std::chrono::minutes(5);  // with a codec that fails and fails
 
@@ -155,10 +153,9 @@ class Story {
     model_.Rest(file("DevLog_pt2.txt") + file("DevLog.txt"));
     if (!model_.Unrest().empty() || world_.FrontDialog()) return;
     if (simulator::TheJoystick().pressed != 0) wrong_ = "a joystick button is held";
-    std::string held;
-    for (const char* kind : kHeld) held += kind + (" " + std::to_string(machine.CountOpen(kind)) + ", ");
+    const std::string held = world_.Tablet().Holdings();
     if (heldAtFirst_.empty()) heldAtFirst_ = held;
-    if (held != heldAtFirst_ && !Wrong()) wrong_ = "left over: " + held + "at first " + heldAtFirst_;
+    if (held != heldAtFirst_ && !Wrong()) wrong_ = "left over: " + held + ", at first " + heldAtFirst_;
   }
 
   simulator::TabletWorld world_;

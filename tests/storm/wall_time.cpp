@@ -1,116 +1,77 @@
-// A storm in wall time, for ThreadSanitizer: wall_time [SECONDS] [SEED]
+// The storm in wall time, for ThreadSanitizer: wall_time [SECONDS] [SEED]
 //
-// The line, Windows and other programs act while the tool's threads run as the host lets them, and now and then
-// the tool is ended and started again. In a calm every press has its click.
+// What comes from the line and from Windows comes while the tool's threads run as the host lets them, and now
+// and then the tool is ended and started again. In each calm every press has its click.
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
 
+#include "simulator/controller_commands.h"
 #include "simulator/tablet.h"
 #include "tests/storm/weather.h"
 
 namespace {
 
 using namespace std::chrono_literals;
-using simulator::Controller;
 using simulator::SimulatedTablet;
-using storm::Dice;
 
-constexpr const char* kRefusable[] = {"CreateFileW", "CreateThread",   "CreateEventW", "SetCommState",
-                                      "SetCommMask", "ClearCommError", "ReadFile",     "WriteFile",
-                                      "SetTimer",    "RegSetValueExW"};
-constexpr simulator::Fault kFaults[] = {simulator::Fault::kFlip,   simulator::Fault::kDrop,
-                                        simulator::Fault::kDouble, simulator::Fault::kGarbage,
-                                        simulator::Fault::kMute,   simulator::Fault::kTwice};
+constexpr int kGusts = 1000;
+constexpr int kTaps = 20;
 
-// On the machine's own thread, where the controller lives.
-void Outside(SimulatedTablet& tablet, std::function<void(SimulatedTablet&)> act) {
-  tablet.Machine().clock.After(0us, [&tablet, act = std::move(act)] { act(tablet); });
+// The controller lives on the machine's own thread.
+void Tell(SimulatedTablet& tablet, const std::string& line) {
+  std::vector<std::string> words;
+  simulator::SplitWords(line, words);
+  const auto* command = words.empty() ? nullptr : simulator::FindControllerCommand(words[0]);
+  if (!command) return;
+  tablet.Machine().clock.After(0us, [&tablet, command, words] { command->run(tablet.Pic(), words); });
 }
 
-void UseButton(SimulatedTablet& tablet, Dice& dice) {
-  const auto button = simulator::kButtonNames[dice.Below(std::size(simulator::kButtonNames))].button;
-  if (dice.Below(2))
-    Outside(tablet, [button](SimulatedTablet& t) { t.Press(button); });
-  else
-    Outside(tablet, [button](SimulatedTablet& t) { t.Release(button); });
+void Send(SimulatedTablet& tablet, UINT message, WPARAM wParam) {
+  tablet.Machine().desktop.Post(tablet.MainWindow(), message, wParam, 0);
 }
 
-void SpoilLine(SimulatedTablet& tablet, Dice& dice) {
-  const simulator::Fault fault = kFaults[dice.Below(std::size(kFaults))];
-  Outside(tablet, [fault](SimulatedTablet& t) { t.Pic().Arm(fault); });
-}
+void PlayAll(SimulatedTablet& tablet, const std::string& lines);
 
-void SwitchController(SimulatedTablet& tablet, Dice&) {
-  Outside(tablet, [](SimulatedTablet& t) { t.Pic().CutPower(); });
-  tablet.Machine().clock.After(50ms, [&tablet] { tablet.Pic().RestorePower(); });
-}
-
-void TakePort(SimulatedTablet& tablet, Dice& dice) {
-  Outside(tablet, &SimulatedTablet::VanishPort);
-  if (dice.Below(2)) tablet.NotifyPort(false, u"COM2");
-  tablet.Machine().clock.Advance(std::chrono::milliseconds(dice.Below(50)));
-  Outside(tablet, &SimulatedTablet::ReturnPort);
-  if (dice.Below(2)) tablet.NotifyPort(true, u"COM2");
-}
-
-void RefuseCall(SimulatedTablet& tablet, Dice& dice) {
-  tablet.Machine().Fail(kRefusable[dice.Below(std::size(kRefusable))], 1, ERROR_ACCESS_DENIED);
-}
-
-void AskTool(SimulatedTablet& tablet, Dice& dice) {
-  if (dice.Below(2)) tablet.SendPowerEvent(dice.Below(2) ? PBT_APMSUSPEND : PBT_APMRESUMEAUTOMATIC);
-  tablet.Ask(SimulatedTablet::kStatusLedRequest, dice.Below(4));
-}
-
-void EndTool(SimulatedTablet& tablet) {
+// A line of the weather, in less time; a person's is left out.
+void Play(SimulatedTablet& tablet, const std::string& line) {
   pal::Machine& machine = tablet.Machine();
-  machine.desktop.Post(tablet.MainWindow(), WM_CLOSE, 0, 0);
-  if (machine.clock.AdvanceUntil([&] { return machine.ExitCode().has_value(); }, 60s)) return;
-  std::puts("the tool does not end");
-  std::exit(1);
+  const std::string_view view = line;
+  const auto begins = [view](std::string_view with) { return view.starts_with(with); };
+  if (begins("port remove") || begins("port vanish")) machine.clock.After(0us, [&] { tablet.VanishPort(); });
+  if (begins("port arrive") || begins("port return")) machine.clock.After(0us, [&] { tablet.ReturnPort(); });
+  if (begins("port arrive") || begins("port remove")) tablet.NotifyPort(begins("port arrive"), u"COM2");
+  if (begins("tap ")) return PlayAll(tablet, line.substr(4, 3) + " press;" + line.substr(4, 3) + " release");
+  if (begins("fail off")) return machine.FailNoMore();
+  if (begins("fail ")) machine.Fail(line.substr(5, line.rfind(' ') - 5), 1, ERROR_ACCESS_DENIED);
+  if (begins("suspend")) Send(tablet, WM_POWERBROADCAST, PBT_APMSUSPEND);
+  if (begins("resume")) Send(tablet, WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC);
+  if (begins("led "))
+    Send(tablet, SimulatedTablet::kStatusLedRequest, static_cast<WPARAM>(line.back() - '0'));
+  if (begins("wait ")) machine.clock.Advance(5ms);
+  Tell(tablet, line);
 }
 
-struct Act {
-  size_t chances;
-  void (*play)(SimulatedTablet&, Dice&);
-};
-constexpr Act kActs[] = {{40, UseButton}, {8, SpoilLine},  {2, SwitchController},
-                         {4, TakePort},   {4, RefuseCall}, {6, AskTool}};
-
-void Blow(SimulatedTablet& tablet, Dice& dice) {
-  size_t at = dice.Below(64);
-  const Act* act = kActs;
-  for (; at >= act->chances; ++act) at -= act->chances;
-  act->play(tablet, dice);
-  tablet.Machine().clock.Advance(std::chrono::milliseconds(dice.Below(8)));
+void PlayAll(SimulatedTablet& tablet, const std::string& lines) {
+  std::istringstream rest(lines);
+  for (std::string line; std::getline(rest, line, ';');) Play(tablet, line);
 }
 
-// As soon as nothing is in the way any more.
-void Calm(SimulatedTablet& tablet) {
-  for (const char* function : kRefusable) tablet.Machine().Fail(function, 0, 0);
-  Outside(tablet, [](SimulatedTablet& t) {
-    t.Pic().Disarm();
-    t.Pic().RestorePower();
-    t.ReturnPort();
-    for (const simulator::ButtonName& name : simulator::kButtonNames) t.Release(name.button);
-  });
-  EndTool(tablet);
-  tablet.Start();
-  tablet.Machine().clock.Advance(3s);
+bool EndTool(SimulatedTablet& tablet) {
+  Send(tablet, WM_CLOSE, 0);
+  return tablet.Machine().clock.AdvanceUntil([&] { return tablet.Machine().ExitCode().has_value(); }, 60s);
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  constexpr int kGusts = 500;
-  constexpr int kTaps = 20;
   const std::chrono::seconds length(count > 1 ? std::atoi(arguments[1]) : 60);
-  Dice dice(count > 2 ? std::strtoull(arguments[2], nullptr, 10) : 1);
+  storm::Dice dice(count > 2 ? std::strtoull(arguments[2], nullptr, 10) : 1);
   SimulatedTablet tablet(pal::Clock::kWall);
   pal::Machine& machine = tablet.Machine();
-  machine.registry.SetDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"StartupDelay", 0);
-  machine.registry.SetDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, u"Sw1CmdVal", static_cast<DWORD>(-1));
+  for (const auto& [name, value] : {std::pair(u"StartupDelay", 0), std::pair(u"Sw1CmdVal", -1)})
+    machine.registry.SetDword(HKEY_CURRENT_USER, SimulatedTablet::kUserKey, name, static_cast<DWORD>(value));
   std::atomic<int> clicks = 0;
   machine.OnEffect([&](const pal::Effect& effect) {
     const auto* mouse = std::get_if<pal::MouseInput>(&effect.detail);
@@ -119,18 +80,17 @@ int main(int count, char** arguments) {
   tablet.Start();
   int calms = 0;
   for (; machine.clock.Now() < length; ++calms) {
-    for (int gust = 0; gust < kGusts; ++gust) Blow(tablet, dice);
-    Calm(tablet);
+    for (int gust = 0; gust < kGusts; ++gust) PlayAll(tablet, storm::Gust(dice));
+    PlayAll(tablet, std::string(storm::kCalm));
+    if (!EndTool(tablet)) return std::puts("the tool does not end"), 1;
+    tablet.Start();
+    machine.clock.Advance(3s);
     clicks = 0;
-    for (int tap = 0; tap < kTaps; ++tap) {
-      Outside(tablet, [](SimulatedTablet& t) { t.Press(simulator::Button::kSwitch1); });
-      Outside(tablet, [](SimulatedTablet& t) { t.Release(simulator::Button::kSwitch1); });
-    }
+    for (int tap = 0; tap < kTaps; ++tap) Play(tablet, "tap sw1");
     if (machine.clock.AdvanceUntil([&] { return clicks == kTaps; }, 60s)) continue;
-    std::printf("%d clicks of %d presses\n", clicks.load(), kTaps);
-    return 1;
+    return std::printf("%d clicks of %d presses\n", clicks.load(), kTaps), 1;
   }
-  EndTool(tablet);
-  std::printf("%d times wind and calm in %d s, every press heard in each calm\n", calms, static_cast<int>(length.count()));
+  if (!EndTool(tablet)) return 1;
+  std::printf("%d times storm and calm, and every press of a calm was heard\n", calms);
   return 0;
 }

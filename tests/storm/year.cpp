@@ -14,10 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::string_view kKinds[] = {"event",         "mutex",      "file",  "serial", "key",
-                                       "thread handle", "window",     "timer", "menu",   "icon",
-                                       "brush",         "com object", "thread"};
-
 void Tap(simulator::SimulatedTablet& tablet, simulator::Button button, pal::Time held) {
   tablet.Press(button);
   tablet.Advance(held);
@@ -65,11 +61,8 @@ Holdings Count(simulator::SimulatedTablet& tablet) {
   tablet.Pic().ForgetRequests();
   simulator::TheBoard().transfers = {};
   simulator::TheBoard().speakerAmp = {};
-  Holdings holdings;
-  for (const std::string_view kind : kKinds)
-    holdings.handles += std::string(kind) + " " + std::to_string(tablet.Machine().CountOpen(kind)) + ", ";
-  holdings.heap = mallinfo2().uordblks;
-  return holdings;
+  return {mallinfo2().uordblks,
+          tablet.Holdings() + ", icon " + std::to_string(tablet.Machine().CountOpen("icon"))};
 }
 
 }  // namespace
