@@ -400,8 +400,4 @@ std::string ToJson(const Effect& effect) {
   return text + ",\"text\":" + JsonText(description.words) + "}";
 }
 
-bool AreSame(const EffectDetail& a, const EffectDetail& b) {
-  return a.index() == b.index() && DescriptionOf(a).fields == DescriptionOf(b).fields;
-}
-
 }  // namespace pal

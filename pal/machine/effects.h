@@ -170,9 +170,6 @@ std::string Describe(const Effect& effect);
 // One JSON object without a line end: {"t_us":..., "kind":"mouse", ...}.
 std::string ToJson(const Effect& effect);
 
-// Whether they are of one kind with the same fields.
-bool AreSame(const EffectDetail& a, const EffectDetail& b);
-
 template <class Detail, class Kinds>
 inline constexpr bool kIsOneOf = false;
 template <class Detail, class... Kinds>
@@ -180,9 +177,10 @@ inline constexpr bool kIsOneOf<Detail, std::variant<Kinds...>> = (std::is_same_v
 template <class Detail>
 concept EffectKind = kIsOneOf<Detail, AnyEffect>;
 
+// Whether they have the same fields.
 template <EffectKind Detail>
 bool operator==(const Detail& a, const Detail& b) {
-  return AreSame(a, b);
+  return ToJson({Time(0), a}) == ToJson({Time(0), b});
 }
 // For tests that compare effects.
 template <EffectKind Detail>

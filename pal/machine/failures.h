@@ -19,14 +19,10 @@ class FailureTable {
 
   // The error with which this call of the function shall fail, empty when it shall work. Counts the call.
   std::optional<DWORD> Take(std::string_view function) {
-    if (armed_.empty()) return std::nullopt;
     const auto found = armed_.find(function);
     if (found == armed_.end()) return std::nullopt;
     Armed& armed = found->second;
-    if (armed.skip > 0) {
-      --armed.skip;
-      return std::nullopt;
-    }
+    if (armed.skip-- > 0) return std::nullopt;
     const DWORD error = armed.error;
     if (--armed.times <= 0) armed_.erase(found);
     return error;
