@@ -61,10 +61,10 @@ bool pal::HasModernStandby(const WindowsSystem& system) {
   return std::pair(system.version.major, system.version.minor) >= std::pair(WORD{6}, WORD{2});
 }
 
-HANDLE WINAPI OpenProcess(DWORD access, BOOL /*inherits*/, DWORD /*id*/) {
+HANDLE WINAPI OpenProcess(DWORD access, BOOL /*inherits*/, DWORD id) {
   const Call call("OpenProcess");
   if (call.Fails()) return nullptr;
-  if (access != PROCESS_QUERY_INFORMATION) Die("OpenProcess with other rights");
+  if (access != PROCESS_QUERY_INFORMATION || id == 0) Die("OpenProcess with other rights, or of no process");
   return call->handles.Add(std::make_shared<ProcessObject>(call->scheduler, Time::max()));
 }
 

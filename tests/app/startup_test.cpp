@@ -24,6 +24,12 @@ TEST_F(Startup, NothingIsLeftAfterAnOrdinaryEnd) {
   EXPECT_FALSE(simulator::TheBoard().initialized);
 }
 
+TEST_F(Startup, WithoutAFolderOfDocumentsTheDataStandsBesideTheProgram) {
+  machine.Fail("SHGetFolderPathW", 1000, ERROR_FILE_NOT_FOUND);
+  Start();
+  EXPECT_TRUE(std::filesystem::is_directory(machine.disk.HostPath(u"C:\\Program Files\\Veltra\\Sarvik5")));
+}
+
 // A library that another one needs is looked for as carefully, and a damaged one raises no box.
 TEST_F(Startup, LibrariesComeFromTheProgramsFolderAndWindowsAlone) {
   const uint32_t places = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
