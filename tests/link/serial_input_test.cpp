@@ -341,7 +341,7 @@ TEST_F(Serial, ReadErrorsAreShown) {
   Run([&] {
     CSerialInput serial(2, u"");
     serial.StartMon(CreateCollectorWindow(collector), nullptr);
-    Sleep(4000);
+    PumpUntil([] { return false; });
     serial.StopMon();
   });
   std::vector<std::u16string> boxes;
